@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace velmora::host {
+
+/// A region as a host received it.
+struct SessionRegion {
+  std::int64_t track = 0;     ///< from 0, the session's first track
+  std::int64_t position = 0;  ///< on the timeline, in samples
+  std::int64_t start = 0;     ///< first sample inside the file
+  std::int64_t stop = 0;      ///< end inside the file, exclusive
+  std::int32_t stream = 1;
+  std::string path;  ///< of the wave file, as the alias resolved
+  std::string name;
+
+  std::int64_t length() const { return stop - start; }
+  std::int64_t end() const { return position + length(); }  ///< exclusive
+};
+
+/// What is heard of one region: later regions cover what lies under them.
+struct VisiblePiece {
+  std::size_t region = 0;     ///< index into Session::regions()
+  std::int64_t position = 0;  ///< on the timeline, in samples
+  std::int64_t end = 0;       ///< exclusive
+};
+
+/// What a session amounts to.
+struct SessionSummary {
+  std::size_t tracks = 0;   ///< that hold a region
+  std::size_t regions = 0;  ///< received
+  std::size_t files = 0;    ///< different paths
+  std::int64_t first = 0;   ///< earliest position, in samples; 0 without regions
+  std::int64_t end = 0;     ///< latest end, exclusive; 0 without regions
+};
+
+/// The timeline of a session: regions in order of arrival, and for each track what is heard of them.
+/// Hosts fill it; whatever shows, writes or plays a session reads it. Not synchronised.
+class Session {
+ public:
+  /// Puts a region on its track, over what is there. One of no length is kept and covers nothing.
+  /// Returns its index. Costs time in the logarithm of the track's pieces and in those it covers.
+  std::size_t Place(SessionRegion region);
+
+  const std::vector<SessionRegion>& regions() const { return regions_; }
+  /// Tracks that hold a region, in rising order.
+  std::vector<std::int64_t> Tracks() const;
+  /// What is heard on a track, in rising position, without overlaps.
+  std::vector<VisiblePiece> Visible(std::int64_t track) const;
+  SessionSummary Summary() const;
+
+ private:
+  std::vector<SessionRegion> regions_;
+  /// By track, then by position.
+  std::map<std::int64_t, std::map<std::int64_t, VisiblePiece>> tracks_;
+};
+
+}  // namespace velmora::host

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ADL/AES31Event.h"
+#include "ADL/AES31Section.h"
+#include "ADL/AES31SourceFile.h"
+#include "ADL/LoadFailure.h"
+#include "BWF/AES31BWF.h"
+
+namespace velmora {
+
+/// A loaded ADL project (AES31-3). Constructing it does the whole load; it owns the file's bytes, to
+/// which every text in it points, and the wave files that it opened.
+///
+/// Oddities of a file are told on standard error, a line each, and do not stop the load.
+class AES31Project {
+ public:
+  static constexpr std::size_t kConstants = 24;
+
+  /// Loads the file at `path` and looks for its audio below `searchFolder`, or below the file's own
+  /// folder if that is null. `*ok` tells the outcome and `failure` why; an object that failed is
+  /// good only for deletion.
+  AES31Project(const char* path, const char* searchFolder, bool* ok);
+  virtual ~AES31Project();
+  AES31Project(const AES31Project&) = delete;
+  AES31Project& operator=(const AES31Project&) = delete;
+
+  // Positions and ids out of range give null or 0.
+
+  /// `sourceFile` of the event at a position of the list.
+  virtual AES31BWF* GetEventFile(std::size_t position);
+  /// The raw text of a constant, null if the file gave none.
+  virtual const char* GetConstant(std::uint32_t id);
+  virtual std::int32_t GetConstantInt(std::uint32_t id);
+  virtual double GetConstantFloat(std::uint32_t id);
+  /// The event at a position of the list, writable in place.
+  virtual AES31Event* GetEvent(std::int32_t position);
+  virtual std::int32_t GetEventCount();
+
+  /// Hands each event what it needs of its source.
+  virtual void LinkEvents();
+  /// Finds the audio file of each source below `folder` and opens it.
+  virtual void ResolveSources();
+
+  // Two sets of readers. The first reads without any check and cannot fail; the load runs the
+  // second, in which false fails the load and sets `failure`.
+  virtual void ReadSourceIndex(const AES31Section& section);
+  virtual void ReadEventList(const AES31Section& section);
+  virtual void ReadSections();
+  virtual bool CheckSourceIndex(const AES31Section& section);
+  virtual bool CheckEventList(const AES31Section& section);
+  virtual bool CheckSections();
+
+  virtual bool IsTimestamp(const char* text);
+  /// Prints constants, sources and events to standard error.
+  virtual void DumpProject();
+
+  std::array<const char*, kConstants> constants{};    ///< raw values, null where the file gave none
+  std::map<std::int32_t, AES31SourceFile> sourceFiles;  ///< by (Index) number
+  std::vector<AES31Event> events;                       ///< by rising entry number
+  std::vector<AES31Section> sections;                   ///< the scanned tree
+  std::vector<std::vector<AES31Section>> refLists;      ///< one for each <REF> block
+  std::vector<const char*> comments;                    ///< from every level, in file order
+  char* buffer = nullptr;     ///< first byte of the file block
+  char* bufferEnd = nullptr;  ///< one past the file's last byte, where a spare NUL stands
+  std::string folder;         ///< in which audio is looked for, without a slash at its end
+  std::optional<LoadFailure> failure;  ///< set when `ok` is false
+
+ private:
+  enum class Checks { Off, On };
+
+  bool LoadFile(const char* path);
+  bool WalkSections(Checks checks);
+  void ReadConstants(const AES31Section& section, std::size_t row);
+  bool WalkSourceIndex(const AES31Section& section, Checks checks);
+  bool WalkEventList(const AES31Section& section, Checks checks);
+  AES31BWF* FindSource(const char* location);
+  bool Fail(const AES31Section& section, const AES31Entry& entry, const char* reason);
+
+  std::unique_ptr<char[]> block_;
+  std::string path_;
+  std::vector<std::unique_ptr<AES31BWF>> openedFiles_;  ///< every file that a source ever had
+};
+
+}  // namespace velmora

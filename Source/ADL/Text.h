@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace velmora {
+
+/// Texts of a project compare without regard to the case of ASCII letters, in any locale.
+/// A null text equals nothing.
+bool EqualsIgnoringCase(const char* a, const char* b);
+
+/// `atoi`, but with numbers beyond 32 bits counting as the nearest; null counts as 0.
+std::int32_t ToInt32(const char* text);
+
+/// `atof` with a decimal point in every locale; null counts as 0.0.
+double ToDouble(const char* text);
+
+}  // namespace velmora

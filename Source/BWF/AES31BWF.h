@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "BWF/BwfRecords.h"
+#include "Platform/FileAccess.h"
+
+namespace velmora {
+
+/// What CopyTo answers.
+enum CopyStatus : std::int32_t {
+  CopyDone = 0,
+  CopyTargetNotCreated = 1,
+  CopyFailed = 2,  ///< no memory, or a read or write error; the short target stays
+  CopyNotValid = 3,
+};
+
+/// One Broadcast Wave file, read or written.
+///
+/// A reading instance parses the header when it is made and holds no stream until audio is touched.
+/// A writing instance is born open, its header written with final sizes; after CloseFile it can be
+/// read like the other. An instance is used by one thread at a time.
+class AES31BWF {
+ public:
+  /// Reads the header of a file. IsValid tells whether it is a wave file.
+  explicit AES31BWF(const char* path);
+
+  /// Creates a file, or empties the one that is there, and writes its header. The caller owes
+  /// exactly the declared samples. If the file cannot be created, the instance is not valid and
+  /// writes nothing.
+  /// @param sampleRate frames per second
+  /// @param bitDepth   bits per sample
+  /// @param frames     sample frames that will be written
+  AES31BWF(const char* path, std::uint32_t sampleRate, std::uint32_t channels,
+           std::int32_t bitDepth, std::int32_t frames);
+
+  virtual ~AES31BWF();
+  AES31BWF(const AES31BWF&) = delete;
+  AES31BWF& operator=(const AES31BWF&) = delete;
+
+  virtual void CloseFile();
+  /// Opens the file for reading at its first sample; an open stream is moved there.
+  virtual void OpenAtData();
+  /// Writes one sample, nominally -1.0 to 1.0, truncated toward zero and not clipped.
+  virtual void WriteSample(float value);
+  virtual void DisableCache();
+  /// One sample, or 0.0 outside the file and for formats other than integer PCM.
+  virtual float GetSampleAt(std::int32_t frame, std::uint32_t channel);
+  /// The sample at the stream's position; the stream must be open.
+  virtual float ReadSample();
+  virtual std::uint32_t GetChannels();
+  virtual std::int32_t GetFrames();
+  virtual std::uint32_t GetSampleRate();
+  virtual std::uint32_t GetBitsPerSample();
+  virtual const char* GetPath();
+  /// A kept chunk in file order; null out of range.
+  virtual BwfChunk* GetChunk(std::int32_t index);
+  virtual std::size_t GetChunkCount();
+  virtual BwfFormat* GetFormat();
+  /// Null if the file has no bext chunk.
+  virtual BwfBext* GetBext();
+  virtual bool IsValid();
+  /// Copies the file to `path`; `bitDepth` -1 or the file's own copies it byte for byte, any other
+  /// converts the audio alone. Returns a CopyStatus.
+  virtual std::int32_t CopyTo(const char* path, std::int32_t bitDepth);
+  /// Fills this writing instance with its declared audio from `source`, from `firstFrame` on, the
+  /// part that the source lacks being 0. False if the formats differ or a write fails.
+  virtual bool CopyFrames(AES31BWF* source, std::int64_t firstFrame);
+  /// Converts every sample from this stream's position on into the target's stream, what this file
+  /// lacks being 0. `gain` is a linear factor, used only if `applyGain` is set.
+  /// @return 0 done, 1 no memory, 2 a stream that is not open, a read or a write error
+  virtual std::int32_t ConvertInto(AES31BWF* target, bool applyGain, double gain);
+
+  /// True once something could not be written, also if only closing showed it. The system log has
+  /// been told path and cause.
+  bool WriteFailed() const { return writeFailed_; }
+
+  bool hasBext = false;
+  BwfBext bext;
+  bool hasFormat = false;
+  BwfFormat format;
+  bool hasData = false;
+  std::int64_t dataOffset = 0;    ///< file offset of the first sample
+  std::uint64_t frames = 0;       ///< sample frames in the data chunk
+  FileStream stream;              ///< open file, or null
+  std::int64_t riffEnd = 0;       ///< the RIFF size field plus 8; read instances only
+  std::int64_t position = 0;      ///< what GetSampleAt takes for the stream's position
+  std::int32_t bytesPerSample = 0;  ///< of one channel's sample in a frame
+  std::string path;
+  std::vector<BwfChunk> chunks;   ///< the chunks not understood, in file order
+
+ private:
+  bool Parse();
+  bool WalkChunks();
+  void ReadFormatChunk();
+  void ReadBextChunk(std::int32_t size, std::int64_t bytesLeft);
+  void KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64_t bytesLeft);
+  void WriteHeader();
+  void NoteWriteError();
+  std::int32_t CopyBytes(const char* target);
+  std::int32_t CopyConverted(const char* target, std::int32_t bitDepth);
+
+  std::string codingHistory_;
+  std::uint32_t dataSize_ = 0;
+  bool writeFailed_ = false;
+};
+
+}  // namespace velmora

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace velmora {
+
+/// The fields of a fmt chunk (RIFF WAVE).
+struct BwfFormat {
+  std::uint16_t formatTag = 0;  ///< 1: integer PCM, the only form whose samples are read
+  std::uint16_t channels = 0;
+  std::uint32_t samplesPerSec = 0;
+  std::uint32_t avgBytesPerSec = 0;
+  std::uint16_t blockAlign = 0;  ///< bytes of one frame
+  std::uint16_t bitsPerSample = 0;
+};
+
+/// The fields of a bext chunk (EBU Tech 3285), byte for byte, no text with a terminator of its own.
+/// Kept but not interpreted: positions come from the project's timestamps alone.
+struct BwfBext {
+  std::array<char, 256> description{};
+  std::array<char, 32> originator{};
+  std::array<char, 32> originatorReference{};
+  std::array<char, 10> originationDate{};
+  std::array<char, 8> originationTime{};
+  std::uint32_t timeReferenceLow = 0;
+  std::uint32_t timeReferenceHigh = 0;
+  std::uint16_t version = 0;
+  std::array<std::uint8_t, 254> umidAndReserved{};
+  const char* codingHistory = nullptr;  ///< terminated; null if the chunk has no more than 602
+                                        ///< bytes; owned by the AES31BWF
+};
+
+/// A chunk that is kept but not understood.
+struct BwfChunk {
+  std::uint32_t identifier = 0;    ///< the four bytes as a little-endian number
+  std::uint32_t size = 0;          ///< bytes in `data`
+  std::vector<std::uint8_t> data;  ///< the body, as much as the file holds
+};
+
+}  // namespace velmora

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "ADL/AES31Event.h"
+#include "BWF/AES31BWF.h"
+
+namespace velmora {
+
+// Each makes a new file with the sample rate, channels and depth of its source and returns it closed
+// and readable, or null if it could not be made whole. A file that came out short stays.
+
+/// The event's whole source file under the event's gain.
+std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path);
+
+/// `length` frames of the source from frame `first` on, under a straight line.
+///
+///     rising  0, 1/L, ... (L-1)/L        falling  1, (L-1)/L, ... 1/L
+///
+/// Frames outside the source are silent. Null if the file would not fit a RIFF size field.
+std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
+                                         bool rising, std::int64_t first);
+
+/// `length` frames of both files under opposite straight lines whose factors add up to 1, in the
+/// outgoing file's format.
+std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
+                                              AES31BWF* incoming, std::int64_t firstOutgoing,
+                                              std::int64_t firstIncoming, std::int64_t length);
+
+}  // namespace velmora

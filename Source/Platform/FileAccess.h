@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+namespace velmora {
+
+struct CloseStream {
+  void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using FileStream = std::unique_ptr<std::FILE, CloseStream>;
+
+/// Opens a regular file for reading; null for anything else. Never blocks, not even on a FIFO.
+/// errno tells the reason of a null.
+FileStream OpenRegularFile(const char* path);
+
+/// True for whatever opens for reading, a folder too. Never blocks.
+bool OpensForReading(const char* path);
+
+/// Asks the system not to keep the stream's pages in its file cache. A hint: null and failure pass.
+void DisableFileCache(std::FILE* stream);
+
+}  // namespace velmora
