@@ -101,7 +101,7 @@ struct AES31Event {
   AES31BWF* sourceFile;      ///< the source's file, shared by its events; the project owns it
   const char* sourceStart;   ///< timestamp of the source file's first sample
   const char* sourceLength;  ///< the source's fourth (F) value
-  std::int32_t eventOn;      ///< the event's check box
+  std::int32_t eventOn;      ///< the event's check box, see IsOn
   std::int32_t trackOn;      ///< the check box of the event's track
   AES31BWF* renderedFile;    ///< made by a spot for this event, which owns it while it is set
 };
@@ -110,6 +110,11 @@ enum class EditKind { None, Cut, Silence, Vid, Alt };
 
 /// Which member of the edit part the event holds.
 EditKind KindOf(const AES31Event& event);
+
+// A user may change the boxes while an aborted worker still looks at its last event, so those two
+// read and write them atomically.
+bool IsOn(const std::int32_t& box);
+void SetBox(std::int32_t& box, bool on);
 
 /// True for an event whose label is "Cut" in any case: the only kind that a spot places.
 bool IsCut(const AES31Event& event);

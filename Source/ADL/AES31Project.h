@@ -13,18 +13,17 @@
 #include "ADL/AES31Section.h"
 #include "ADL/AES31SourceFile.h"
 #include "ADL/LoadFailure.h"
+#include "ADL/ProjectConstants.h"
 #include "BWF/AES31BWF.h"
 
 namespace velmora {
 
-/// A loaded ADL project (AES31-3). Constructing it does the whole load; it owns the file's bytes, to
-/// which every text in it points, and the wave files that it opened.
+/// A loaded ADL project (AES31-3). Constructing it does the whole load; it owns the file's bytes,
+/// to which every text in it points, and the wave files that it opened.
 ///
 /// Oddities of a file are told on standard error, a line each, and do not stop the load.
 class AES31Project {
  public:
-  static constexpr std::size_t kConstants = 24;
-
   /// Loads the file at `path` and looks for its audio below `searchFolder`, or below the file's own
   /// folder if that is null. `*ok` tells the outcome and `failure` why; an object that failed is
   /// good only for deletion.
@@ -63,27 +62,30 @@ class AES31Project {
   /// Prints constants, sources and events to standard error.
   virtual void DumpProject();
 
-  std::array<const char*, kConstants> constants{};    ///< raw values, null where the file gave none
-  std::map<std::int32_t, AES31SourceFile> sourceFiles;  ///< by (Index) number
-  std::vector<AES31Event> events;                       ///< by rising entry number
-  std::vector<AES31Section> sections;                   ///< the scanned tree
-  std::vector<std::vector<AES31Section>> refLists;      ///< one for each <REF> block
-  std::vector<const char*> comments;                    ///< from every level, in file order
-  char* buffer = nullptr;     ///< first byte of the file block
-  char* bufferEnd = nullptr;  ///< one past the file's last byte, where a spare NUL stands
-  std::string folder;         ///< in which audio is looked for, without a slash at its end
+  std::array<const char*, kProjectConstants.size()> constants{};  ///< raw values, by id; null if
+                                                                  ///< the file gave none
+  std::map<std::int32_t, AES31SourceFile> sourceFiles;            ///< by (Index) number
+  std::vector<AES31Event> events;                                 ///< by rising entry number
+  std::vector<AES31Section> sections;                             ///< the scanned tree
+  std::vector<std::vector<AES31Section>> refLists;                ///< one for each <REF> block
+  std::vector<const char*> comments;   ///< from every level, in file order
+  char* buffer = nullptr;              ///< first byte of the file block
+  char* bufferEnd = nullptr;           ///< one past the file's last byte, where a spare NUL stands
+  std::string folder;                  ///< in which audio is looked for, without a slash at its end
   std::optional<LoadFailure> failure;  ///< set when `ok` is false
 
  private:
   enum class Checks { Off, On };
 
-  bool LoadFile(const char* path);
+  bool LoadBlock();
   bool WalkSections(Checks checks);
-  void ReadConstants(const AES31Section& section, std::size_t row);
+  bool ReadConstants(const AES31Section& section);
   bool WalkSourceIndex(const AES31Section& section, Checks checks);
   bool WalkEventList(const AES31Section& section, Checks checks);
-  AES31BWF* FindSource(const char* location);
-  bool Fail(const AES31Section& section, const AES31Entry& entry, const char* reason);
+  std::string FindSource(const char* location) const;
+  /// Each notes the failure and answers false.
+  bool FailAt(const AES31Section& section, const AES31Entry& entry, std::string reason);
+  bool FailWhole(std::string reason);
 
   std::unique_ptr<char[]> block_;
   std::string path_;

@@ -4,6 +4,10 @@
 
 namespace velmora {
 
+constexpr char LowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 /// Texts of a project compare without regard to the case of ASCII letters, in any locale.
 /// A null text equals nothing.
 bool EqualsIgnoringCase(const char* a, const char* b);

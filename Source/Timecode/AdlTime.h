@@ -23,7 +23,8 @@ namespace velmora {
 double AdlSampleRate(const char* timestamp);
 
 /// Position in samples at the timestamp's own rates, rounded up to a whole sample before the
-/// remainder is added. An unknown frame-rate mark gives the lowest 64-bit number plus the remainder.
+/// remainder is added. An unknown frame-rate mark gives the lowest 64-bit number plus the
+/// remainder.
 std::int64_t AdlToSamples(const char* timestamp);
 
 /// Position in samples of a typed timecode or of a timestamp's digits, read in the session's

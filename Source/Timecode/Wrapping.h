@@ -1,10 +1,12 @@
 #pragma once
 
+#include <limits>
 #include <type_traits>
 
 namespace velmora {
 
-/// Two's complement arithmetic on signed integers that wraps around instead of being undefined.
+// Arithmetic that is defined for every number: integers wrap around in two's complement.
+
 template <class Int>
 constexpr Int WrapAdd(Int a, Int b) {
   using U = std::make_unsigned_t<Int>;
@@ -21,6 +23,15 @@ template <class Int>
 constexpr Int WrapMultiply(Int a, Int b) {
   using U = std::make_unsigned_t<Int>;
   return static_cast<Int>(static_cast<U>(a) * static_cast<U>(b));
+}
+
+/// A floating-point number truncated toward zero; the lowest number for whatever does not fit, NaN
+/// too, as the processor's own conversion has it.
+template <class Int, class Float>
+constexpr Int Truncate(Float value) {
+  constexpr auto kLowest = static_cast<Float>(std::numeric_limits<Int>::min());
+  if (value >= kLowest && value < -kLowest) return static_cast<Int>(value);
+  return std::numeric_limits<Int>::min();
 }
 
 }  // namespace velmora

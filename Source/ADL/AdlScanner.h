@@ -1,0 +1,56 @@
+#pragma once
+
+#include <vector>
+
+#include "ADL/AES31Section.h"
+
+namespace velmora {
+
+/// Cuts the text of an ADL file into a tree, in place: it writes NUL bytes into the block to end
+/// each piece and keeps pointers to the pieces. Labels and values mean nothing to it, and it
+/// reports nothing: a damaged file yields a shorter tree.
+///
+/// The block behaves as if blanks followed it. `*end` is a spare NUL behind the block; nothing else
+/// outside the block is read or written.
+class AdlScanner {
+ public:
+  AdlScanner(char* begin, char* end, std::vector<std::vector<AES31Section>>& refLists,
+             std::vector<const char*>& comments)
+      : begin_(begin), end_(end), refLists_(refLists), comments_(comments) {}
+
+  /// Scans the block's outer section into `sections`.
+  void Scan(std::vector<AES31Section>& sections);
+
+ private:
+  /// Nesting of <REF> blocks from which on one counts as damaged: it bounds the stack.
+  static constexpr int kMaxDepth = 256;
+
+  struct Token {
+    char* begin;
+    char* end;  ///< equal to `begin` at the end of the block
+    char First() const { return begin == end ? '\0' : *begin; }
+    char Last() const { return begin == end ? '\0' : end[-1]; }
+  };
+
+  // Each returns the position to go on from, which may lie one past `end_`.
+  char* ScanSection(std::vector<AES31Section>& sections, char* at, const char* tag, int depth);
+  char* ScanReferenceList(char* at, int depth);
+  char* ScanEntries(AES31Section& section, char* at);
+  char* ScanEntry(AES31Section& section, const Token& token);
+  char* ScanValues(AES31Entry& entry, char* at);
+  char* ScanCountedValue(AES31Entry& entry, const Token& token);
+  char* TakeComment(const Token& token);
+
+  char* SkipBlanks(char* at) const;
+  Token NextToken(char* at) const;
+  Token TokenAt(char* at) const;
+  char* QuotedValueEnd(char* at) const;
+  bool StartsWith(const Token& token, const char* prefix) const;
+
+  char* const begin_;
+  char* const end_;
+  std::vector<std::vector<AES31Section>>& refLists_;
+  std::vector<const char*>& comments_;
+};
+
+}  // namespace velmora

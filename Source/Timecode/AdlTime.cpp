@@ -1,0 +1,166 @@
+#include "Timecode/AdlTime.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+
+#include "Timecode/RateTables.h"
+#include "Timecode/Wrapping.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::size_t kTimestampLength = 16;
+constexpr std::size_t kFrameRateMarkAt = 2;
+constexpr std::size_t kFrameSeparatorAt = 8;
+constexpr std::size_t kSampleRateMarkAt = 11;
+constexpr std::size_t kRemainderAt = 12;
+constexpr std::int32_t kFramesDroppedInTenMinutes =
+    18;  // two a minute but for the tenth, SMPTE 12M
+
+using TimestampText = std::array<char, kTimestampLength>;
+
+TimestampText TextOf(const char* timestamp) {
+  TimestampText text{};
+  if (timestamp != nullptr) std::memcpy(text.data(), timestamp, strnlen(timestamp, text.size()));
+  return text;
+}
+
+/// A digit's value; any other character has one too.
+std::int32_t DigitAt(const TimestampText& text, std::size_t position) {
+  return static_cast<signed char>(text[position]) - '0';
+}
+
+std::int32_t TwoDigitsAt(const TimestampText& text, std::size_t position) {
+  return 10 * DigitAt(text, position) + DigitAt(text, position + 1);
+}
+
+bool IsDropSeparator(char separator) {
+  return separator == ',' || separator == ';';
+}
+
+/// Frames since zero. Drop-frame depends on the separator alone, whatever the frame rate.
+std::int32_t FrameCount(const TimestampText& text, std::int32_t framesPerSecond) {
+  const std::int32_t minutes = TwoDigitsAt(text, 3);
+  const std::int32_t tenMinuteBlocks = minutes / 10 + 6 * TwoDigitsAt(text, 0);
+  const std::int32_t minutesInBlock = minutes % 10;
+  const bool drop = IsDropSeparator(text[kFrameSeparatorAt]);
+  const std::int32_t framesInBlock =
+      600 * framesPerSecond - (drop ? kFramesDroppedInTenMinutes : 0);
+  const std::int32_t seconds = TwoDigitsAt(text, 6) + 60 * minutesInBlock;
+  const std::int32_t count =
+      seconds * framesPerSecond + TwoDigitsAt(text, 9) + tenMinuteBlocks * framesInBlock;
+  return drop ? count - 2 * minutesInBlock : count;
+}
+
+/// `0` to `9`, whatever the locale.
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// Reads a typed timecode from left to right; past its end it stands still.
+class TimecodeReader {
+ public:
+  explicit TimecodeReader(const char* text) : at_(text) {}
+
+  bool ReadMinus() {
+    SkipBlanks();
+    const bool minus = *at_ == '-';
+    if (minus || *at_ == '+') ++at_;
+    SkipBlanks();
+    return minus;
+  }
+  /// A run of digits of any length, or 0.
+  std::uint32_t ReadNumber(std::uint32_t modulus) {
+    std::uint32_t number = 0;
+    for (; IsDigit(*at_); ++at_) {
+      number = (number * 10 + static_cast<std::uint32_t>(*at_ - '0')) % modulus;
+    }
+    SkipBlanks();
+    return number;
+  }
+  /// One character of any kind, then a number.
+  std::uint32_t ReadSeparatedNumber(std::uint32_t modulus) {
+    if (*at_ != '\0') ++at_;
+    return ReadNumber(modulus);
+  }
+
+ private:
+  void SkipBlanks() {
+    while (*at_ == ' ') ++at_;
+  }
+  const char* at_;
+};
+
+}  // namespace
+
+double AdlSampleRate(const char* timestamp) {
+  return SampleRateOfMark(TextOf(timestamp)[kSampleRateMarkAt]);
+}
+
+std::int64_t AdlToSamples(const char* timestamp) {
+  const TimestampText text = TextOf(timestamp);
+  const FrameRateMark* const rate = FindFrameRateMark(text[kFrameRateMarkAt]);
+  const std::int32_t nominal = rate != nullptr ? rate->framesPerSecond : 0;
+  double framesPerSecond = nominal;
+  if (rate != nullptr && rate->pulledDown) framesPerSecond = framesPerSecond * 1000.0 / 1001.0;
+
+  // With no frame rate the numerator's sign does not matter: infinity and NaN both give the lowest
+  // number.
+  const double samples = SampleRateOfMark(text[kSampleRateMarkAt]) * FrameCount(text, nominal);
+  const std::int64_t whole = nominal != 0
+                                 ? Truncate<std::int64_t>(std::ceil(samples / framesPerSecond))
+                                 : std::numeric_limits<std::int64_t>::min();
+  const std::int32_t remainder =
+      100 * TwoDigitsAt(text, kRemainderAt) + TwoDigitsAt(text, kRemainderAt + 2);
+  return WrapAdd<std::int64_t>(whole, remainder);
+}
+
+std::int64_t TimecodeToSamples(const char* text, std::int32_t frameRateCode,
+                               std::int32_t sampleRate) {
+  const auto code = static_cast<std::size_t>(static_cast<std::uint32_t>(frameRateCode));
+  const FrameRateCode& rate = kFrameRateCodes[code < kFrameRateCodes.size() ? code : 0];
+
+  TimecodeReader reader(text != nullptr ? text : "");
+  const bool negative = reader.ReadMinus();
+  const std::uint32_t hours = reader.ReadNumber(100);
+  const std::uint32_t minutes = reader.ReadSeparatedNumber(60);
+  const std::uint32_t seconds = reader.ReadSeparatedNumber(60);
+  const std::uint32_t frames = reader.ReadSeparatedNumber(rate.framesModulus);
+
+  // Deliberately coarse: every session but one of 44100 Hz counts as one of 48000 Hz.
+  const char sampleRateMark = sampleRate == 44100 ? '|' : '/';
+  std::array<char, 64> timestamp{};
+  std::snprintf(timestamp.data(), timestamp.size(), "%02u%c%02u:%02u%c%02u%c0000", hours,
+                rate.frameRateMark, minutes, seconds, rate.frameSeparator, frames, sampleRateMark);
+  const std::int64_t samples = AdlToSamples(timestamp.data());
+  return negative ? -samples : samples;
+}
+
+std::int64_t AdlDifference(const char* first, const char* second) {
+  return WrapSubtract(AdlToSamples(second), AdlToSamples(first));
+}
+
+bool AdlIsTimestamp(const char* timestamp) {
+  const TimestampText text = TextOf(timestamp);
+  const auto upTo = [&text](std::size_t position, char highest) {
+    return text[position] >= '0' && text[position] <= highest;
+  };
+  for (const std::size_t position : {1U, 4U, 7U, 10U, 12U, 13U, 14U, 15U}) {
+    if (!upTo(position, '9')) return false;
+  }
+  // Stricter than AdlToSamples: a fade length with a non-drop separator is refused.
+  return upTo(0, '2') && upTo(3, '5') && upTo(6, '5') && upTo(9, '2') &&
+         IsDropSeparator(text[kFrameSeparatorAt]) &&
+         FindFrameRateMark(text[kFrameRateMarkAt]) != nullptr &&
+         SampleRateOfMark(text[kSampleRateMarkAt]) != 0.0;
+}
+
+std::string TimestampTimecode(const char* text) {
+  if (text == nullptr) return {};
+  return {text, std::strcspn(text, "/")};
+}
+
+}  // namespace velmora
