@@ -83,22 +83,25 @@ class AES31BWF {
   bool hasFormat = false;
   BwfFormat format;
   bool hasData = false;
-  std::int64_t dataOffset = 0;    ///< file offset of the first sample
-  std::uint64_t frames = 0;       ///< sample frames in the data chunk
-  FileStream stream;              ///< open file, or null
-  std::int64_t riffEnd = 0;       ///< the RIFF size field plus 8; read instances only
-  std::int64_t position = 0;      ///< what GetSampleAt takes for the stream's position
+  std::int64_t dataOffset = 0;      ///< file offset of the first sample
+  std::uint64_t frames = 0;         ///< sample frames in the data chunk
+  FileStream stream;                ///< open file, or null
+  std::int64_t riffEnd = 0;         ///< the RIFF size field plus 8; read instances only
+  std::int64_t position = 0;        ///< what GetSampleAt takes for the stream's position
   std::int32_t bytesPerSample = 0;  ///< of one channel's sample in a frame
   std::string path;
-  std::vector<BwfChunk> chunks;   ///< the chunks not understood, in file order
+  std::vector<BwfChunk> chunks;  ///< the chunks not understood, in file order
 
  private:
   bool Parse();
-  bool WalkChunks();
+  void WalkChunks();
   void ReadFormatChunk();
   void ReadBextChunk(std::int32_t size, std::int64_t bytesLeft);
   void KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64_t bytesLeft);
   void WriteHeader();
+  /// False if this or an earlier write failed.
+  bool WriteBytes(const void* bytes, std::size_t count);
+  bool Flush();
   void NoteWriteError();
   std::int32_t CopyBytes(const char* target);
   std::int32_t CopyConverted(const char* target, std::int32_t bitDepth);

@@ -21,7 +21,7 @@ class OutputNames {
  private:
   std::string FreeName(const std::string& base, const std::string& extension);
 
-  std::unordered_map<std::string, std::uint64_t> lastNumber_;  ///< by the name without a number
+  std::unordered_map<std::string, std::uint64_t> lastNumber_;  ///< by base, NUL, extension
 };
 
 // The same for a single file. Names run take_Gain.wav, take_Gain.1.wav, take_Gain.2.wav and on; the

@@ -8,8 +8,8 @@
 
 namespace velmora {
 
-// Each makes a new file with the sample rate, channels and depth of its source and returns it closed
-// and readable, or null if it could not be made whole. A file that came out short stays.
+// Each makes a new file with the sample rate, channels and depth of its source and returns it
+// closed and readable, or null if it could not be made whole. A file that came out short stays.
 
 /// The event's whole source file under the event's gain.
 std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path);

@@ -1,0 +1,138 @@
+// Whole files: copies, depth conversion, gain.
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "BWF/AES31BWF.h"
+#include "BWF/SampleKernels.h"
+#include "Timecode/Wrapping.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::size_t kCopyBlockBytes = std::size_t{1} << 20;
+constexpr std::size_t kBlockSamples = 20000;
+/// Depths that no real file has must not make the buffers grow with them.
+constexpr std::size_t kLargestBufferBytes = std::size_t{1} << 20;
+
+using Bytes = std::unique_ptr<std::uint8_t[]>;
+
+Bytes Allocate(std::size_t count) {
+  return Bytes(new (std::nothrow) std::uint8_t[count]);
+}
+
+/// Single samples in one block: blocks cut across frames without harm.
+std::size_t BlockSamples(std::size_t sourceBytes, std::size_t targetBytes) {
+  const std::size_t largest = std::max({sourceBytes, targetBytes, std::size_t{1}});
+  return std::min(kBlockSamples, kLargestBufferBytes / largest);
+}
+
+/// Fills the buffer from the stream; what the file lacks is 0. False on a read error.
+bool ReadPadded(std::FILE* stream, std::uint8_t* buffer, std::size_t count) {
+  const std::size_t got = std::fread(buffer, 1, count, stream);
+  std::memset(buffer + got, 0, count - got);
+  return std::ferror(stream) == 0;
+}
+
+}  // namespace
+
+std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain) {
+  const SampleConversion conversion(format.bitsPerSample, target->format.bitsPerSample,
+                                    applyGain ? &gain : nullptr);
+  const std::size_t blockSamples = BlockSamples(conversion.SourceBytes(), conversion.TargetBytes());
+  const Bytes source = Allocate(blockSamples * conversion.SourceBytes());
+  const Bytes converted = Allocate(blockSamples * conversion.TargetBytes());
+  if (source == nullptr || converted == nullptr) return 1;
+  if (stream == nullptr || target->stream == nullptr) return 2;
+
+  // A declared count below 0 has no samples.
+  std::uint64_t left = static_cast<std::int64_t>(frames) > 0 ? frames * format.channels : 0;
+  while (left > 0) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, blockSamples));
+    if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return 2;
+    conversion.Convert(source.get(), converted.get(), count);
+    if (!target->WriteBytes(converted.get(), count * conversion.TargetBytes())) return 2;
+    left -= count;
+  }
+  return target->Flush() ? 0 : 2;
+}
+
+std::int32_t AES31BWF::CopyTo(const char* targetPath, std::int32_t bitDepth) {
+  if (!IsValid()) return CopyNotValid;
+  const bool sameDepth = bitDepth == -1 || bitDepth == format.bitsPerSample;
+  return sameDepth ? CopyBytes(targetPath) : CopyConverted(targetPath, bitDepth);
+}
+
+/// The file as it stands, up to the end of its RIFF form, in bounded memory.
+std::int32_t AES31BWF::CopyBytes(const char* targetPath) {
+  FileStream target = CreateFile(targetPath);
+  if (target == nullptr) return CopyTargetNotCreated;
+  OpenAtData();
+  const Bytes block = Allocate(kCopyBlockBytes);
+  if (stream == nullptr || block == nullptr || riffEnd < 0) {
+    CloseFile();
+    return CopyFailed;
+  }
+  fseeko(stream.get(), 0, SEEK_SET);
+  DisableCache();
+  DisableFileCache(target.get());
+
+  int writeError = 0;
+  auto left = static_cast<std::uint64_t>(riffEnd);
+  while (left > 0 && writeError == 0) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, kCopyBlockBytes));
+    const std::size_t got = std::fread(block.get(), 1, wanted, stream.get());
+    if (got == 0) break;
+    if (std::fwrite(block.get(), 1, got, target.get()) != got) writeError = errno;
+    left -= got;
+  }
+  const bool read = std::ferror(stream.get()) == 0;
+  CloseFile();
+  if (std::fclose(target.release()) != 0 && writeError == 0) writeError = errno;
+  if (writeError != 0) LogWriteError(targetPath, writeError);
+  return read && writeError == 0 ? CopyDone : CopyFailed;
+}
+
+/// The audio alone, in a new file of the other depth.
+std::int32_t AES31BWF::CopyConverted(const char* targetPath, std::int32_t bitDepth) {
+  AES31BWF target(targetPath, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
+  if (!target.IsValid()) return CopyTargetNotCreated;
+  OpenAtData();
+  DisableCache();
+  target.DisableCache();
+  const std::int32_t status = ConvertInto(&target, false, 0.0);
+  CloseFile();
+  target.CloseFile();
+  return status == 0 && !target.WriteFailed() ? CopyDone : CopyFailed;
+}
+
+bool AES31BWF::CopyFrames(AES31BWF* source, std::int64_t firstFrame) {
+  if (stream == nullptr) OpenAtData();
+  if (source->stream == nullptr) source->OpenAtData();
+  if (stream == nullptr || source->stream == nullptr) return false;
+  if (source->GetChannels() != GetChannels() || source->GetSampleRate() != GetSampleRate() ||
+      source->GetBitsPerSample() != GetBitsPerSample()) {
+    return false;
+  }
+  const std::int64_t offset = WrapAdd(
+      WrapMultiply<std::int64_t>(firstFrame, source->format.blockAlign), source->dataOffset);
+  if (fseeko(source->stream.get(), offset, SEEK_SET) != 0) return false;
+  source->position = offset;
+
+  const Bytes block = Allocate(kCopyBlockBytes);
+  if (block == nullptr) return false;
+  std::uint64_t left = static_cast<std::int64_t>(frames) > 0 ? frames * format.blockAlign : 0;
+  while (left > 0) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, kCopyBlockBytes));
+    if (!ReadPadded(source->stream.get(), block.get(), count)) return false;
+    if (!WriteBytes(block.get(), count)) return false;
+    left -= count;
+  }
+  return Flush();
+}
+
+}  // namespace velmora

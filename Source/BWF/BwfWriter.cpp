@@ -1,0 +1,124 @@
+// The writing side of AES31BWF: the new file with its fixed header, and single samples.
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "BWF/AES31BWF.h"
+#include "BWF/SampleCodec.h"
+#include "Timecode/Wrapping.h"
+
+namespace velmora {
+namespace {
+
+/// The body of the bext chunk is the cleared record as this machine lays it out, so it is longer
+/// than the published 602 bytes. Readers take what is behind them for an empty coding history.
+constexpr std::uint32_t kBextBodyBytes = sizeof(BwfBext);
+static_assert(kBextBodyBytes == (sizeof(void*) == 8 ? 616 : 608));
+
+constexpr std::uint32_t kFmtBodyBytes = 16;
+constexpr std::uint32_t kChunkHeadBytes = 8;
+/// What the RIFF size counts beside the samples: the form type and three chunks.
+constexpr std::uint32_t kRiffOverhead =
+    4 + kChunkHeadBytes + kBextBodyBytes + kChunkHeadBytes + kFmtBodyBytes + kChunkHeadBytes;
+
+class HeaderBytes {
+ public:
+  void Code(std::string_view fourCharacters) { bytes_ += fourCharacters; }
+  void Zeros(std::size_t count) { bytes_.append(count, '\0'); }
+  void U16(std::uint32_t value) { Number(value, 2); }
+  void U32(std::uint32_t value) { Number(value, 4); }
+  const std::string& Bytes() const { return bytes_; }
+
+ private:
+  void Number(std::uint32_t value, int byteCount) {
+    for (int i = 0; i < byteCount; ++i) {
+      bytes_ += static_cast<char>(value >> (8 * i) & 0xFF);
+    }
+  }
+  std::string bytes_;
+};
+
+}  // namespace
+
+AES31BWF::AES31BWF(const char* filePath, std::uint32_t sampleRate, std::uint32_t channels,
+                   std::int32_t bitDepth, std::int32_t frameCount)
+    : path(filePath) {
+  bytesPerSample = bitDepth / 8;
+  const std::uint32_t frameBytes = static_cast<std::uint32_t>(bytesPerSample) * channels;
+  frames = static_cast<std::uint64_t>(frameCount);
+  format.formatTag = 1;
+  format.channels = static_cast<std::uint16_t>(channels);
+  format.samplesPerSec = sampleRate;
+  format.avgBytesPerSec = sampleRate * frameBytes;
+  format.blockAlign = static_cast<std::uint16_t>(frameBytes);
+  format.bitsPerSample = static_cast<std::uint16_t>(bitDepth);
+  dataSize_ = static_cast<std::uint32_t>(frameCount) * frameBytes;
+
+  stream = CreateFile(filePath);
+  if (stream == nullptr) return;
+  hasBext = hasFormat = hasData = true;
+  WriteHeader();
+}
+
+/// All sizes are final: they come from the declared frames, and closing the file patches nothing.
+void AES31BWF::WriteHeader() {
+  HeaderBytes header;
+  header.Code("RIFF");
+  header.U32(dataSize_ + kRiffOverhead);
+  header.Code("WAVE");
+  header.Code("bext");
+  header.U32(kBextBodyBytes);
+  header.Zeros(kBextBodyBytes);
+  header.Code("fmt ");
+  header.U32(kFmtBodyBytes);
+  header.U16(format.formatTag);
+  header.U16(format.channels);
+  header.U32(format.samplesPerSec);
+  header.U32(format.avgBytesPerSec);
+  header.U16(format.blockAlign);
+  header.U16(format.bitsPerSample);
+  header.Code("data");
+  header.U32(dataSize_);
+  dataOffset = static_cast<std::int64_t>(header.Bytes().size());
+  WriteBytes(header.Bytes().data(), header.Bytes().size());
+}
+
+bool AES31BWF::WriteBytes(const void* bytes, std::size_t count) {
+  if (writeFailed_ || stream == nullptr) return false;
+  if (std::fwrite(bytes, 1, count, stream.get()) == count) return true;
+  NoteWriteError();
+  return false;
+}
+
+bool AES31BWF::Flush() {
+  if (!writeFailed_ && stream != nullptr && std::fflush(stream.get()) != 0) NoteWriteError();
+  return !writeFailed_;
+}
+
+/// Once for each instance: a full disk refuses every sample.
+void AES31BWF::NoteWriteError() {
+  if (writeFailed_) return;
+  writeFailed_ = true;
+  LogWriteError(path.c_str(), errno);
+}
+
+void AES31BWF::CloseFile() {
+  if (stream == nullptr) return;
+  if (std::fclose(stream.release()) != 0) NoteWriteError();
+}
+
+void AES31BWF::WriteSample(float value) {
+  if (format.bitsPerSample == 0) return;
+  const std::size_t count = (format.bitsPerSample - 1U) / 8 + 1;
+  const float scaled = value * FullScale(format.bitsPerSample);
+  std::uint8_t bytes[8] = {};
+  EncodeSample(Truncate<std::int32_t>(scaled), bytes, sizeof bytes);
+  const std::size_t atOnce = std::min(count, sizeof bytes);
+  WriteBytes(bytes, atOnce);
+  for (std::size_t i = atOnce; i < count; ++i) WriteBytes(&bytes[sizeof bytes - 1], 1);
+}
+
+}  // namespace velmora

@@ -1,0 +1,101 @@
+#include "BWF/Renderers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace velmora {
+namespace {
+
+bool IsReadable(AES31BWF* file) {
+  return file != nullptr && file->IsValid();
+}
+
+/// A new file in the format of `model`; null if it cannot be created, or if a length from the
+/// project is too long for a wave file's size fields, which would fill a disk with silence.
+std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, const char* path, std::int64_t frames) {
+  constexpr std::int64_t kLargestDataBytes = std::numeric_limits<std::int32_t>::max();
+  const std::int64_t frameBytes = std::int64_t{model.GetBitsPerSample() / 8} * model.GetChannels();
+  if (frames > kLargestDataBytes / std::max<std::int64_t>(frameBytes, 1)) return nullptr;
+  auto target = std::make_unique<AES31BWF>(path, model.GetSampleRate(), model.GetChannels(),
+                                           static_cast<std::int32_t>(model.GetBitsPerSample()),
+                                           static_cast<std::int32_t>(frames));
+  if (!target->IsValid()) return nullptr;
+  return target;
+}
+
+/// The low 32 bits of a frame's number, as GetSampleAt takes it.
+std::int32_t FrameAt(std::int64_t first, std::int64_t i) {
+  return static_cast<std::int32_t>(static_cast<std::uint64_t>(first) +
+                                   static_cast<std::uint64_t>(i));
+}
+
+/// Closes what was written; null if any of it is missing on disk.
+std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
+  target->CloseFile();
+  if (target->WriteFailed()) return nullptr;
+  return target;
+}
+
+}  // namespace
+
+std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path) {
+  if (!event.gain.present || !IsReadable(event.sourceFile)) return nullptr;
+  const double factor = std::pow(10.0, event.gain.gainDb / 20.0);
+  AES31BWF& source = *event.sourceFile;
+  source.OpenAtData();
+  std::unique_ptr<AES31BWF> target = CreateLike(source, path, source.GetFrames());
+  if (target == nullptr) {
+    source.CloseFile();
+    return nullptr;
+  }
+  target->DisableCache();
+  source.DisableCache();
+  const std::int32_t status = source.ConvertInto(target.get(), true, factor);
+  target = Finish(std::move(target));
+  source.CloseFile();
+  return status == 0 ? std::move(target) : nullptr;
+}
+
+std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
+                                         bool rising, std::int64_t first) {
+  if (!IsReadable(source)) return nullptr;
+  std::unique_ptr<AES31BWF> target = CreateLike(*source, path, length);
+  if (target == nullptr) return nullptr;
+  const double step = 1.0 / static_cast<double>(length);
+  const std::uint32_t channels = source->GetChannels();
+  for (std::int64_t i = 0; i < length && !target->WriteFailed(); ++i) {
+    const double factor = static_cast<double>(rising ? i : length - i) * step;
+    for (std::uint32_t c = 0; c < channels; ++c) {
+      const double sample = source->GetSampleAt(FrameAt(first, i), c);
+      target->WriteSample(static_cast<float>(sample * factor));
+    }
+  }
+  source->CloseFile();
+  return Finish(std::move(target));
+}
+
+std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
+                                              AES31BWF* incoming, std::int64_t firstOutgoing,
+                                              std::int64_t firstIncoming, std::int64_t length) {
+  if (!IsReadable(outgoing) || !IsReadable(incoming)) return nullptr;
+  std::unique_ptr<AES31BWF> target = CreateLike(*outgoing, path, length);
+  if (target == nullptr) return nullptr;
+  const double step = 1.0 / static_cast<double>(length);
+  const std::uint32_t channels = outgoing->GetChannels();
+  for (std::int64_t i = 0; i < length && !target->WriteFailed(); ++i) {
+    const double outgoingFactor = static_cast<double>(length - i) * step;
+    const double incomingFactor = static_cast<double>(i) * step;
+    for (std::uint32_t c = 0; c < channels; ++c) {
+      // The order of the reads matters where both are one file: see GetSampleAt.
+      const double out = outgoing->GetSampleAt(FrameAt(firstOutgoing, i), c) * outgoingFactor;
+      const double in = incoming->GetSampleAt(FrameAt(firstIncoming, i), c) * incomingFactor;
+      target->WriteSample(static_cast<float>(out + in));
+    }
+  }
+  outgoing->CloseFile();
+  incoming->CloseFile();
+  return Finish(std::move(target));
+}
+
+}  // namespace velmora

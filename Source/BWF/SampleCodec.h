@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace velmora {
+
+// Samples of integer PCM: two's complement, low byte first, in every depth. 8-bit samples too are
+// taken and written as signed numbers, though wave files usually store them offset by 128.
+//
+// Scale: a sample of n bits is read as value / 2^(n-1) and written as value * (2^(n-1) - 1),
+// truncated toward zero. There is no clipping and no dither: what leaves the range of the depth
+// wraps around, and what leaves the 32-bit range becomes the lowest number.
+
+/// Full scale of a depth as the number that samples are multiplied by. The shift wraps as the
+/// processor's does, so that no depth that a file claims is undefined.
+inline float FullScale(std::uint32_t bits) {
+  const std::uint32_t highest = (std::uint32_t{1} << ((bits - 1) & 31U)) - 1;
+  return static_cast<float>(static_cast<std::int32_t>(highest));
+}
+
+/// A sample left-justified in 32 bits as a float. 16 and 24 bits are exact.
+inline float SampleFromLeftJustified(std::uint32_t leftJustified) {
+  constexpr float kScale = 0x1p-31F;
+  return static_cast<float>(static_cast<std::int32_t>(leftJustified)) * kScale;
+}
+
+/// Reads the `count` bytes of one sample; of more than four only the last four count.
+inline float DecodeSample(const std::uint8_t* bytes, std::size_t count) {
+  std::uint32_t leftJustified = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    leftJustified = leftJustified >> 8 | static_cast<std::uint32_t>(bytes[i]) << 24;
+  }
+  return SampleFromLeftJustified(leftJustified);
+}
+
+/// The low `count` bytes of a sample, low byte first; behind the fourth the sign goes on.
+inline void EncodeSample(std::int32_t sample, std::uint8_t* bytes, std::size_t count) {
+  std::int64_t rest = sample;
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(rest & 0xFF);
+    rest >>= 8;
+  }
+}
+
+}  // namespace velmora
