@@ -40,15 +40,15 @@ class ViewModel {
 
   bool HasCuts() const { return project != nullptr && firstEvent != nullptr; }
 
-  std::shared_ptr<AES31Project> project;  ///< null before the first load and after a failed one
+  std::shared_ptr<AES31Project> project;   ///< null before the first load and after a failed one
   std::optional<LoadFailure> loadFailure;  ///< of the last load
   std::array<std::string, 13> ProjectInfomation;
   std::int32_t TrackNo = 0;
   std::int32_t numEvents = 0;
-  std::int32_t minTrack = 0;      ///< lowest track of a cut
-  std::int32_t maxTrack = 0;      ///< highest track of a cut
-  std::int32_t trackCount = 0;    ///< rows of the track table, by 32-bit arithmetic that wraps
-  std::int32_t enableEvents = 0;  ///< rows of the event table
+  std::int32_t minTrack = 0;         ///< lowest track of a cut
+  std::int32_t maxTrack = 0;         ///< highest track of a cut
+  std::int32_t trackCount = 0;       ///< rows of the track table, by 32-bit arithmetic that wraps
+  std::int32_t enableEvents = 0;     ///< rows of the event table
   const char* firstEvent = nullptr;  ///< earliest destIn of all cuts; text of the project
   const char* lastEvent = nullptr;   ///< latest destOut of all cuts; text of the project
 

@@ -44,8 +44,8 @@ struct RegionPlacement {
   std::int32_t stop = 0;   ///< end inside the file, exclusive
 };
 
-/// Builds the message for a file that `alias` names. A `name` over 255 bytes is cut there, while its
-/// length byte wraps.
+/// Builds the message for a file that `alias` names. A `name` over 255 bytes is cut there, while
+/// its length byte wraps.
 RegionMessage BuildRegionMessage(const RegionPlacement& placement, std::string_view name,
                                  std::vector<std::uint8_t> alias);
 

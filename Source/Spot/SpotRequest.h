@@ -17,8 +17,4 @@ std::vector<std::string> SpotWarnings(const char* firstEvent, float sessionRate,
 /// each of the two optional ones.
 std::int32_t SpotSteps(std::int32_t numEvents, std::int32_t doFades, std::int32_t doGain);
 
-/// A sample rate or any other float as a 32-bit integer, truncated toward zero; what does not fit
-/// gives the lowest number.
-std::int32_t TruncateToInt32(float value);
-
 }  // namespace velmora

@@ -24,9 +24,9 @@ enum class RegionPiece { Main, InFade, Crossfade, OutFade };
 class SpotObserver {
  public:
   virtual ~SpotObserver() = default;
-  virtual bool Aborted() = 0;                        ///< polled once an event, in most passes
-  virtual void Report(std::int32_t progress) = 0;    ///< steps done, or -1 at the end
-  virtual void Log(const std::string& line) = 0;     ///< for the system log, without a line feed
+  virtual bool Aborted() = 0;                      ///< polled once an event, in most passes
+  virtual void Report(std::int32_t progress) = 0;  ///< steps done, or -1 at the end
+  virtual void Log(const std::string& line) = 0;   ///< for the system log, without a line feed
   /// A file was made, or could not be: `status` is CopyTo's, and 0 or 2 for a renderer.
   virtual void FileMade(FilePass, std::int32_t /*event*/, const std::string& /*path*/,
                         std::int32_t /*status*/) {}

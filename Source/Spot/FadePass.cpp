@@ -1,0 +1,114 @@
+// Fades and crossfades as short files of their own, laid over the regions that they belong to.
+
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "BWF/Renderers.h"
+#include "Spot/RegionSpotter.h"
+#include "Spot/SpotPasses.h"
+#include "Timecode/AdlTime.h"
+#include "Timecode/Wrapping.h"
+
+namespace velmora {
+namespace {
+
+bool SameText(const char* a, const char* b) {
+  return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
+}
+
+/// Sample of the source file at which the event begins.
+std::int64_t FirstSample(const AES31Event& event) {
+  return AdlDifference(event.sourceStart, event.cut.sourceIn);
+}
+
+/// Sample of the source file at which the event's last `length` samples begin.
+std::int64_t FirstSampleOfTail(const AES31Event& event, std::int64_t length) {
+  return WrapAdd(WrapSubtract(FirstSample(event), length),
+                 AdlDifference(event.cut.destIn, event.cut.destOut));
+}
+
+}  // namespace
+
+bool SpotPasses::FadePass() {
+  // The live event handled last. Nothing looks further back, and nothing ahead.
+  const AES31Event* previous = nullptr;
+  for (std::int32_t i = 0; i < project_.numEvents; ++i) {
+    if (!Step()) return false;
+    const AES31Event* const event = LiveEvent(i);
+    if (event == nullptr) continue;
+    MakeFades(i, previous, *event);
+    previous = event;
+  }
+  return true;
+}
+
+/// An event does not know its successor, so one that ends in a crossfade still gets its out-fade;
+/// the successor's crossfade piece then lands on just that place.
+void SpotPasses::MakeFades(std::int32_t index, const AES31Event* previous,
+                           const AES31Event& event) {
+  if (previous != nullptr && ContinuesCrossfade(*previous, event)) {
+    MakeCrossfade(index, *previous, event);
+  } else if (event.infade.present) {
+    MakeInFade(index, event);
+  }
+  if (event.outfade.present) MakeOutFade(index, event);
+}
+
+///     previous  ==========[outfade]
+///     event               [infade ]==========     same track, equal texts, overlap of that length
+bool SpotPasses::ContinuesCrossfade(const AES31Event& previous, const AES31Event& event) const {
+  return previous.cut.destChannel == event.cut.destChannel && event.infade.present &&
+         previous.outfade.present && SameText(event.infade.length, previous.outfade.length) &&
+         AdlDifference(event.cut.destIn, previous.cut.destOut) == AdlToSamples(event.infade.length);
+}
+
+void SpotPasses::MakeInFade(std::int32_t index, const AES31Event& event) {
+  if (event.sourceFile == nullptr) return;
+  const std::string path = DerivedPath(event, "_FadeIn");
+  const std::int64_t length = AdlToSamples(event.infade.length);
+  SpotPiece(index, event, RegionPiece::InFade,
+            RenderFadeFile(path.c_str(), event.sourceFile, length, true, FirstSample(event)), path,
+            AdlToSamples(event.cut.destIn), length);
+}
+
+void SpotPasses::MakeCrossfade(std::int32_t index, const AES31Event& previous,
+                               const AES31Event& event) {
+  if (previous.sourceFile == nullptr || event.sourceFile == nullptr) return;
+  const std::string path = DerivedPath(event, "_XFade");
+  const std::int64_t length = AdlToSamples(event.infade.length);
+  SpotPiece(index, event, RegionPiece::Crossfade,
+            RenderCrossfadeFile(path.c_str(), previous.sourceFile, event.sourceFile,
+                                FirstSampleOfTail(previous, length), FirstSample(event), length),
+            path, AdlToSamples(event.cut.destIn), length);
+}
+
+void SpotPasses::MakeOutFade(std::int32_t index, const AES31Event& event) {
+  if (event.sourceFile == nullptr) return;
+  const std::string path = DerivedPath(event, "_FadeOut");
+  const std::int64_t length = AdlToSamples(event.outfade.length);
+  SpotPiece(index, event, RegionPiece::OutFade,
+            RenderFadeFile(path.c_str(), event.sourceFile, length, false,
+                           FirstSampleOfTail(event, length)),
+            path, WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
+}
+
+void SpotPasses::SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,
+                           std::unique_ptr<AES31BWF> file, const std::string& path,
+                           std::int64_t position, std::int64_t length) {
+  observer_.FileMade(FilePass::Fade, index, path, file != nullptr ? CopyDone : CopyFailed);
+  if (file == nullptr) return;
+  file.reset();
+  RegionSpotter spotter(path.c_str(), 0, length, host_);
+  const std::string name = CopyBaseName(path.c_str());
+  std::int32_t status = 0;
+  for (std::int32_t attempt = 1; attempt <= kAttempts; ++attempt) {
+    status = Send(spotter, event, position, name);
+    observer_.RegionTried(index, piece, attempt, status);
+    if (status == 0) return;
+  }
+  observer_.RegionGivenUp(index, piece, status);
+  if (piece == RegionPiece::OutFade) observer_.Log("SPOT Error outfade!!!!!!!!!!!!!!!!!!!!!!!");
+}
+
+}  // namespace velmora

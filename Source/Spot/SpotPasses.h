@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "BWF/OutputPaths.h"
+#include "Spot/SpotWorker.h"
+
+namespace velmora {
+
+/// The five passes of one run, strictly one after the other. Internal to RunSpot.
+class SpotPasses {
+ public:
+  SpotPasses(const SpotProject& project, const SpotOptions& options, RegionHost& host,
+             SpotObserver& observer)
+      : project_(project), options_(options), host_(host), observer_(observer) {}
+
+  /// False if the observer's abort ended it.
+  bool Run();
+
+ private:
+  static constexpr std::int32_t kAttempts = 80;  ///< for each region, one at once after the other
+
+  bool DepthPass();
+  bool GainPass();
+  bool RegionPass();
+  void ReleasePass();
+  bool FadePass();
+
+  /// Counts a step of a pass, and tells of it unless the run is aborted.
+  bool Step();
+  /// The event if the run works on it, else null.
+  AES31Event* LiveEvent(std::int32_t index);
+
+  void PrepareDepth(std::int32_t index, AES31Event& event);
+  void PrepareGain(std::int32_t index, AES31Event& event);
+  /// The status of one attempt, none if there is nothing to place.
+  std::optional<std::int32_t> SpotMainRegion(std::int32_t index, const AES31Event& event,
+                                             std::int32_t attempt);
+
+  bool ContinuesCrossfade(const AES31Event& previous, const AES31Event& event) const;
+  void MakeFades(std::int32_t index, const AES31Event* previous, const AES31Event& event);
+  void MakeInFade(std::int32_t index, const AES31Event& event);
+  void MakeCrossfade(std::int32_t index, const AES31Event& previous, const AES31Event& event);
+  void MakeOutFade(std::int32_t index, const AES31Event& event);
+  /// Sends a rendered piece of `length` samples; `file` is null if it could not be made.
+  void SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,
+                 std::unique_ptr<AES31BWF> file, const std::string& path, std::int64_t position,
+                 std::int64_t length);
+
+  std::int32_t Send(RegionSpotter& spotter, const AES31Event& event, std::int64_t position,
+                    const std::string& name);
+  std::string DerivedPath(const AES31Event& event, const char* suffix);
+
+  const SpotProject& project_;
+  const SpotOptions& options_;
+  RegionHost& host_;
+  SpotObserver& observer_;
+  OutputNames names_;
+  std::int32_t progress_ = 0;
+};
+
+}  // namespace velmora

@@ -1,0 +1,162 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ADL/AES31Project.h"
+#include "Spot/RegionMessage.h"
+#include "Spot/SpotOptions.h"
+#include "Spot/SpotWorker.h"
+
+namespace velmora {
+
+// The runs behind a view's spot button, and all that a worker's thread shares with the main thread.
+//
+//   main thread     Request ---- detach a thread ----- DeliverReport ---- Abort ---- Request ...
+//                      |                 |                ^       |          |
+//   worker             '------------> Execute: [wait][ RunSpot, PostReport, ... ] ended
+//   next worker                                              Execute: [ wait          ][ RunSpot
+//
+// - One thread for each run. The manager starts none: the view detaches a thread of its platform,
+//   and hands it its own shared_ptr to the run, whose Execute is all that this thread calls.
+// - One run works at a time, in the order of the requests. Execute of a later one waits, on its own
+//   thread, until the runs before it have ended. The main thread never waits but in Close.
+// - The run shares the project. A load that replaces the project meanwhile leaves the old one alive
+//   until Execute ends, and the last owner's thread, which may be the worker's, deletes it.
+// - Options, event count and texts are handed over by value when the run is requested, so a worker
+//   reads no control and no field of the view. What a view keeps of progress and abort are copies
+//   for the main thread alone, taken from Progress and Aborted.
+// - The check boxes of the events are not guarded here. The main thread may change them as soon as
+//   a run is aborted, while its worker still looks at its last event: both sides access these
+//   32-bit numbers atomically.
+
+class SpotRuns;
+
+/// What a run asks of the view. All calls come from the worker's thread, and none may wait for the
+/// main thread, which may itself be waiting in SpotRuns::Close.
+class SpotDisplay {
+ public:
+  virtual ~SpotDisplay() = default;
+  /// Has the main thread call the run's DeliverReport soon, and returns at once (on AppKit
+  /// `performSelectorOnMainThread:withObject:waitUntilDone:` with NO: it is the run that waits, in
+  /// a wait that an abort ends). The receiver must be an object that shares the run and is kept
+  /// alive by the post, such as the thread's own object, never the view: the view may be gone by
+  /// then.
+  /// @param progress steps done, or -1 at the end
+  virtual void PostReport(std::int32_t progress) = 0;
+  /// A line for the system log, without a line feed.
+  virtual void Log(const std::string& line) = 0;
+};
+
+/// What a run works on: a SpotProject that owns its share of the project. `firstEvent` is a text of
+/// the project.
+struct SharedSpotProject {
+  std::shared_ptr<AES31Project> project;
+  std::int32_t numEvents = 0;
+  std::int32_t minTrack = 0;
+  const char* firstEvent = nullptr;
+};
+
+/// One spot, from its request to the end of its worker. Made by SpotRuns::Request.
+class SpotRun {
+ public:
+  /// A run that was never executed ends here: drop one whose thread could not be started, or the
+  /// runs after it wait for it.
+  ~SpotRun();
+  SpotRun(const SpotRun&) = delete;
+  SpotRun& operator=(const SpotRun&) = delete;
+
+  /// The body of the worker's thread, once for each run: waits for the runs before it, runs the
+  /// spot, gives up its share of the project, and ends. Touches neither `host` nor `display` before
+  /// the wait is over, nor once the run counts as ended.
+  ///
+  /// Each report counts as made when the main thread has delivered it, or when the run is aborted.
+  /// @param host must not wait for the main thread either
+  /// @return false if it was aborted, be it before its work began
+  bool Execute(RegionHost& host, SpotDisplay& display);
+
+  // The rest is for the main thread.
+
+  /// Delivers the report that waits, if one does and the run is not aborted: calls `show` with the
+  /// steps done, or with -1 at the end, which is the time to bring the controls and the button
+  /// back. Then lets the worker go on. Since Abort is called on this thread too, `show` never runs
+  /// after an abort: an aborted run cannot disturb the state that a later one has set.
+  void DeliverReport(const std::function<void(std::int32_t progress)>& show);
+
+  /// Asks this run, and no other, to stop, and does not wait: the worker stops at its next event,
+  /// a run that waits for its turn ends without work, and a worker that waits for a report to be
+  /// delivered goes on. Does nothing to a run that is aborted already.
+  void Abort();
+
+  /// May be read from any thread.
+  bool Aborted() const { return aborted_; }
+
+  /// Steps reported so far, and -1 once the run has reported its end or is aborted: -1 means that
+  /// no worker is counting. May be read from any thread.
+  std::int32_t Progress() const { return progress_; }
+
+ private:
+  friend class SpotRuns;
+  class Observer;
+  class Host;
+
+  /// The runs that have not ended, in the order of their requests. Shared with each run, since the
+  /// manager may go while a worker is still on its way out of Execute.
+  struct Queue {
+    std::mutex mutex;
+    std::condition_variable changed;  ///< a run ended, was aborted, or had its report delivered
+    std::vector<SpotRun*> runs;
+  };
+
+  SpotRun(std::shared_ptr<Queue> queue, SharedSpotProject work, SpotOptions options);
+
+  bool WaitForTurn();
+  void Report(std::int32_t progress, SpotDisplay& display);
+  void AbortLocked();
+  void End();
+
+  const std::shared_ptr<Queue> queue_;
+  SharedSpotProject work_;  ///< the worker's, from Execute on
+  SpotOptions options_;     ///< the worker's, from Execute on
+  std::atomic<bool> aborted_ = false;
+  std::atomic<bool> closing_ = false;  ///< no message goes out any more
+  std::atomic<std::int32_t> progress_ = 0;
+  // Guarded by the queue's mutex:
+  bool reportWaits_ = false;
+  bool ended_ = false;
+};
+
+/// The runs of one view. For the main thread.
+class SpotRuns {
+ public:
+  SpotRuns();
+  /// Closes.
+  ~SpotRuns();
+  SpotRuns(const SpotRuns&) = delete;
+  SpotRuns& operator=(const SpotRuns&) = delete;
+
+  /// A new run, behind all that have not ended; none of these is aborted by it. The caller starts
+  /// its thread. With no project the run ends without any call.
+  std::shared_ptr<SpotRun> Request(SharedSpotProject work, SpotOptions options);
+
+  /// True when every run has ended.
+  bool Idle() const;
+
+  /// Aborts all runs and returns when all have ended and hold nothing any more: to be called before
+  /// the view goes. Beyond what an abort does, a message not yet sent is given up, or a host that
+  /// does not answer would hold the window for minutes; what is left to wait for is one message's
+  /// time-out and the file that is just being made. Reports that were posted before may still
+  /// arrive, and show nothing. A run's thread that has not come to Execute yet is waited for.
+  void Close();
+
+ private:
+  std::shared_ptr<SpotRun::Queue> queue_;
+};
+
+}  // namespace velmora
