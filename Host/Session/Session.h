@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,8 +19,16 @@ struct SessionRegion {
   std::string path;  ///< of the wave file, as the alias resolved
   std::string name;
 
+  /// 0 or negative if the stop does not lie behind the start. Both come as 32-bit numbers.
   std::int64_t length() const { return stop - start; }
-  std::int64_t end() const { return position + length(); }  ///< exclusive
+  /// Exclusive. Held at the limits of 64 bits: positions come from project files, unchecked.
+  std::int64_t end() const {
+    using Limits = std::numeric_limits<std::int64_t>;
+    const std::int64_t samples = length();
+    if (samples > 0 && position > Limits::max() - samples) return Limits::max();
+    if (samples < 0 && position < Limits::min() - samples) return Limits::min();
+    return position + samples;
+  }
 };
 
 /// What is heard of one region: later regions cover what lies under them.
@@ -34,14 +44,20 @@ struct SessionSummary {
   std::size_t regions = 0;  ///< received
   std::size_t files = 0;    ///< different paths
   std::int64_t first = 0;   ///< earliest position, in samples; 0 without regions
-  std::int64_t end = 0;     ///< latest end, exclusive; 0 without regions
+  std::int64_t end = 0;     ///< latest end, exclusive, a region of no length ending where it
+                            ///< begins; 0 without regions
 };
 
-/// The timeline of a session: regions in order of arrival, and for each track what is heard of them.
-/// Hosts fill it; whatever shows, writes or plays a session reads it. Not synchronised.
+/// The timeline of a session: regions in order of arrival, and for each track what is heard of
+/// them. Hosts fill it; whatever shows, writes or plays a session reads it. Not synchronised.
 class Session {
  public:
   /// Puts a region on its track, over what is there. One of no length is kept and covers nothing.
+  ///
+  ///     before  |---- A ----|  |-- B --|       before  |------- A -------|
+  ///     placed         |--- C ---|             placed       |-- C --|
+  ///     after   |- A --|--- C ---|- B -|       after   |-A--|-- C --|-A--|
+  ///
   /// Returns its index. Costs time in the logarithm of the track's pieces and in those it covers.
   std::size_t Place(SessionRegion region);
 
@@ -53,9 +69,12 @@ class Session {
   SessionSummary Summary() const;
 
  private:
+  using Pieces = std::map<std::int64_t, VisiblePiece>;
+  static void Clear(Pieces& pieces, std::int64_t position, std::int64_t end);
+
   std::vector<SessionRegion> regions_;
   /// By track, then by position.
-  std::map<std::int64_t, std::map<std::int64_t, VisiblePiece>> tracks_;
+  std::map<std::int64_t, Pieces> tracks_;
 };
 
 }  // namespace velmora::host

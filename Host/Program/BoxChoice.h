@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velmora::program {
+
+/// Numbers and ranges of numbers, as in `1,3-5`. Numbers may be negative: `-3--1`.
+class NumberSet {
+ public:
+  /// None if the text has another form, a number is beyond 32 bits, or a range runs down.
+  static std::optional<NumberSet> Parse(const std::string& text);
+  bool Contains(std::int32_t number) const;
+
+ private:
+  std::vector<std::pair<std::int32_t, std::int32_t>> ranges_;  ///< both ends included
+};
+
+/// Which check boxes stay ticked.
+struct BoxChoice {
+  std::optional<NumberSet> skip;
+  std::optional<NumberSet> only;
+
+  bool Chooses() const { return skip.has_value() || only.has_value(); }
+  bool Ticks(std::int32_t number) const {
+    if (only) return only->Contains(number);
+    return !skip || !skip->Contains(number);
+  }
+};
+
+}  // namespace velmora::program

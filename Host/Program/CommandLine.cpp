@@ -1,0 +1,253 @@
+#include "Program/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "Program/ExitStatus.h"
+#include "Program/SessionFile.h"
+#include "Timecode/RateTables.h"
+#include "Timecode/TimecodeEntry.h"
+
+namespace velmora::program {
+namespace {
+
+constexpr const char* kExamples = R"(Examples:
+  velmora info Radio.adl                         header, tracks, events, missing files
+  velmora info Radio.adl --json | jq .sources
+  velmora spot Radio.adl                         place every cut where the project has it
+  velmora spot Radio.adl --fades --gain --copy-to Audio
+  velmora spot Radio.adl --position start --start 10:00:00:00 --depth 16
+  velmora spot Radio.adl --only-tracks 1,3-5 --host embedded:session.json
+
+Exit status: 0 all done; 1 bad usage; 2 the project does not load; 3 spotted, but
+something of a ticked cut was left out; 130 interrupted (Ctrl-C stops between events).)";
+
+const std::map<std::string, std::int32_t> kPositions = {
+    {"project", 0}, {"offset", 1}, {"start", 2}, {"first", 3}};
+
+/// The project sees absolute paths alone; what is absolute already stays as it was typed.
+std::string AbsolutePath(const std::string& path) {
+  const std::filesystem::path given(path);
+  if (given.is_absolute()) return path;
+  const std::filesystem::path absolute = std::filesystem::absolute(given);
+  // Taking ".." away would change the way through a symbolic link.
+  const bool climbs = std::find(given.begin(), given.end(), "..") != given.end();
+  return climbs ? absolute.string() : absolute.lexically_normal().string();
+}
+
+/// Puts a typed timecode through the entry field's own limits. Empty if it has another form.
+std::string EnteredTimecode(const std::string& typed, bool isSigned) {
+  std::string text = typed;
+  const bool hasSign = !text.empty() && (text[0] == '+' || text[0] == '-');
+  if (hasSign && !isSigned) return {};
+  if (isSigned && !hasSign) text.insert(0, "+");
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  std::size_t colons = 0;
+  for (std::size_t i = isSigned ? 1 : 0; i < text.size(); ++i) {
+    const bool colon = text[i] == ':';
+    const bool betweenDigits =
+        i > 0 && i + 1 < text.size() && isDigit(text[i - 1]) && isDigit(text[i + 1]);
+    if (colon ? !betweenDigits : !isDigit(text[i])) return {};
+    colons += colon ? 1 : 0;
+  }
+  if (colons != 3) return {};
+  TimecodeValue value;
+  value.sign = isSigned;
+  value.DigestString(text.c_str());
+  return value.ComposeString();
+}
+
+CLI::Validator TimecodeForm(bool isSigned) {
+  const std::string form = isSigned ? "[+-]HH:MM:SS:FF" : "HH:MM:SS:FF";
+  return CLI::Validator(
+      [isSigned, form](std::string& text) -> std::string {
+        const std::string entered = EnteredTimecode(text, isSigned);
+        if (entered.empty()) return "'" + text + "' is no timecode of the form " + form;
+        text = entered;
+        return {};
+      },
+      form);
+}
+
+CLI::Validator NumberListForm() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        if (NumberSet::Parse(text)) return {};
+        return "'" + text + "' is no list of numbers and rising ranges such as 1,3-5";
+      },
+      "LIST");
+}
+
+std::optional<std::int32_t> FrameRateCodeOf(const std::string& text) {
+  for (std::size_t code = 0; code < kFrameRateCodes.size(); ++code) {
+    const bool named = code > 0 && text == kFrameRateCodes[code].name;
+    if (named || text == std::to_string(code)) return static_cast<std::int32_t>(code);
+  }
+  return std::nullopt;
+}
+
+CLI::Validator FrameRateForm() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        if (FrameRateCodeOf(text)) return {};
+        return "'" + text +
+               "' is no frame rate; take a code from 0 to 7, or 24, 25, 29.97, 29.97df, 30, 30df "
+               "or 23.976";
+      },
+      "CODE");
+}
+
+/// The texts of options that need more than a validator.
+struct RawOptions {
+  std::string position = "project";
+  std::string skipTracks, onlyTracks, skipEvents, onlyEvents;
+  std::string frameRate;
+  double sessionRate = 0;
+  std::string host = "embedded";
+  std::string copyFolder;
+};
+
+void AddBoxOptions(CLI::App& spot, RawOptions& raw) {
+  auto* const skipTracks =
+      spot.add_option("--skip-tracks", raw.skipTracks, "Tracks to leave out, by number: 1,3-5");
+  auto* const onlyTracks =
+      spot.add_option("--only-tracks", raw.onlyTracks, "The only tracks to place, by number");
+  auto* const skipEvents =
+      spot.add_option("--skip-events", raw.skipEvents, "Events to leave out, by index from 0");
+  auto* const onlyEvents =
+      spot.add_option("--only-events", raw.onlyEvents, "The only events to place, by index");
+  for (CLI::Option* const option : {skipTracks, onlyTracks, skipEvents, onlyEvents}) {
+    option->check(NumberListForm());
+  }
+  skipTracks->excludes(onlyTracks);
+  skipEvents->excludes(onlyEvents);
+}
+
+void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
+  spot.add_option("project", arguments.project, "The ADL file")->required();
+  spot.add_option("--position", raw.position,
+                  "Where the project lands: as in the project, with --offset, with its first cut "
+                  "at --start, or with its first cut at 0")
+      ->check(CLI::IsMember({"project", "offset", "start", "first"}))
+      ->capture_default_str();
+  spot.add_option("--offset", arguments.offset, "Moves everything, with --position offset")
+      ->transform(TimecodeForm(true));
+  spot.add_option("--start", arguments.start, "Start of the first cut, with --position start")
+      ->transform(TimecodeForm(false));
+  spot.add_option("--depth", arguments.bitDepth, "Bits per sample of the audio that is placed")
+      ->check(CLI::IsMember({16, 24}))
+      ->capture_default_str();
+  spot.add_flag("--fades", arguments.fades, "Make fade and crossfade pieces");
+  spot.add_flag("--gain", arguments.gain, "Make files with the project's gains in them");
+  spot.add_option("--copy-to", raw.copyFolder,
+                  "Copy all audio into this folder, which is made if missing")
+      ->type_name("DIR");
+  AddBoxOptions(spot, raw);
+  spot.add_option("--session-rate", raw.sessionRate,
+                  "The session's sample rate; default: that of the project's first cut")
+      ->type_name("HZ")
+      ->check(CLI::Validator(
+          [](std::string& text) -> std::string {
+            double rate = 0;
+            const bool good = CLI::detail::lexical_cast(text, rate) && std::isfinite(rate) &&
+                              rate > 0 && std::isfinite(static_cast<float>(rate));
+            return good ? "" : "'" + text + "' is no sample rate in Hz";
+          },
+          ""));
+  spot.add_option("--session-frame-rate", raw.frameRate,
+                  "The session's frame rate: a code from 0 to 7, or 24, 25, 29.97, 29.97df, 30, "
+                  "30df, 23.976; default: that of the project's first cut")
+      ->check(FrameRateForm());
+  spot.add_option("--host", raw.host,
+                  "Where the regions go; embedded:FILE.json also writes the session there")
+      ->type_name("NAME[:TARGET]")
+      ->capture_default_str();
+  spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines on standard output");
+  spot.add_flag("--quiet", arguments.quiet, "No progress bar");
+}
+
+/// Takes over what the validators have let through; an empty answer, or what is wrong.
+std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::App& spot) {
+  arguments.positionMode = kPositions.at(raw.position);
+  const auto numbers = [](const std::string& text) {
+    return text.empty() ? std::nullopt : NumberSet::Parse(text);
+  };
+  arguments.tracks = {numbers(raw.skipTracks), numbers(raw.onlyTracks)};
+  arguments.events = {numbers(raw.skipEvents), numbers(raw.onlyEvents)};
+  if (spot.count("--session-rate") > 0) {
+    arguments.sessionRate = static_cast<float>(raw.sessionRate);
+  }
+  if (!raw.frameRate.empty()) arguments.sessionFrameRate = FrameRateCodeOf(raw.frameRate);
+
+  const std::size_t colon = raw.host.find(':');
+  const std::string target = colon == std::string::npos ? "" : raw.host.substr(colon + 1);
+  if (raw.host.substr(0, colon) != "embedded") {
+    return "--host: there is no host '" + raw.host.substr(0, colon) + "'; hosts: embedded";
+  }
+  if (colon != std::string::npos) {
+    if (target.empty()) return "--host: embedded: needs the name of a file behind its colon";
+    arguments.sessionFile = AbsolutePath(target);
+    const std::string complaint = SessionFileComplaint(arguments.sessionFile);
+    if (!complaint.empty()) return "--host: " + complaint;
+  }
+
+  if (spot.count("--copy-to") == 0) return {};
+  if (raw.copyFolder.empty()) return "--copy-to: the name of the folder is empty";
+  arguments.copyFolder = AbsolutePath(raw.copyFolder);
+  std::error_code error;
+  std::filesystem::create_directories(arguments.copyFolder, error);
+  if (!std::filesystem::is_directory(arguments.copyFolder)) {
+    const std::string cause = error ? error.message() : "it is no folder";
+    return "--copy-to: " + arguments.copyFolder + " cannot be made: " + cause;
+  }
+  return {};
+}
+
+int Complain(const std::string& what, const char* command) {
+  std::fprintf(stderr, "velmora: %s\nTry 'velmora %s--help'.\n", what.c_str(), command);
+  return kBadUsage;
+}
+
+}  // namespace
+
+Command ReadCommandLine(int argc, const char* const* argv) {
+  CLI::App app("Brings AES31-3 Audio Decision List projects onto a timeline.", "velmora");
+  app.footer(kExamples);
+  app.set_version_flag("--version", "velmora " VELMORA_VERSION);
+  app.require_subcommand(1);
+  app.get_formatter()->column_width(34);
+
+  InfoArguments infoArguments;
+  CLI::App* const info = app.add_subcommand("info", "Show what a project holds");
+  info->add_option("project", infoArguments.project, "The ADL file")->required();
+  info->add_flag("--json", infoArguments.json, "As one JSON object on standard output");
+
+  SpotArguments spotArguments;
+  RawOptions raw;
+  CLI::App* const spot = app.add_subcommand("spot", "Prepare the audio and place every cut");
+  AddSpotOptions(*spot, spotArguments, raw);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // help or version was asked for
+    return app.exit(request);
+  } catch (const CLI::ParseError& error) {
+    const char* const command = spot->parsed() ? "spot " : info->parsed() ? "info " : "";
+    return Complain(error.what(), command);
+  }
+  if (info->parsed()) {
+    infoArguments.project = AbsolutePath(infoArguments.project);
+    return infoArguments;
+  }
+  spotArguments.project = AbsolutePath(spotArguments.project);
+  const std::string complaint = Finish(spotArguments, raw, *spot);
+  if (!complaint.empty()) return Complain(complaint, "spot ");
+  return spotArguments;
+}
+
+}  // namespace velmora::program

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "Program/BoxChoice.h"
+
+namespace velmora::program {
+
+struct InfoArguments {
+  std::string project;  ///< absolute path
+  bool json = false;
+};
+
+struct SpotArguments {
+  std::string project;  ///< absolute path
+  std::int32_t positionMode = 0;
+  std::string offset = "+00:00:00:00";  ///< as the entry field would hold it
+  std::string start = " 00:00:00:00";   ///< as the entry field would hold it
+  std::int32_t bitDepth = 24;
+  bool fades = false;
+  bool gain = false;
+  std::string copyFolder;                        ///< absolute path, existing; empty for none
+  BoxChoice tracks;                              ///< by track number
+  BoxChoice events;                              ///< by event index
+  std::optional<float> sessionRate;              ///< Hz
+  std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
+  std::string sessionFile;  ///< where the embedded host's session goes; empty for nowhere
+  bool json = false;
+  bool quiet = false;
+};
+
+/// An exit status: there is nothing to do, help was shown or a complaint made.
+using Command = std::variant<int, InfoArguments, SpotArguments>;
+
+/// Reads the command line and shows help or says what is wrong with it.
+Command ReadCommandLine(int argc, const char* const* argv);
+
+}  // namespace velmora::program

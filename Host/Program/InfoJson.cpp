@@ -1,0 +1,136 @@
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "ADL/ShiftJis.h"
+#include "GUI/Tables.h"
+#include "Program/InfoCommand.h"
+#include "Program/JsonForms.h"
+
+namespace velmora::program {
+namespace {
+
+constexpr std::int32_t kMostRows = 100000;
+
+struct TableForm {
+  const char* identifier;
+  std::vector<const char*> columns;
+};
+
+const std::array<TableForm, 4> kTables = {{
+    {"ProjectInfomationTable", {"Title", "Data"}},
+    {"TrackTable", {"Space", "Track", "Type", "Start", "End"}},
+    {"EventListTable", {"Space", "Type", "Event", "Ch", "In", "Out", "Track", "Name"}},
+    {"numberOfTracksTable", {"ItemName", "Number"}},
+}};
+
+/// Columns that show texts of the file as they stand there; the others are UTF-8 already.
+bool IsRawText(std::string_view column) {
+  constexpr std::array<std::string_view, 5> kRaw = {"Type", "In", "Out", "Start", "End"};
+  return std::find(kRaw.begin(), kRaw.end(), column) != kRaw.end();
+}
+
+Json CellJson(const CellValue& cell, std::string_view column) {
+  if (cell.kind == CellValue::Integer) return cell.integer;
+  if (cell.kind == CellValue::None) return nullptr;
+  return IsRawText(column) ? ShiftJisToUtf8(cell.text.c_str()) : cell.text;
+}
+
+Json RowJson(const ViewModel& model, const TableForm& table, std::int32_t row) {
+  Json json = Json::object();
+  for (const char* const column : table.columns) {
+    json[column] = CellJson(ObjectValue(model, table.identifier, column, row), column);
+  }
+  return json;
+}
+
+void WriteTables(JsonObjectWriter& json, std::ostream& out, const ViewModel& model) {
+  json.Key("tables");
+  JsonObjectWriter tables(out);
+  for (const TableForm& table : kTables) {
+    const std::int32_t rows = std::min(NumberOfRows(model, table.identifier), kMostRows);
+    tables.Array(table.identifier, static_cast<std::size_t>(rows), [&](std::size_t row) {
+      return RowJson(model, table, static_cast<std::int32_t>(row));
+    });
+  }
+  tables.End();
+}
+
+Json FailureJson(const ViewModel& model) {
+  if (!model.loadFailure) return nullptr;
+  const LoadFailure& failure = *model.loadFailure;
+  return {{"line", failure.line},
+          {"section", ProjectText(failure.section.c_str())},
+          {"label", ProjectText(failure.label.c_str())},
+          {"reason", failure.reason}};
+}
+
+Json SourceJson(std::int32_t index, const AES31SourceFile& source) {
+  Json f = Json::array();
+  for (const char* const text : source.fValues) f.push_back(ProjectText(text));
+  Json t = Json::array();
+  for (const char* const text : source.tValues) t.push_back(ProjectText(text));
+  return {{"index", index},
+          {"f", std::move(f)},
+          {"t", std::move(t)},
+          {"file", source.file != nullptr ? WaveFileJson(*source.file) : Json()}};
+}
+
+/// What the project holds; a project that did not load holds nothing.
+void WriteContents(JsonObjectWriter& json, AES31Project* project) {
+  Json constants = Json::object();
+  for (std::size_t id = 0; id < kProjectConstants.size(); ++id) {
+    constants[kProjectConstants[id].keyword] =
+        project != nullptr ? ProjectText(project->constants[id]) : Json();
+  }
+  json.Member("constants", constants);
+
+  const std::map<std::int32_t, AES31SourceFile> none;
+  const auto& sources = project != nullptr ? project->sourceFiles : none;
+  auto source = sources.begin();
+  json.Array("sources", sources.size(), [&source](std::size_t) {
+    const auto& [index, record] = *source++;
+    return SourceJson(index, record);
+  });
+  json.Array("events", project != nullptr ? project->events.size() : 0,
+             [project](std::size_t i) { return EventJson(project->events[i], i); });
+  json.Array("sections", project != nullptr ? project->sections.size() : 0,
+             [project](std::size_t i) { return SectionJson(project->sections[i]); });
+  json.Array("refLists", project != nullptr ? project->refLists.size() : 0,
+             [project](std::size_t i) {
+               Json list = Json::array();
+               for (const AES31Section& section : project->refLists[i]) {
+                 list.push_back(SectionJson(section));
+               }
+               return list;
+             });
+  json.Array("comments", project != nullptr ? project->comments.size() : 0,
+             [project](std::size_t i) { return ProjectText(project->comments[i]); });
+}
+
+}  // namespace
+
+void PrintInfoJson(const InfoArguments& arguments, const ViewModel& model, std::ostream& out) {
+  JsonObjectWriter json(out);
+  json.Member("path", arguments.project);
+  json.Member("folder", model.project != nullptr
+                            ? model.project->folder
+                            : arguments.project.substr(0, arguments.project.rfind('/')));
+  json.Member("ok", model.project != nullptr);
+  json.Member("message", model.errorMessage);
+  json.Member("failure", FailureJson(model));
+  WriteContents(json, model.project.get());
+  json.Member("firstEvent", ProjectText(model.firstEvent));
+  json.Member("lastEvent", ProjectText(model.lastEvent));
+  json.Member("minTrack", model.minTrack);
+  json.Member("maxTrack", model.maxTrack);
+  json.Member("trackCount", model.trackCount);
+  json.Member("totalStart", ProjectText(model.totalStartTime.c_str()));
+  json.Member("totalEnd", ProjectText(model.totalEndTime.c_str()));
+  WriteTables(json, out, model);
+  json.End();
+  out << '\n';
+}
+
+}  // namespace velmora::program

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "Program/JsonForms.h"
+#include "Program/SpotReport.h"
+
+namespace velmora::program {
+
+/// Tells a run as JSON Lines.
+class JsonSpotReport : public SpotReport {
+ public:
+  JsonSpotReport(LeftOut& leftOut, const MessageTap& tap, std::ostream& out)
+      : SpotReport(leftOut), tap_(tap), out_(out) {}
+
+  void Warning(const std::string& text) override;
+  void Start(const SpotOptions& options, std::int32_t steps) override;
+  void End(bool aborted) override;
+  void Log(const std::string& line) override;
+  void FileTrouble(const std::string& line) override { Log(line); }
+  void FileMade(FilePass pass, std::int32_t event, const std::string& path,
+                std::int32_t status) override;
+  void RegionTried(std::int32_t event, RegionPiece piece, std::int32_t attempt,
+                   std::int32_t status) override;
+
+ private:
+  void Write(const Json& line);
+
+  const MessageTap& tap_;
+  std::ostream& out_;
+};
+
+}  // namespace velmora::program

@@ -1,0 +1,92 @@
+#include "Program/LeftOut.h"
+
+#include "ADL/ShiftJis.h"
+#include "BWF/AES31BWF.h"
+#include "Program/TextTable.h"
+
+namespace velmora::program {
+namespace {
+
+std::string LocationOf(const ViewModel& model, const AES31Event& event) {
+  const auto& sources = model.project->sourceFiles;
+  const auto source = sources.find(event.cut.sourceIndex);
+  const std::string number = std::to_string(event.cut.sourceIndex);
+  if (source == sources.end()) return "source " + number + " is not in the source index";
+  const char* const location = source->second.fValues[0];
+  return "the file of source " + number + " was not found: " +
+         (location != nullptr ? ShiftJisToUtf8(location) : "it has no location");
+}
+
+const char* PieceName(RegionPiece piece) {
+  switch (piece) {
+    case RegionPiece::InFade:
+      return "the fade-in";
+    case RegionPiece::Crossfade:
+      return "the crossfade";
+    case RegionPiece::OutFade:
+      return "the fade-out";
+    case RegionPiece::Main:
+      break;
+  }
+  return "the region";
+}
+
+const char* PassName(FilePass pass) {
+  switch (pass) {
+    case FilePass::Gain:
+      return "the file with its gain";
+    case FilePass::Fade:
+      return "a fade piece";
+    case FilePass::Depth:
+      break;
+  }
+  return "its copy";
+}
+
+const char* CopyCause(std::int32_t status) {
+  switch (status) {
+    case CopyTargetNotCreated:
+      return "the file cannot be created";
+    case CopyNotValid:
+      return "the source is no valid wave file";
+    default:
+      return "it could not be made whole";
+  }
+}
+
+}  // namespace
+
+std::string EventName(const ViewModel& model, std::int32_t event) {
+  const AES31Event* const found = model.project->GetEvent(event);
+  std::string name = "event " + std::to_string(event);
+  if (found == nullptr) return name;
+  return name + " (entry " + std::to_string(found->entryNumber) + ", track " +
+         std::to_string(found->cut.destChannel) + ")";
+}
+
+void LeftOut::Add(std::int32_t event, const std::string& what) {
+  lines_.push_back(EventName(model_, event) + ": " + Printable(what));
+}
+
+void LeftOut::NotPcm(std::int32_t event) {
+  AES31BWF& file = *model_.project->GetEvent(event)->sourceFile;
+  Add(event, "its samples read as silence, for the file is not plain PCM (format tag " +
+                 std::to_string(file.GetFormat()->formatTag) + "): " + file.GetPath());
+}
+
+void LeftOut::Cut(std::int32_t event, const std::string& path) {
+  Add(event, path.empty() ? LocationOf(model_, *model_.project->GetEvent(event))
+                          : "the file is no valid wave file: " + path);
+}
+
+void LeftOut::File(FilePass pass, std::int32_t event, const std::string& path,
+                   std::int32_t status) {
+  Add(event, std::string(PassName(pass)) + " is missing, for " + CopyCause(status) + ": " + path);
+}
+
+void LeftOut::Region(std::int32_t event, RegionPiece piece, std::int32_t status) {
+  Add(event,
+      std::string(PieceName(piece)) + " was refused by the host, status " + std::to_string(status));
+}
+
+}  // namespace velmora::program

@@ -1,0 +1,135 @@
+#include "Program/SpotCommand.h"
+
+#include <unistd.h>
+
+#include <iostream>
+#include <memory>
+
+#include "Embedded/EmbeddedHost.h"
+#include "GUI/Tables.h"
+#include "Platform/SystemLog.h"
+#include "Program/ExitStatus.h"
+#include "Program/InfoCommand.h"
+#include "Program/JsonSpotReport.h"
+#include "Program/SessionFile.h"
+#include "Program/SpotNotes.h"
+#include "Program/TextSpotReport.h"
+#include "Spot/SpotRequest.h"
+#include "Timecode/AdlTime.h"
+#include "Timecode/Wrapping.h"
+
+namespace velmora::program {
+namespace {
+
+void SetBoxes(ViewModel& model, const SpotArguments& arguments) {
+  // All tracks are on here, so that a row of the event table is an event's index.
+  for (std::int32_t i = 0; i < model.numEvents && arguments.events.Chooses(); ++i) {
+    SetObjectValue(model, "EventListTable", "Space", i, arguments.events.Ticks(i) ? 1 : 0);
+  }
+  if (arguments.tracks.Chooses()) {
+    model.SetTrackBoxes([&](std::int32_t track) { return arguments.tracks.Ticks(track); });
+  }
+}
+
+SessionSettings SettingsFor(const SpotArguments& arguments, const ViewModel& model) {
+  SessionSettings settings = SettingsOfTimestamp(model.firstEvent);
+  settings.rate = arguments.sessionRate.value_or(settings.rate);
+  settings.frameRate = arguments.sessionFrameRate.value_or(settings.frameRate);
+  return settings;
+}
+
+SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
+                       const SessionSettings& session) {
+  SpotOptions options;
+  options.sessionRate = Truncate<std::int32_t>(session.rate);
+  options.positionMode = arguments.positionMode;
+  options.frameRate = session.frameRate;
+  options.doFades = arguments.fades ? 1 : 0;
+  options.doGain = arguments.gain ? 1 : 0;
+  options.offsetSamples =
+      TimecodeToSamples(arguments.offset.c_str(), options.frameRate, options.sessionRate);
+  options.startSamples =
+      TimecodeToSamples(arguments.start.c_str(), options.frameRate, options.sessionRate);
+  options.bitDepth = arguments.bitDepth;
+  options.depthSuffix = arguments.bitDepth == 16 ? "_16bit" : "_24bit";
+  options.copyFolder = arguments.copyFolder;
+  options.copySource = arguments.copyFolder.empty() ? 0 : 1;
+  ComputePosition(options, model.firstEvent);
+  return options;
+}
+
+void PrintRemarks(const host::EmbeddedHost& embedded) {
+  for (const host::Remark& remark : embedded.remarks()) {
+    std::cerr << "velmora: note: region " << embedded.session().regions()[remark.region].name
+              << ": " << remark.text << '\n';
+  }
+}
+
+/// The run itself, told through the report.
+void Spot(const ViewModel& model, const SessionSettings& session, SpotOptions options,
+          RegionHost& host, SpotReport& report) {
+  for (const std::string& alert : SpotWarnings(model.firstEvent, session.rate, session.frameRate)) {
+    report.Warning(alert);
+  }
+  for (const std::string& note : SpotNotes(model, session, options)) {
+    std::cerr << "velmora: " << note << '\n';
+  }
+  report.Start(options, SpotSteps(model.numEvents, options.doFades, options.doGain));
+  SetSystemLog([&report](const std::string& line) { report.FileTrouble(line); });
+  StopOnInterrupt();
+  const SpotProject project = {model.project.get(), model.numEvents, model.minTrack,
+                               model.firstEvent};
+  const bool finished = RunSpot(project, options, host, report);
+  SetSystemLog(nullptr);
+  report.End(!finished);
+}
+
+}  // namespace
+
+int RunSpotCommand(const SpotArguments& arguments) {
+  ViewModel model;
+  if (!model.LoadFile(arguments.project)) {
+    ComplainAboutLoad(arguments.project, model);
+    return kDoesNotLoad;
+  }
+  if (!model.HasCuts()) {
+    std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
+    return kLeftOut;
+  }
+  SetBoxes(model, arguments);
+  const SessionSettings session = SettingsFor(arguments, model);
+  const SpotOptions options = OptionsFor(arguments, model, session);
+
+  host::EmbeddedHost embedded;
+  MessageTap tap(embedded);
+  LeftOut leftOut(model);
+  FindSilentCuts(model, leftOut);
+  const host::SessionClock clock(session.rate, session.frameRate);
+  const bool showsBar = isatty(STDERR_FILENO) != 0 && !arguments.quiet;
+  std::unique_ptr<SpotReport> report;
+  if (arguments.json) {
+    report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);
+  } else {
+    report = std::make_unique<TextSpotReport>(leftOut, model, embedded.session(), clock, showsBar,
+                                              std::cout);
+  }
+  Spot(model, session, options, arguments.json ? static_cast<RegionHost&>(tap) : embedded, *report);
+
+  PrintRemarks(embedded);
+  for (const std::string& line : leftOut.Lines())
+    std::cerr << "velmora: left out: " << line << '\n';
+  bool whole = leftOut.Lines().empty();
+  if (!arguments.sessionFile.empty()) {
+    const std::string complaint = WriteSessionFile(embedded.session(), arguments.sessionFile);
+    if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
+    whole = whole && complaint.empty();
+  }
+  if (!std::cout) {
+    std::cerr << "velmora: standard output takes no more\n";
+    whole = false;
+  }
+  if (report->Totals().aborted) return kInterrupted;
+  return whole ? kAllDone : kLeftOut;
+}
+
+}  // namespace velmora::program

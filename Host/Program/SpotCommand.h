@@ -1,0 +1,10 @@
+#pragma once
+
+#include "Program/CommandLine.h"
+
+namespace velmora::program {
+
+/// Runs one spot. Returns the exit status.
+int RunSpotCommand(const SpotArguments& arguments);
+
+}  // namespace velmora::program

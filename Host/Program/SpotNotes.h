@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "GUI/ViewModel.h"
+#include "Program/LeftOut.h"
+#include "Program/SessionDefaults.h"
+#include "Spot/SpotOptions.h"
+
+namespace velmora::program {
+
+/// What the system's alerts do not say, in plain words: both sample rates if they differ, by how
+/// many samples the session's timebase moves everything, and where the first region lands then.
+std::vector<std::string> SpotNotes(const ViewModel& model, const SessionSettings& session,
+                                   const SpotOptions& options);
+
+/// Notes each ticked cut whose file is not plain PCM, and so reads as silence.
+void FindSilentCuts(const ViewModel& model, LeftOut& leftOut);
+
+}  // namespace velmora::program

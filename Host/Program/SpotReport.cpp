@@ -1,0 +1,69 @@
+#include "Program/SpotReport.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace velmora::program {
+namespace {
+
+std::atomic<bool> interrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may take no lock");
+
+}  // namespace
+
+void StopOnInterrupt() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { interrupted = true; };
+  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+  sigaction(SIGINT, &action, nullptr);
+}
+
+std::int32_t MessageTap::MakeAlias(const char* path, std::vector<std::uint8_t>& alias) {
+  last_.reset();
+  return host_.MakeAlias(path, alias);
+}
+
+std::int32_t MessageTap::Send(const RegionMessage& message) {
+  last_ = message;
+  return host_.Send(message);
+}
+
+void SpotReport::Start(const SpotOptions& /*options*/, std::int32_t steps) {
+  totals_.steps = steps;
+}
+
+void SpotReport::End(bool aborted) {
+  totals_.aborted = aborted;
+}
+
+bool SpotReport::Aborted() {
+  return interrupted;
+}
+
+void SpotReport::Report(std::int32_t progress) {
+  if (progress >= 0) totals_.counted = progress;
+}
+
+void SpotReport::FileMade(FilePass pass, std::int32_t event, const std::string& path,
+                          std::int32_t status) {
+  if (status == 0) {
+    ++totals_.files;
+  } else {
+    leftOut_.File(pass, event, path, status);
+  }
+}
+
+void SpotReport::RegionTried(std::int32_t /*event*/, RegionPiece /*piece*/,
+                             std::int32_t /*attempt*/, std::int32_t status) {
+  if (status == 0) ++totals_.regions;
+}
+
+void SpotReport::RegionGivenUp(std::int32_t event, RegionPiece piece, std::int32_t status) {
+  leftOut_.Region(event, piece, status);
+}
+
+void SpotReport::CutLeftOut(std::int32_t event, const std::string& path) {
+  leftOut_.Cut(event, path);
+}
+
+}  // namespace velmora::program

@@ -1,0 +1,111 @@
+#include "Program/TextTable.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <ostream>
+#include <utility>
+
+#include "Program/JsonForms.h"
+
+namespace velmora::program {
+namespace {
+
+constexpr const char* kBold = "\x1b[1m";
+constexpr const char* kRed = "\x1b[31m";
+constexpr const char* kPlain = "\x1b[0m";
+
+/// East Asian wide and full-width characters (Unicode Standard Annex 11), by their large blocks.
+bool IsWide(std::uint32_t character) {
+  constexpr std::pair<std::uint32_t, std::uint32_t> kWide[] = {
+      {0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0x33FF}, {0x3400, 0x4DBF},
+      {0x4E00, 0x9FFF}, {0xA000, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
+      {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x20000, 0x3FFFD},
+  };
+  return std::any_of(std::begin(kWide), std::end(kWide), [character](const auto& block) {
+    return block.first <= character && character <= block.second;
+  });
+}
+
+bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+std::uint32_t LeadBits(unsigned char lead) {
+  if (lead < 0x80) return lead;
+  if (lead < 0xE0) return lead & 0x1FU;
+  return lead < 0xF0 ? lead & 0x0FU : lead & 0x07U;
+}
+
+}  // namespace
+
+bool ShowsColours(int descriptor) {
+  const char* const terminal = std::getenv("TERM");
+  return isatty(descriptor) != 0 && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&
+         std::string_view(terminal) != "dumb";
+}
+
+std::size_t DisplayWidth(std::string_view utf8) {
+  std::size_t width = 0;
+  for (std::size_t i = 0; i < utf8.size();) {
+    std::uint32_t character = LeadBits(static_cast<unsigned char>(utf8[i++]));
+    while (i < utf8.size() && IsContinuation(utf8[i])) {
+      character = character << 6 | (static_cast<unsigned char>(utf8[i++]) & 0x3FU);
+    }
+    width += IsWide(character) ? 2 : 1;
+  }
+  return width;
+}
+
+std::string Printable(std::string_view text) {
+  std::string line = ValidUtf8(std::string(text));
+  for (char& c : line) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code < 0x20 || code == 0x7F) c = ' ';
+  }
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line;
+}
+
+void TextTable::Add(std::vector<std::string> cells, bool alarming) {
+  for (std::string& cell : cells) cell = Printable(cell);
+  rows_.push_back({std::move(cells), alarming});
+}
+
+std::vector<std::size_t> TextTable::Widths() const {
+  std::vector<std::size_t> widths;
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    std::size_t width = DisplayWidth(columns_[i].heading);
+    for (const Row& row : rows_) width = std::max(width, DisplayWidth(row.cells[i]));
+    widths.push_back(width);
+  }
+  return widths;
+}
+
+std::string TextTable::Line(const std::vector<std::string>& cells,
+                            const std::vector<std::size_t>& widths) const {
+  std::string line;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const std::string padding(widths[i] - DisplayWidth(cells[i]), ' ');
+    line += columns_[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
+    line += "  ";
+  }
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line;
+}
+
+void TextTable::Print(std::ostream& out, bool colours) const {
+  const std::vector<std::size_t> widths = Widths();
+  std::vector<std::string> headings;
+  for (const Column& column : columns_) headings.push_back(column.heading);
+  out << "  " << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "")
+      << '\n';
+  for (const Row& row : rows_) {
+    const bool red = colours && row.alarming;
+    out << "  " << (red ? kRed : "") << Line(row.cells, widths) << (red ? kPlain : "") << '\n';
+  }
+}
+
+}  // namespace velmora::program

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::program {
+
+/// True if the standard stream (1 or 2) is a terminal that shows colours.
+bool ShowsColours(int descriptor);
+
+/// Cells of a terminal that a UTF-8 text takes: East Asian wide characters take two.
+std::size_t DisplayWidth(std::string_view utf8);
+
+/// A text as one line that harms no terminal: control characters are blanks, what is not UTF-8 is
+/// U+FFFD.
+std::string Printable(std::string_view text);
+
+enum class Align { Left, Right };
+
+/// Rows of texts with a heading, in aligned columns.
+class TextTable {
+ public:
+  struct Column {
+    std::string heading;
+    Align align = Align::Left;
+  };
+  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
+
+  /// Adds a row of as many cells as there are columns; `alarming` ones are red on a terminal.
+  void Add(std::vector<std::string> cells, bool alarming = false);
+  void Print(std::ostream& out, bool colours) const;
+
+ private:
+  struct Row {
+    std::vector<std::string> cells;
+    bool alarming;
+  };
+  std::vector<std::size_t> Widths() const;
+  std::string Line(const std::vector<std::string>& cells,
+                   const std::vector<std::size_t>& widths) const;
+
+  std::vector<Column> columns_;
+  std::vector<Row> rows_;
+};
+
+}  // namespace velmora::program

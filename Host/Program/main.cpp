@@ -1,0 +1,21 @@
+#include <cstdio>
+#include <exception>
+#include <variant>
+
+#include "Program/CommandLine.h"
+#include "Program/ExitStatus.h"
+#include "Program/InfoCommand.h"
+#include "Program/SpotCommand.h"
+
+int main(int argc, char** argv) {
+  using namespace velmora::program;
+  try {
+    const Command command = ReadCommandLine(argc, argv);
+    if (const auto* const info = std::get_if<InfoArguments>(&command)) return RunInfo(*info);
+    if (const auto* const spot = std::get_if<SpotArguments>(&command)) return RunSpotCommand(*spot);
+    return std::get<int>(command);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "velmora: %s\n", error.what());
+    return kDoesNotLoad;
+  }
+}

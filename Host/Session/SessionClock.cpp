@@ -1,0 +1,72 @@
+#include "Session/SessionClock.h"
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace velmora::host {
+namespace {
+
+__extension__ using Wide = __int128;  // products of a position and two rates need 100 bits
+
+Wide FloorDivide(Wide dividend, Wide divisor) {
+  const Wide quotient = dividend / divisor;
+  return dividend % divisor != 0 && (dividend < 0) != (divisor < 0) ? quotient - 1 : quotient;
+}
+
+std::int64_t Saturate(Wide value) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  if (value > Limits::max()) return Limits::max();
+  if (value < Limits::min()) return Limits::min();
+  return static_cast<std::int64_t>(value);
+}
+
+/// Adds the numbers that drop-frame timecode leaves out: two at each minute but every tenth.
+std::int64_t AddDroppedNumbers(std::int64_t frame, std::int32_t nominal) {
+  const std::int64_t perMinute = nominal * 60 - 2;
+  const std::int64_t perBlock = nominal * 600 - 18;
+  const std::int64_t blocks = frame / perBlock;
+  const std::int64_t rest = frame % perBlock;
+  // The first minute of ten keeps its numbers 0 and 1, and is two frames longer than the others.
+  const std::int64_t minutes = rest < 2 ? 0 : (rest - 2) / perMinute;
+  return frame + 18 * blocks + 2 * minutes;
+}
+
+}  // namespace
+
+SessionClock::SessionClock(float sampleRate, std::int32_t frameRateCode)
+    : sampleRate_(sampleRate >= 1.0F && sampleRate <= 1e7F ? sampleRate : 48000.0F),
+      code_(frameRateCode >= 0 && frameRateCode < static_cast<std::int32_t>(kFrameRates.size())
+                ? frameRateCode
+                : 0),
+      microHertz_(std::llround(static_cast<double>(sampleRate_) * 1e6)) {}
+
+std::int64_t SessionClock::FrameAt(std::int64_t sample) const {
+  const Wide frames = Wide{sample} * Rate().numerator * 1'000'000;
+  return Saturate(FloorDivide(frames, Wide{microHertz_} * Rate().denominator));
+}
+
+std::int64_t SessionClock::FrameStart(std::int64_t frame) const {
+  // Rounded up: the first whole sample that is not before the frame.
+  const Wide samples = Wide{frame} * microHertz_ * Rate().denominator;
+  return Saturate(-FloorDivide(-samples, Wide{Rate().numerator} * 1'000'000));
+}
+
+std::string SessionClock::FrameLabel(std::int64_t frame) const {
+  const bool negative = frame < 0;
+  std::int64_t rest = frame == std::numeric_limits<std::int64_t>::min()
+                          ? std::numeric_limits<std::int64_t>::max()
+                          : std::abs(frame);
+  const FrameRate& rate = Rate();
+  if (rate.dropFrame) rest = AddDroppedNumbers(rest, rate.nominal);
+  const std::int64_t frames = rest % rate.nominal;
+  const std::int64_t seconds = rest / rate.nominal;
+  char text[48];
+  std::snprintf(text, sizeof text, "%s%02lld:%02lld:%02lld%c%02lld", negative ? "-" : "",
+                static_cast<long long>(seconds / 3600), static_cast<long long>(seconds / 60 % 60),
+                static_cast<long long>(seconds % 60), rate.dropFrame ? ';' : ':',
+                static_cast<long long>(frames));
+  return text;
+}
+
+}  // namespace velmora::host

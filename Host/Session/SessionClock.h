@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace velmora::host {
+
+/// One of the session's frame rates, by the host's code.
+struct FrameRate {
+  const char* name;        ///< as a person reads it
+  char mark;               ///< frame-rate mark of a timestamp
+  char separator;          ///< of the frames in a timestamp
+  std::int32_t nominal;    ///< frames that timecode counts to a second
+  std::int32_t numerator;  ///< true frames per second, over `denominator`
+  std::int32_t denominator;
+  bool dropFrame;
+};
+
+/// By the host's code, 0 to 7.
+inline constexpr auto kFrameRates = std::to_array<FrameRate>({
+    {"30 (default)", '?', ':', 30, 30, 1, false},
+    {"24", '=', ':', 24, 24, 1, false},
+    {"25", '.', ':', 25, 25, 1, false},
+    {"29.97", ':', ':', 30, 30000, 1001, false},
+    {"29.97 drop", ':', ';', 30, 30000, 1001, true},
+    {"30", '|', ':', 30, 30, 1, false},
+    {"30 drop", '|', ';', 30, 30, 1, true},
+    {"23.976", '-', ':', 24, 24000, 1001, false},
+});
+
+/// The timebase of the session: what its ruler counts in.
+class SessionClock {
+ public:
+  /// A rate that is not a positive number counts as 48000 Hz, an unknown code as 0.
+  SessionClock(float sampleRate, std::int32_t frameRateCode);
+  SessionClock() : SessionClock(48000.0F, 0) {}
+
+  float SampleRate() const { return sampleRate_; }
+  std::int32_t FrameRateCode() const { return code_; }
+  const FrameRate& Rate() const { return kFrameRates[static_cast<std::size_t>(code_)]; }
+
+  /// Number of the frame that holds a sample; frames are counted from sample 0.
+  std::int64_t FrameAt(std::int64_t sample) const;
+  /// First sample of a frame.
+  std::int64_t FrameStart(std::int64_t frame) const;
+  /// Timecode digits of a frame number, HH:MM:SS:FF, with `;` before the frames where numbers are
+  /// dropped, and a minus sign before the session's start.
+  std::string FrameLabel(std::int64_t frame) const;
+  /// Timecode of the frame that holds a sample.
+  std::string Timecode(std::int64_t sample) const { return FrameLabel(FrameAt(sample)); }
+
+  bool operator==(const SessionClock& other) const {
+    return sampleRate_ == other.sampleRate_ && code_ == other.code_;
+  }
+
+ private:
+  float sampleRate_;
+  std::int32_t code_;
+  std::int64_t microHertz_;  ///< the rate as an exact number, so that long sessions do not drift
+};
+
+}  // namespace velmora::host

@@ -1,0 +1,81 @@
+#include "Session/SessionJson.h"
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string_view>
+#include <unordered_map>
+
+namespace velmora::host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json SummaryJson(const SessionSummary& summary) {
+  return {{"tracks", summary.tracks},
+          {"regions", summary.regions},
+          {"files", summary.files},
+          {"first", summary.first},
+          {"end", summary.end}};
+}
+
+Json RegionJson(std::size_t index, const SessionRegion& region) {
+  return {{"index", index},
+          {"name", region.name},
+          {"path", region.path},
+          {"position", region.position},
+          {"length", region.length()},
+          {"start", region.start},
+          {"stop", region.stop},
+          {"stream", region.stream}};
+}
+
+Json PieceJson(const VisiblePiece& piece) {
+  return {{"region", piece.region}, {"position", piece.position}, {"end", piece.end}};
+}
+
+void WriteValue(std::ostream& out, const Json& value) {
+  out << value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// An array with one element a line. Only one element at a time is held as JSON, so that a long
+/// session costs no second copy of itself.
+template <class Elements, class ToJson>
+void WriteArray(std::ostream& out, const Elements& elements, ToJson toJson) {
+  std::string_view separator = "\n";
+  out << '[';
+  for (const auto& element : elements) {
+    out << separator << "        ";
+    WriteValue(out, toJson(element));
+    separator = ",\n";
+  }
+  out << (elements.empty() ? "]" : "\n      ]");
+}
+
+}  // namespace
+
+bool WriteSessionJson(const Session& session, std::ostream& out) {
+  std::unordered_map<std::int64_t, std::vector<std::size_t>> byTrack;
+  for (std::size_t i = 0; i < session.regions().size(); ++i) {
+    byTrack[session.regions()[i].track].push_back(i);
+  }
+
+  out << "{\n  \"summary\": ";
+  WriteValue(out, SummaryJson(session.Summary()));
+  out << ",\n  \"tracks\": [";
+  std::string_view separator = "\n";
+  for (const std::int64_t track : session.Tracks()) {
+    out << separator << "    {\n      \"track\": ";
+    WriteValue(out, track);
+    out << ",\n      \"regions\": ";
+    WriteArray(out, byTrack[track],
+               [&](std::size_t index) { return RegionJson(index, session.regions()[index]); });
+    out << ",\n      \"visible\": ";
+    WriteArray(out, session.Visible(track), PieceJson);
+    out << "\n    }";
+    separator = ",\n";
+  }
+  out << (session.Tracks().empty() ? "]\n}\n" : "\n  ]\n}\n");
+  return static_cast<bool>(out.flush());
+}
+
+}  // namespace velmora::host

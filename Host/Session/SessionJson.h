@@ -1,0 +1,22 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "Session/Session.h"
+
+namespace velmora::host {
+
+/// Writes a session as one JSON object:
+///
+///     summary   tracks, regions, files, first, end
+///     tracks    for each track in rising order
+///       track     from 0
+///       regions   in order of arrival: index, name, path, position, length, start, stop, stream
+///       visible   what is heard, in rising position: region (its index), position, end
+///
+/// Positions and lengths are in samples, ends exclusive. The output is valid UTF-8 whatever the
+/// names hold: bytes that are not become U+FFFD.
+/// @return false if the stream took not all of it
+[[nodiscard]] bool WriteSessionJson(const Session& session, std::ostream& out);
+
+}  // namespace velmora::host
