@@ -184,7 +184,7 @@ float AES31BWF::GetSampleAt(std::int32_t frame, std::uint32_t channel) {
 float AES31BWF::ReadSample() {
   std::uint32_t leftJustified = 0;
   for (std::uint32_t i = 0; stream != nullptr && i < format.bitsPerSample / 8U; ++i) {
-    leftJustified = leftJustified >> 8 | static_cast<std::uint32_t>(ReadByte(stream.get())) << 24;
+    leftJustified = AddSampleByte(leftJustified, ReadByte(stream.get()));
   }
   return SampleFromLeftJustified(leftJustified);
 }

@@ -19,19 +19,16 @@ inline float FullScale(std::uint32_t bits) {
   return static_cast<float>(static_cast<std::int32_t>(highest));
 }
 
-/// A sample left-justified in 32 bits as a float. 16 and 24 bits are exact.
-inline float SampleFromLeftJustified(std::uint32_t leftJustified) {
-  constexpr float kScale = 0x1p-31F;
-  return static_cast<float>(static_cast<std::int32_t>(leftJustified)) * kScale;
+/// Puts the next byte of a sample, which come in file order, on top of those before it. When all are
+/// there the sample stands left-justified; of more than four bytes only the last four count.
+constexpr std::uint32_t AddSampleByte(std::uint32_t leftJustified, std::uint8_t byte) {
+  return leftJustified >> 8 | static_cast<std::uint32_t>(byte) << 24;
 }
 
-/// Reads the `count` bytes of one sample; of more than four only the last four count.
-inline float DecodeSample(const std::uint8_t* bytes, std::size_t count) {
-  std::uint32_t leftJustified = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    leftJustified = leftJustified >> 8 | static_cast<std::uint32_t>(bytes[i]) << 24;
-  }
-  return SampleFromLeftJustified(leftJustified);
+/// A sample left-justified in 32 bits as a float. 16 and 24 bits are exact.
+constexpr float SampleFromLeftJustified(std::uint32_t leftJustified) {
+  constexpr float kScale = 0x1p-31F;
+  return static_cast<float>(static_cast<std::int32_t>(leftJustified)) * kScale;
 }
 
 /// The low `count` bytes of a sample, low byte first; behind the fourth the sign goes on.

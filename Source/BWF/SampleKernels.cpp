@@ -1,5 +1,7 @@
 #include "BWF/SampleKernels.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "BWF/SampleCodec.h"
@@ -19,16 +21,48 @@ std::size_t Count(std::size_t given) {
   return Known != 0 ? Known : given;
 }
 
-template <bool ApplyGain, std::size_t KnownSource, std::size_t KnownTarget>
-void ConvertBlock(const std::uint8_t* source, std::size_t givenSource, std::uint8_t* target,
-                  std::size_t givenTarget, std::size_t count, const Scaling& scaling) {
-  const std::size_t sourceBytes = Count<KnownSource>(givenSource);
-  const std::size_t targetBytes = Count<KnownTarget>(givenTarget);
+/// Left-justified samples from their bytes.
+template <std::size_t Known>
+void Decode(const std::uint8_t* source, std::size_t given, std::uint32_t* samples,
+            std::size_t count) {
+  const std::size_t bytes = Count<Known>(given);
   for (std::size_t i = 0; i < count; ++i) {
-    float value = DecodeSample(source + i * sourceBytes, sourceBytes);
+    std::uint32_t sample = 0;
+    for (std::size_t b = 0; b < bytes; ++b) sample = AddSampleByte(sample, source[i * bytes + b]);
+    samples[i] = sample;
+  }
+}
+
+template <bool ApplyGain>
+void Scale(const std::uint32_t* samples, std::int32_t* scaled, std::size_t count,
+           const Scaling& scaling) {
+  for (std::size_t i = 0; i < count; ++i) {
+    float value = SampleFromLeftJustified(samples[i]);
     if constexpr (ApplyGain) value = static_cast<float>(value * scaling.gain);
-    EncodeSample(Truncate<std::int32_t>(value * scaling.fullScale), target + i * targetBytes,
-                 targetBytes);
+    scaled[i] = Truncate<std::int32_t>(value * scaling.fullScale);
+  }
+}
+
+template <std::size_t Known>
+void Encode(const std::int32_t* samples, std::uint8_t* target, std::size_t given,
+            std::size_t count) {
+  const std::size_t bytes = Count<Known>(given);
+  for (std::size_t i = 0; i < count; ++i) EncodeSample(samples[i], target + i * bytes, bytes);
+}
+
+/// Three short loops over a stretch that stays in the nearest cache: the middle one, which does the
+/// arithmetic, is then free of bytes and can be vectorised.
+template <bool ApplyGain, std::size_t KnownSource, std::size_t KnownTarget>
+void ConvertBlock(const std::uint8_t* source, std::size_t sourceBytes, std::uint8_t* target,
+                  std::size_t targetBytes, std::size_t count, const Scaling& scaling) {
+  constexpr std::size_t kStretch = 512;
+  std::array<std::uint32_t, kStretch> samples;
+  std::array<std::int32_t, kStretch> scaled;
+  for (std::size_t done = 0; done < count; done += kStretch) {
+    const std::size_t n = std::min(kStretch, count - done);
+    Decode<KnownSource>(source + done * sourceBytes, sourceBytes, samples.data(), n);
+    Scale<ApplyGain>(samples.data(), scaled.data(), n, scaling);
+    Encode<KnownTarget>(scaled.data(), target + done * targetBytes, targetBytes, n);
   }
 }
 

@@ -30,8 +30,8 @@ constexpr Int WrapMultiply(Int a, Int b) {
 template <class Int, class Float>
 constexpr Int Truncate(Float value) {
   constexpr auto kLowest = static_cast<Float>(std::numeric_limits<Int>::min());
-  if (value >= kLowest && value < -kLowest) return static_cast<Int>(value);
-  return std::numeric_limits<Int>::min();
+  // A choice between two numbers, and one conversion behind it, lets loops of it be vectorised.
+  return static_cast<Int>(value >= kLowest && value < -kLowest ? value : kLowest);
 }
 
 }  // namespace velmora

@@ -1,0 +1,87 @@
+#include "BenchSupport.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <vector>
+
+#include "BWF/AES31BWF.h"
+
+namespace velmora::bench {
+namespace {
+
+/// A timestamp of 25 frames and 48 kHz.
+std::string Timestamp(std::int32_t frames) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%02d.%02d:%02d:%02d/0000", frames / 90000 % 24,
+                frames / 1500 % 60, frames / 25 % 60, frames % 25);
+  return text;
+}
+
+struct Folder {
+  Folder() : path((std::filesystem::temp_directory_path() / "velmora-bench-XXXXXX").string()) {
+    if (mkdtemp(path.data()) == nullptr) Fail("no temporary folder can be made");
+  }
+  ~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  std::string path;
+};
+
+}  // namespace
+
+const std::string& InputFolder() {
+  static const Folder folder;
+  return folder.path;
+}
+
+std::string WriteProject(std::int32_t cuts) {
+  std::string path = InputFolder() + "/cuts" + std::to_string(cuts) + ".adl";
+  std::ofstream file(path);
+  file << "<ADL>\n<PROJECT>\n(PROJ_TITLE) \"Benchmark\"\n</PROJECT>\n<SOURCE_INDEX>\n";
+  for (int i = 1; i <= 100; ++i) {
+    file << "(Index) " << i << " (F) \"URL:file://localhost/a/s" << i
+         << ".wav\" _ 00.00:00:00/0000 01.00:00:00/0000\n";
+  }
+  file << "</SOURCE_INDEX>\n<EVENT_LIST>\n";
+  for (std::int32_t i = 0; i < cuts; ++i) {
+    file << "(Entry) " << i + 1 << "\n (Cut) I " << i % 100 + 1 << " 1 " << i % 24 + 1 << ' '
+         << Timestamp(i % 1000) << ' ' << Timestamp(i * 10) << ' ' << Timestamp(i * 10 + 20)
+         << " _\n";
+    if (i % 4 == 0) {
+      file << " (Infade) 00.00:00,05/0000 LIN _ _ _\n (Rem) NAME \"clip " << i << "\"\n";
+    }
+  }
+  file << "</EVENT_LIST>\n</ADL>\n";
+  if (!file.flush()) Fail(path + " cannot be written");
+  return path;
+}
+
+std::string WriteNoise(std::int32_t bitDepth, std::int32_t megabytes) {
+  std::string path = InputFolder() + "/noise" + std::to_string(bitDepth) + "-" +
+                     std::to_string(megabytes) + ".wav";
+  if (std::filesystem::exists(path)) return path;
+  const std::int32_t frames = megabytes * 1000000 / (bitDepth / 8);
+  AES31BWF file(path.c_str(), 48000, 1, bitDepth, frames);
+  std::minstd_rand random(31);
+  std::vector<char> block(1000000);
+  for (char& byte : block) byte = static_cast<char>(random() >> 8);
+  for (std::int32_t i = 0; i < megabytes; ++i) {
+    std::fwrite(block.data(), 1, block.size(), file.stream.get());
+  }
+  file.CloseFile();
+  if (!file.IsValid() || file.WriteFailed()) Fail(path + " cannot be written");
+  return path;
+}
+
+void Fail(const std::string& what) {
+  std::fprintf(stderr, "velmora_bench: %s\n", what.c_str());
+  std::exit(1);
+}
+
+}  // namespace velmora::bench
