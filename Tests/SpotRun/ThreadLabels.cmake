@@ -1,0 +1,3 @@
+foreach(test IN LISTS spotrun_tests_TESTS)
+  set_tests_properties("${test}" PROPERTIES LABELS threads)
+endforeach()
