@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <system_error>
+#include <vector>
 
 #include "Program/ExitStatus.h"
 #include "Program/SessionFile.h"
@@ -171,6 +172,25 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
 
+/// Makes a folder and those above it, all or none. An empty answer, or what is wrong.
+std::string MakeFolder(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> made;
+  std::error_code error;
+  fs::path folder;
+  for (const fs::path& part : fs::path(path)) {
+    folder /= part;
+    if (!error && fs::create_directory(folder, error)) made.push_back(folder);
+  }
+  std::error_code ignored;
+  if (error == std::errc::file_exists || (!error && !fs::is_directory(path, ignored))) {
+    error = std::make_error_code(std::errc::not_a_directory);
+  }
+  if (!error) return {};
+  for (auto last = made.rbegin(); last != made.rend(); ++last) fs::remove(*last, ignored);
+  return "--copy-to: " + path + " cannot be made: " + error.message();
+}
+
 /// Takes over what the validators have let through; an empty answer, or what is wrong.
 std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::App& spot) {
   arguments.positionMode = kPositions.at(raw.position);
@@ -199,13 +219,7 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   if (spot.count("--copy-to") == 0) return {};
   if (raw.copyFolder.empty()) return "--copy-to: the name of the folder is empty";
   arguments.copyFolder = AbsolutePath(raw.copyFolder);
-  std::error_code error;
-  std::filesystem::create_directories(arguments.copyFolder, error);
-  if (!std::filesystem::is_directory(arguments.copyFolder)) {
-    const std::string cause = error ? error.message() : "it is no folder";
-    return "--copy-to: " + arguments.copyFolder + " cannot be made: " + cause;
-  }
-  return {};
+  return MakeFolder(arguments.copyFolder);
 }
 
 int Complain(const std::string& what, const char* command) {
