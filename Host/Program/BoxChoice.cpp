@@ -2,16 +2,20 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <string_view>
 
 namespace velmora::program {
 namespace {
 
-/// Takes a number off the front of the text.
-std::optional<std::int32_t> TakeNumber(std::string_view& text) {
-  std::int32_t number = 0;
+/// Takes a number off the front of the text; one beyond 64 bits counts as the nearest, which no
+/// project has.
+std::optional<std::int64_t> TakeNumber(std::string_view& text) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  std::int64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc()) return std::nullopt;
+  if (error == std::errc::invalid_argument) return std::nullopt;
+  if (error != std::errc()) number = text.front() == '-' ? Limits::min() : Limits::max();
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return number;
 }
@@ -28,9 +32,9 @@ std::optional<NumberSet> NumberSet::Parse(const std::string& text) {
   NumberSet numbers;
   std::string_view rest = text;
   do {
-    const std::optional<std::int32_t> first = TakeNumber(rest);
+    const std::optional<std::int64_t> first = TakeNumber(rest);
     if (!first) return std::nullopt;
-    std::optional<std::int32_t> last = first;
+    std::optional<std::int64_t> last = first;
     if (TakeCharacter(rest, '-')) last = TakeNumber(rest);
     if (!last || *last < *first) return std::nullopt;
     numbers.ranges_.emplace_back(*first, *last);

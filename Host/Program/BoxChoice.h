@@ -11,12 +11,12 @@ namespace velmora::program {
 /// Numbers and ranges of numbers, as in `1,3-5`. Numbers may be negative: `-3--1`.
 class NumberSet {
  public:
-  /// None if the text has another form, a number is beyond 32 bits, or a range runs down.
+  /// None if the text has another form or a range runs down.
   static std::optional<NumberSet> Parse(const std::string& text);
   bool Contains(std::int32_t number) const;
 
  private:
-  std::vector<std::pair<std::int32_t, std::int32_t>> ranges_;  ///< both ends included
+  std::vector<std::pair<std::int64_t, std::int64_t>> ranges_;  ///< both ends included
 };
 
 /// Which check boxes stay ticked.

@@ -53,8 +53,8 @@ void TextSpotReport::FileTrouble(const std::string& line) {
 
 void TextSpotReport::Start(const SpotOptions& options, std::int32_t steps) {
   SpotReport::Start(options, steps);
-  out_ << "Project   " << model_.numEvents << " events, " << Printable(model_.totalStartTime)
-       << " to " << Printable(model_.totalEndTime) << '\n'
+  out_ << "Project   " << Counted(model_.project->events.size(), "event") << ", "
+       << Printable(model_.totalStartTime) << " to " << Printable(model_.totalEndTime) << '\n'
        << "Session   " << clock_.SampleRate() << " Hz, " << clock_.Rate().name << " frames\n"
        << "Position  " << PositionText(options) << ", moved by " << options.timelineOffset
        << " samples\n"
@@ -94,8 +94,8 @@ void TextSpotReport::End(bool aborted) {
   }
   const host::SessionSummary summary = session_.Summary();
   const SpotTotals& totals = Totals();
-  out_ << (aborted ? "Stopped. " : "") << totals.regions << " regions placed on " << summary.tracks
-       << " tracks, " << totals.files << " files made";
+  out_ << (aborted ? "Stopped. " : "") << Counted(totals.regions, "region") << " placed on "
+       << Counted(summary.tracks, "track") << ", " << Counted(totals.files, "file") << " made";
   if (!session_.regions().empty()) {
     out_ << ".\nThe session spans " << clock_.Timecode(summary.first) << " to "
          << clock_.Timecode(summary.end);

@@ -69,6 +69,10 @@ std::string Printable(std::string_view text) {
   return line;
 }
 
+std::string Counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 void TextTable::Add(std::vector<std::string> cells, bool alarming) {
   for (std::string& cell : cells) cell = Printable(cell);
   rows_.push_back({std::move(cells), alarming});
