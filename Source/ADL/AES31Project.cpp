@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <utility>
 
@@ -89,8 +90,12 @@ bool AES31Project::LoadBlock() {
 
 bool AES31Project::FailAt(const AES31Section& section, const AES31Entry& entry,
                           std::string reason) {
-  failure = LoadFailure{LineAt(path_, entry.label - buffer), section.name, entry.label,
-                        std::move(reason)};
+  // Sections may come from a caller's own hands.
+  const std::less_equal<const char*> notBehind;
+  const bool fromFile = notBehind(buffer, entry.label) && notBehind(entry.label, bufferEnd);
+  failure = LoadFailure{fromFile ? LineAt(path_, entry.label - buffer) : 0,
+                        section.name != nullptr ? section.name : "",
+                        entry.label != nullptr ? entry.label : "", std::move(reason)};
   return false;
 }
 
@@ -142,7 +147,9 @@ void AES31Project::DumpProject() {
   }
   for (std::size_t i = 0; i < events.size(); ++i) {
     const AES31Event& event = events[i];
-    const AES31Cut cut = IsCut(event) ? event.cut : AES31Cut{};  // the others' fields end before
+    AES31Cut
+        cut;  // whatever the event is: the other kinds' fields end before the two that are shown
+    std::memcpy(&cut, &event.cut, sizeof cut);
     std::fprintf(stderr, "Event: %d: %s (%i), channel: %d\n", static_cast<int>(i),
                  Printable(event.label), cut.sourceIndex, cut.destChannel);
   }

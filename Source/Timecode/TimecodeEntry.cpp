@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "Timecode/Wrapping.h"
+
 namespace velmora {
 namespace {
 
@@ -64,7 +66,7 @@ void TimecodeValue::DigestString(const char* text) {
     newHours = std::clamp(newHours, 0, 23);
     newFrames = std::max(newFrames, 0);
   }
-  if (newFrames >= max_frames) newFrames = max_frames - 1;
+  if (newFrames >= max_frames) newFrames = WrapSubtract(max_frames, 1);
   if (sign) sgn = signCharacter == '-' ? -1 : 1;
 
   hours = newHours;
