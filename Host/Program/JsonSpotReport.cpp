@@ -71,7 +71,6 @@ void JsonSpotReport::End(bool aborted) {
          {"counted", totals.counted},
          {"regions", totals.regions},
          {"files", totals.files}});
-  out_.flush();
 }
 
 void JsonSpotReport::Log(const std::string& line) {

@@ -187,9 +187,9 @@ void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on)
   for (AES31Event& event : project->events) {
     if (!IsCut(event)) continue;
     const bool isOn = on(event.cut.destChannel);
-    if (trackEnable.Set(WrapSubtract(event.cut.destChannel, minTrack), isOn)) {
-      SetBox(event.trackOn, isOn);
-    }
+    // A track has its box even where the numbers span too much for the table to have rows.
+    trackEnable.Set(WrapSubtract(event.cut.destChannel, minTrack), isOn);
+    SetBox(event.trackOn, isOn);
   }
   setupEventList();
 }
