@@ -184,14 +184,16 @@ void ViewModel::SetTrackBox(std::int32_t row, bool on) {
 
 void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on) {
   if (spotRunning || project == nullptr) return;
+  bool edited = false;
   for (AES31Event& event : project->events) {
     if (!IsCut(event)) continue;
     const bool isOn = on(event.cut.destChannel);
     // A track has its box even where the numbers span too much for the table to have rows.
     trackEnable.Set(WrapSubtract(event.cut.destChannel, minTrack), isOn);
     SetBox(event.trackOn, isOn);
+    edited = true;
   }
-  setupEventList();
+  if (edited) setupEventList();
 }
 
 void ViewModel::SetEventBox(std::int32_t row, bool on) {
@@ -200,7 +202,7 @@ void ViewModel::SetEventBox(std::int32_t row, bool on) {
     return;
   }
   const std::int32_t index = ToInt32(eventNumbers[static_cast<std::size_t>(row)].c_str());
-  if (std::cmp_less(index, eventEnable.size())) {
+  if (index >= 0 && std::cmp_less(index, eventEnable.size())) {
     eventEnable[static_cast<std::size_t>(index)] = on ? EventBox::On : EventBox::Off;
   }
   AES31Event* const event = project->GetEvent(index);
