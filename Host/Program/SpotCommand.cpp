@@ -14,6 +14,7 @@
 #include "Program/SessionFile.h"
 #include "Program/SpotNotes.h"
 #include "Program/TextSpotReport.h"
+#include "Program/TextTable.h"
 #include "Spot/SpotRequest.h"
 #include "Timecode/AdlTime.h"
 #include "Timecode/Wrapping.h"
@@ -105,7 +106,7 @@ int RunSpotCommand(const SpotArguments& arguments) {
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
   const host::SessionClock clock(session.rate, session.frameRate);
-  const bool showsBar = isatty(STDERR_FILENO) != 0 && !arguments.quiet;
+  const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
   if (arguments.json) {
     report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);

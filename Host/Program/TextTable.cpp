@@ -41,10 +41,14 @@ std::uint32_t LeadBits(unsigned char lead) {
 
 }  // namespace
 
-bool ShowsColours(int descriptor) {
+bool IsTerminal(int descriptor) {
   const char* const terminal = std::getenv("TERM");
-  return isatty(descriptor) != 0 && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&
-         std::string_view(terminal) != "dumb";
+  return isatty(descriptor) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+bool ShowsColours(int descriptor) {
+  const char* const noColour = std::getenv("NO_COLOR");
+  return IsTerminal(descriptor) && (noColour == nullptr || *noColour == '\0');
 }
 
 std::size_t DisplayWidth(std::string_view utf8) {
@@ -93,8 +97,8 @@ std::string TextTable::Line(const std::vector<std::string>& cells,
   std::string line;
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const std::string padding(widths[i] - DisplayWidth(cells[i]), ' ');
-    line += columns_[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
     line += "  ";
+    line += columns_[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
   }
   line.erase(line.find_last_not_of(' ') + 1);
   return line;
@@ -104,11 +108,11 @@ void TextTable::Print(std::ostream& out, bool colours) const {
   const std::vector<std::size_t> widths = Widths();
   std::vector<std::string> headings;
   for (const Column& column : columns_) headings.push_back(column.heading);
-  out << "  " << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "")
+  out << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "")
       << '\n';
   for (const Row& row : rows_) {
     const bool red = colours && row.alarming;
-    out << "  " << (red ? kRed : "") << Line(row.cells, widths) << (red ? kPlain : "") << '\n';
+    out << (red ? kRed : "") << Line(row.cells, widths) << (red ? kPlain : "") << '\n';
   }
 }
 

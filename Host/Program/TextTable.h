@@ -8,7 +8,10 @@
 
 namespace velmora::program {
 
-/// True if the standard stream (1 or 2) is a terminal that shows colours.
+/// True if the standard stream (1 or 2) is a terminal that understands control sequences.
+bool IsTerminal(int descriptor);
+
+/// True if it is one on which colours are wanted: NO_COLOR is unset or empty.
 bool ShowsColours(int descriptor);
 
 /// Cells of a terminal that a UTF-8 text takes: East Asian wide characters take two.

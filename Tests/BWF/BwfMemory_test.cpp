@@ -1,0 +1,237 @@
+// What wave files make the program allocate. This program counts every operator new, and can make
+// the large ones fail.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <filesystem>
+#include <limits>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "ADL/AES31Event.h"
+#include "BWF/AES31BWF.h"
+#include "BWF/Renderers.h"
+#include "BwfReference.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/WaveBytes.h"
+
+namespace {
+
+constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> allocated{0};        // bytes in all since counting began
+std::atomic<std::size_t> failFrom{kNoLimit};  // a request of so many bytes fails
+
+void* Allocate(std::size_t size) noexcept {
+  allocated += size;
+  if (size >= failFrom) return nullptr;
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+void* AllocateOrThrow(std::size_t size) {
+  void* memory = Allocate(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+// The compiler takes a free of what a new gave for an error where it sees both at once.
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+void* operator new(std::size_t size) {
+  return AllocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+  return AllocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return Allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return Allocate(size);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+
+namespace velmora::test {
+namespace {
+
+using Ints = std::vector<std::int32_t>;
+
+// The bytes that `work` asks for, given back or not.
+template <class Work>
+std::size_t BytesFor(Work work) {
+  allocated = 0;
+  work();
+  return allocated;
+}
+
+// While it lives, requests of `size` bytes and more fail.
+class ScarceMemory {
+ public:
+  explicit ScarceMemory(std::size_t size) { failFrom = size; }
+  ~ScarceMemory() { failFrom = kNoLimit; }
+  ScarceMemory(const ScarceMemory&) = delete;
+  ScarceMemory& operator=(const ScarceMemory&) = delete;
+};
+
+class BwfMemory : public testing::Test {
+ protected:
+  TemporaryFolder folder;
+  const std::string target = folder.Path("target.wav");
+  static constexpr std::size_t kSmall = 64 * 1024;
+};
+
+TEST_F(BwfMemory, counterCounts) {
+  EXPECT_GE(BytesFor([] { std::vector<char> bytes(1000); }), 1000U);
+  ScarceMemory scarce(1000);
+  EXPECT_THROW(std::vector<char>(1000), std::bad_alloc);
+}
+
+struct ClaimRow {
+  const char* rule;
+  WaveBytes wave;
+};
+
+TEST_F(BwfMemory, sizeFieldsAloneAllocateNothing) {
+  const std::string samples = PcmBytes(16, {1, 2});
+  const WaveBytes good = WaveBytes().Format({}).Data(samples).RiffSize(0x7FFFFFFF);
+  for (const ClaimRow& row :
+       {ClaimRow{"unknownChunk", WaveBytes(good).Claim("LIST", 0x7FFFFFFF, "text")},
+        ClaimRow{"unknownChunkBelowTheForm", WaveBytes(good).Claim("LIST", 0x7FFFFF00, "text")},
+        ClaimRow{"history", WaveBytes(good).Claim("bext", 0x7FFFFFFF, BextBody({}) + "text")},
+        ClaimRow{"historyOfACutBext", WaveBytes(good).Claim("bext", 0x7FFFFFFF, "text")},
+        ClaimRow{"data", WaveBytes().Format({}).Claim("data", 0x7FFFFFFF, samples)},
+        ClaimRow{"format", WaveBytes()
+                               .Data(samples)
+                               .Claim("fmt ", 0x7FFFFFFF, FormatBody({}))
+                               .RiffSize(0x7FFFFFFF)},
+        ClaimRow{"negativeForm", WaveBytes().Format({}).Data(samples).RiffSize(0x80000000)}}) {
+    SCOPED_TRACE(row.rule);
+    const std::string path = folder.Write("claims.wav", row.wave.Bytes());
+    EXPECT_LT(BytesFor([&] {
+                AES31BWF file(path.c_str());
+                EXPECT_TRUE(file.IsValid());
+                file.GetSampleAt(0, 0);
+                file.GetSampleAt(1000000, 0);
+              }),
+              kSmall);
+  }
+}
+
+TEST_F(BwfMemory, keptChunksAllocateWhatTheFileHolds) {
+  WaveBytes wave = WaveBytes().Format({}).Data("abcd");
+  for (int i = 0; i < 50; ++i) wave.Chunk("LIST", std::string(10000, 'x'));
+  wave.Claim("LIST", 0x7FFFFFF0, std::string(10000, 'x')).RiffSize(0x7FFFFFFF);
+  const std::string path = folder.Write("kept.wav", wave.Bytes());
+  EXPECT_LT(BytesFor([&] { EXPECT_EQ(AES31BWF(path.c_str()).GetChunkCount(), 51U); }),
+            510000 + 2 * kSmall);
+}
+
+TEST_F(BwfMemory, copyOfTheSameDepthIsBounded) {
+  constexpr std::size_t kAudio = 32U << 20;
+  const std::string path =
+      folder.Write("large.wav", WaveBytes().Format({}).Data(std::string(kAudio, 'x')).Bytes());
+  AES31BWF large(path.c_str());
+  EXPECT_LT(BytesFor([&] { EXPECT_EQ(large.CopyTo(target.c_str(), -1), CopyDone); }), 4U << 20);
+  EXPECT_EQ(std::filesystem::file_size(target), kAudio + 44);
+  const std::string claims =
+      folder.Write("claims.wav", WaveBytes().Format({}).Data("abcd").RiffSize(0x7FFFFFFF).Bytes());
+  AES31BWF file(claims.c_str());
+  EXPECT_LT(BytesFor([&] { EXPECT_EQ(file.CopyTo(target.c_str(), -1), CopyDone); }), 4U << 20);
+}
+
+TEST_F(BwfMemory, conversionAndRenderersHoldNoMoreThanTheirBlocks) {
+  AES31BWF source(folder.Write("long.wav", PlainWave({}, Ints(1 << 20, 0x4000))).c_str());
+  AES31Event event{};
+  event.sourceFile = &source;
+  event.gain.present = true;
+  constexpr std::size_t kBlocks = 400 * 1024;
+  EXPECT_LT(BytesFor([&] { EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone); }), kBlocks);
+  EXPECT_LT(BytesFor([&] { EXPECT_NE(RenderGainFile(event, target.c_str()), nullptr); }), kBlocks);
+  EXPECT_LT(BytesFor([&] {
+              EXPECT_NE(RenderFadeFile(target.c_str(), &source, 1 << 20, true, 0), nullptr);
+            }),
+            kBlocks);
+}
+
+TEST_F(BwfMemory, writerAllocatesNothingForDeclaredFrames) {
+  EXPECT_LT(BytesFor([&] { AES31BWF file(target.c_str(), 48000, 2, 24, 300'000'000); }), kSmall);
+}
+
+TEST_F(BwfMemory, conversionWithoutMemoryGivesOneAndLeavesTheHeader) {
+  AES31BWF source(folder.Write("source.wav", PlainWave({}, {1, 2})).c_str());
+  {
+    AES31BWF file(target.c_str(), 48000, 1, 24, 2);
+    source.OpenAtData();
+    ScarceMemory scarce(30000);
+    EXPECT_EQ(source.ConvertInto(&file, false, 0.0), 1);
+  }
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, 2));
+  {
+    ScarceMemory scarce(50000);  // the first of the two buffers can be had
+    EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyFailed);
+  }
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, 2));
+  EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone);
+}
+
+TEST_F(BwfMemory, gainRendererWithoutMemoryGivesNullAndLeavesTheHeader) {
+  AES31BWF source(folder.Write("source.wav", PlainWave({}, {1, 2})).c_str());
+  AES31Event event{};
+  event.sourceFile = &source;
+  event.gain.present = true;
+  {
+    ScarceMemory scarce(30000);
+    EXPECT_EQ(RenderGainFile(event, target.c_str()), nullptr);
+  }
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 16, 2));
+}
+
+TEST_F(BwfMemory, copyOfTheSameDepthWithoutMemoryFailsWithAnEmptyTargetOrNeedsNone) {
+  const std::string bytes = PlainWave({}, Ints(100000, 7));
+  AES31BWF source(folder.Write("source.wav", bytes).c_str());
+  std::int32_t status = CopyDone;
+  {
+    ScarceMemory scarce(4000);
+    status = source.CopyTo(target.c_str(), -1);
+  }
+  EXPECT_TRUE(status == CopyDone || status == CopyFailed) << status;
+  EXPECT_TRUE(TemporaryFolder::Read(target) == (status == CopyDone ? bytes : ""));
+}
+
+TEST_F(BwfMemory, headerThatCannotBeHeldThrowsNothing) {
+  const std::string body(300000, 'x');
+  for (const WaveBytes& wave :
+       {WaveBytes().Chunk("LIST", body), WaveBytes().Bext({.history = body})}) {
+    const std::string path =
+        folder.Write("header.wav", WaveBytes(wave).Format({}).Data("abcd").Bytes());
+    ScarceMemory scarce(50000);
+    EXPECT_NO_THROW({
+      AES31BWF file(path.c_str());
+      file.GetSampleAt(0, 0);
+    });
+  }
+}
+
+}  // namespace
+}  // namespace velmora::test
