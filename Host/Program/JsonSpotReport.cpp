@@ -49,8 +49,9 @@ Json OptionsJson(const SpotOptions& options) {
 
 }  // namespace
 
+/// A script may follow a long run, so no line waits for the next.
 void JsonSpotReport::Write(const Json& line) {
-  out_ << JsonObjectWriter::Text(line) << '\n';
+  out_ << JsonObjectWriter::Text(line) << '\n' << std::flush;
 }
 
 void JsonSpotReport::Warning(const std::string& text) {
