@@ -63,6 +63,16 @@ std::string EnteredTimecode(const std::string& typed, bool isSigned) {
   return value.ComposeString();
 }
 
+/// Options as they are typed, without the library's notes on types and relations.
+class PlainFormatter : public CLI::Formatter {
+ public:
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (option->get_type_size() == 0) return {};
+    const std::string value = option->get_default_str();
+    return " " + option->get_type_name() + (value.empty() ? "" : " (" + value + ")");
+  }
+};
+
 CLI::Validator TimecodeForm(bool isSigned) {
   const std::string form = isSigned ? "[+-]HH:MM:SS:FF" : "HH:MM:SS:FF";
   return CLI::Validator(
@@ -72,7 +82,7 @@ CLI::Validator TimecodeForm(bool isSigned) {
         text = entered;
         return {};
       },
-      form);
+      "");
 }
 
 CLI::Validator NumberListForm() {
@@ -81,7 +91,7 @@ CLI::Validator NumberListForm() {
         if (NumberSet::Parse(text)) return {};
         return "'" + text + "' is no list of numbers and rising ranges such as 1,3-5";
       },
-      "LIST");
+      "");
 }
 
 std::optional<std::int32_t> FrameRateCodeOf(const std::string& text) {
@@ -100,7 +110,7 @@ CLI::Validator FrameRateForm() {
                "' is no frame rate; take a code from 0 to 7, or 24, 25, 29.97, 29.97df, 30, 30df "
                "or 23.976";
       },
-      "CODE");
+      "");
 }
 
 /// The texts of options that need more than a validator.
@@ -117,58 +127,75 @@ void AddBoxOptions(CLI::App& spot, RawOptions& raw) {
   auto* const skipTracks =
       spot.add_option("--skip-tracks", raw.skipTracks, "Tracks to leave out, by number: 1,3-5");
   auto* const onlyTracks =
-      spot.add_option("--only-tracks", raw.onlyTracks, "The only tracks to place, by number");
+      spot.add_option("--only-tracks", raw.onlyTracks, "The only tracks to place");
   auto* const skipEvents =
       spot.add_option("--skip-events", raw.skipEvents, "Events to leave out, by index from 0");
   auto* const onlyEvents =
-      spot.add_option("--only-events", raw.onlyEvents, "The only events to place, by index");
+      spot.add_option("--only-events", raw.onlyEvents, "The only events to place");
   for (CLI::Option* const option : {skipTracks, onlyTracks, skipEvents, onlyEvents}) {
-    option->check(NumberListForm());
+    option->type_name("LIST")->check(NumberListForm());
   }
   skipTracks->excludes(onlyTracks);
   skipEvents->excludes(onlyEvents);
 }
 
-void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
-  spot.add_option("project", arguments.project, "The ADL file")->required();
+void AddPlaceOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_option("--position", raw.position,
-                  "Where the project lands: as in the project, with --offset, with its first cut "
-                  "at --start, or with its first cut at 0")
-      ->check(CLI::IsMember({"project", "offset", "start", "first"}))
+                  "Where the project lands: where it has it,\nmoved by --offset, with its first "
+                  "cut at --start,\nor with its first cut at 0")
+      ->type_name("project|offset|start|first")
+      ->check(CLI::IsMember({"project", "offset", "start", "first"}).description(""))
       ->capture_default_str();
-  spot.add_option("--offset", arguments.offset, "Moves everything, with --position offset")
+  spot.add_option("--offset", arguments.offset, "For --position offset; without a sign it is +")
+      ->type_name("[+-]HH:MM:SS:FF")
       ->transform(TimecodeForm(true));
-  spot.add_option("--start", arguments.start, "Start of the first cut, with --position start")
+  spot.add_option("--start", arguments.start, "For --position start")
+      ->type_name("HH:MM:SS:FF")
       ->transform(TimecodeForm(false));
+  AddBoxOptions(spot, raw);
+}
+
+void AddAudioOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_option("--depth", arguments.bitDepth, "Bits per sample of the audio that is placed")
-      ->check(CLI::IsMember({16, 24}))
+      ->type_name("16|24")
+      ->check(CLI::IsMember({16, 24}).description(""))
       ->capture_default_str();
   spot.add_flag("--fades", arguments.fades, "Make fade and crossfade pieces");
   spot.add_flag("--gain", arguments.gain, "Make files with the project's gains in them");
   spot.add_option("--copy-to", raw.copyFolder,
-                  "Copy all audio into this folder, which is made if missing")
+                  "Copy all audio into this folder, which is\nmade if missing")
       ->type_name("DIR");
-  AddBoxOptions(spot, raw);
+}
+
+CLI::Validator SampleRateForm() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        double rate = 0;
+        const bool good = CLI::detail::lexical_cast(text, rate) && std::isfinite(rate) &&
+                          rate > 0 && std::isfinite(static_cast<float>(rate));
+        return good ? "" : "'" + text + "' is no sample rate in Hz";
+      },
+      "");
+}
+
+void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
+  spot.add_option("project", arguments.project, "The ADL file")->type_name("FILE")->required();
+  AddPlaceOptions(spot, arguments, raw);
+  AddAudioOptions(spot, arguments, raw);
   spot.add_option("--session-rate", raw.sessionRate,
-                  "The session's sample rate; default: that of the project's first cut")
+                  "The session's sample rate; otherwise that of\nthe project's first cut")
       ->type_name("HZ")
-      ->check(CLI::Validator(
-          [](std::string& text) -> std::string {
-            double rate = 0;
-            const bool good = CLI::detail::lexical_cast(text, rate) && std::isfinite(rate) &&
-                              rate > 0 && std::isfinite(static_cast<float>(rate));
-            return good ? "" : "'" + text + "' is no sample rate in Hz";
-          },
-          ""));
+      ->check(SampleRateForm());
   spot.add_option("--session-frame-rate", raw.frameRate,
-                  "The session's frame rate: a code from 0 to 7, or 24, 25, 29.97, 29.97df, 30, "
-                  "30df, 23.976; default: that of the project's first cut")
+                  "The session's frame rate: a code from 0 to 7, or\n24, 25, 29.97, 29.97df, 30, "
+                  "30df, 23.976;\notherwise that of the project's first cut")
+      ->type_name("CODE")
       ->check(FrameRateForm());
   spot.add_option("--host", raw.host,
-                  "Where the regions go; embedded:FILE.json also writes the session there")
+                  "Where the regions go; embedded:FILE.json also\nwrites the session there")
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
-  spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines on standard output");
+  spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines");
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
 
@@ -234,11 +261,13 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   app.footer(kExamples);
   app.set_version_flag("--version", "velmora " VELMORA_VERSION);
   app.require_subcommand(1);
-  app.get_formatter()->column_width(34);
+  const auto formatter = std::make_shared<PlainFormatter>();
+  formatter->column_width(30);
+  app.formatter(formatter);
 
   InfoArguments infoArguments;
   CLI::App* const info = app.add_subcommand("info", "Show what a project holds");
-  info->add_option("project", infoArguments.project, "The ADL file")->required();
+  info->add_option("project", infoArguments.project, "The ADL file")->type_name("FILE")->required();
   info->add_flag("--json", infoArguments.json, "As one JSON object on standard output");
 
   SpotArguments spotArguments;

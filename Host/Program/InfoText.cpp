@@ -102,6 +102,8 @@ void PrintInfoText(const InfoArguments& arguments, const ViewModel& model, std::
       model, "EventListTable", {"Space", "Event", "Type", "Track", "Ch", "In", "Out", "Name"},
       {{"On"}, {"Event"}, {"Type"}, {"Track", Align::Right}, {"Ch"}, {"In"}, {"Out"}, {"Name"}},
       out, colours);
+  if (!model.HasCuts())
+    out << "\nThere is no cut in this project, so no track and no event row is filled.\n";
   if (!model.errorMessage.empty()) out << '\n' << model.errorMessage << '\n';
 }
 

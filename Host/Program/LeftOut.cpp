@@ -40,7 +40,7 @@ const char* PassName(FilePass pass) {
     case FilePass::Depth:
       break;
   }
-  return "its copy";
+  return "the prepared copy of its audio";
 }
 
 const char* CopyCause(std::int32_t status) {

@@ -61,8 +61,9 @@ SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
 
 void PrintRemarks(const host::EmbeddedHost& embedded) {
   for (const host::Remark& remark : embedded.remarks()) {
-    std::cerr << "velmora: note: region " << embedded.session().regions()[remark.region].name
-              << ": " << remark.text << '\n';
+    std::cerr << "velmora: note: region of "
+              << Printable(embedded.session().regions()[remark.region].path) << ": " << remark.text
+              << '\n';
   }
 }
 

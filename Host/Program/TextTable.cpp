@@ -108,8 +108,7 @@ void TextTable::Print(std::ostream& out, bool colours) const {
   const std::vector<std::size_t> widths = Widths();
   std::vector<std::string> headings;
   for (const Column& column : columns_) headings.push_back(column.heading);
-  out << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "")
-      << '\n';
+  out << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "") << '\n';
   for (const Row& row : rows_) {
     const bool red = colours && row.alarming;
     out << (red ? kRed : "") << Line(row.cells, widths) << (red ? kPlain : "") << '\n';
