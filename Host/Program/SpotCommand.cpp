@@ -32,17 +32,17 @@ void SetBoxes(ViewModel& model, const SpotArguments& arguments) {
   }
 }
 
-SessionSettings SettingsFor(const SpotArguments& arguments, const ViewModel& model) {
-  SessionSettings settings = SettingsOfTimestamp(model.firstEvent);
-  settings.rate = arguments.sessionRate.value_or(settings.rate);
-  settings.frameRate = arguments.sessionFrameRate.value_or(settings.frameRate);
-  return settings;
+host::SessionRates RatesFor(const SpotArguments& arguments, const ViewModel& model) {
+  host::SessionRates rates = host::PresetFor(model.firstEvent);
+  rates.sampleRate = arguments.sessionRate.value_or(rates.sampleRate);
+  rates.frameRate = arguments.sessionFrameRate.value_or(rates.frameRate);
+  return rates;
 }
 
 SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
-                       const SessionSettings& session) {
+                       const host::SessionRates& session) {
   SpotOptions options;
-  options.sessionRate = Truncate<std::int32_t>(session.rate);
+  options.sessionRate = Truncate<std::int32_t>(session.sampleRate);
   options.positionMode = arguments.positionMode;
   options.frameRate = session.frameRate;
   options.doFades = arguments.fades ? 1 : 0;
@@ -68,9 +68,10 @@ void PrintRemarks(const host::EmbeddedHost& embedded) {
 }
 
 /// The run itself, told through the report.
-void Spot(const ViewModel& model, const SessionSettings& session, SpotOptions options,
+void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
           RegionHost& host, SpotReport& report) {
-  for (const std::string& alert : SpotWarnings(model.firstEvent, session.rate, session.frameRate)) {
+  for (const std::string& alert :
+       SpotWarnings(model.firstEvent, session.sampleRate, session.frameRate)) {
     report.Warning(alert);
   }
   for (const std::string& note : SpotNotes(model, session, options)) {
@@ -99,14 +100,14 @@ int RunSpotCommand(const SpotArguments& arguments) {
     return kLeftOut;
   }
   SetBoxes(model, arguments);
-  const SessionSettings session = SettingsFor(arguments, model);
+  const host::SessionRates session = RatesFor(arguments, model);
   const SpotOptions options = OptionsFor(arguments, model, session);
 
   host::EmbeddedHost embedded;
   MessageTap tap(embedded);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
-  const host::SessionClock clock(session.rate, session.frameRate);
+  const host::SessionClock clock(session.sampleRate, session.frameRate);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
   if (arguments.json) {

@@ -1,8 +1,5 @@
 #include "Program/SpotNotes.h"
 
-#include <array>
-#include <cstdio>
-
 #include "BWF/AES31BWF.h"
 #include "Session/SessionClock.h"
 #include "Spot/SpotWorker.h"
@@ -11,12 +8,6 @@
 
 namespace velmora::program {
 namespace {
-
-std::string Hertz(double rate) {
-  std::array<char, 40> text{};
-  std::snprintf(text.data(), text.size(), "%.10g Hz", rate);
-  return text.data();
-}
 
 /// The earliest of the cuts that the spot places, null if all are left out.
 const AES31Event* EarliestLiveCut(const ViewModel& model) {
@@ -39,22 +30,22 @@ std::string MoveText(std::int64_t samples, const SpotOptions& options) {
 
 }  // namespace
 
-std::vector<std::string> SpotNotes(const ViewModel& model, const SessionSettings& session,
+std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
                                    const SpotOptions& options) {
   std::vector<std::string> notes;
   const double projectRate = AdlSampleRate(model.firstEvent);
-  const double sessionRate = session.rate;
-  if (static_cast<float>(projectRate) != session.rate) {
+  const double sessionRate = session.sampleRate;
+  if (static_cast<float>(projectRate) != session.sampleRate) {
     notes.push_back("The project is at " +
-                    (projectRate > 0 ? Hertz(projectRate) : "no known sample rate") +
-                    ", the session at " + Hertz(sessionRate) + ".");
+                    (projectRate > 0 ? host::SampleRateName(projectRate) : "no known sample rate") +
+                    ", the session at " + host::SampleRateName(sessionRate) + ".");
   }
   const std::int64_t moved = Compensation(options, model.firstEvent);
   if (moved != 0) notes.push_back(MoveText(moved, options));
   const AES31Event* const first = EarliestLiveCut(model);
   if (!notes.empty() && first != nullptr) {
     const std::int64_t position = WrapAdd(AdlToSamples(first->cut.destIn), options.timelineOffset);
-    const host::SessionClock clock(session.rate, session.frameRate);
+    const host::SessionClock clock(session.sampleRate, session.frameRate);
     notes.push_back("The first region lands at sample " + std::to_string(position) + ", " +
                     clock.Timecode(position) + ".");
   }

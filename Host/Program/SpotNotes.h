@@ -6,14 +6,14 @@
 
 #include "GUI/ViewModel.h"
 #include "Program/LeftOut.h"
-#include "Program/SessionDefaults.h"
+#include "Session/SessionPreset.h"
 #include "Spot/SpotOptions.h"
 
 namespace velmora::program {
 
 /// What the system's alerts do not say, in plain words: both sample rates if they differ, by how
 /// many samples the session's timebase moves everything, and where the first region lands then.
-std::vector<std::string> SpotNotes(const ViewModel& model, const SessionSettings& session,
+std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
                                    const SpotOptions& options);
 
 /// Notes each ticked cut whose file is not plain PCM, and so reads as silence.

@@ -22,13 +22,13 @@ std::int64_t Saturate(Wide value) {
 }
 
 /// Adds the numbers that drop-frame timecode leaves out: two at each minute but every tenth.
-std::int64_t AddDroppedNumbers(std::int64_t frame, std::int32_t nominal) {
-  const std::int64_t perMinute = nominal * 60 - 2;
-  const std::int64_t perBlock = nominal * 600 - 18;
-  const std::int64_t blocks = frame / perBlock;
-  const std::int64_t rest = frame % perBlock;
+std::uint64_t AddDroppedNumbers(std::uint64_t frame, std::uint64_t nominal) {
+  const std::uint64_t perMinute = nominal * 60 - 2;
+  const std::uint64_t perBlock = nominal * 600 - 18;
+  const std::uint64_t blocks = frame / perBlock;
+  const std::uint64_t rest = frame % perBlock;
   // The first minute of ten keeps its numbers 0 and 1, and is two frames longer than the others.
-  const std::int64_t minutes = rest < 2 ? 0 : (rest - 2) / perMinute;
+  const std::uint64_t minutes = rest < 2 ? 0 : (rest - 2) / perMinute;
   return frame + 18 * blocks + 2 * minutes;
 }
 
@@ -54,18 +54,18 @@ std::int64_t SessionClock::FrameStart(std::int64_t frame) const {
 
 std::string SessionClock::FrameLabel(std::int64_t frame) const {
   const bool negative = frame < 0;
-  std::int64_t rest = frame == std::numeric_limits<std::int64_t>::min()
-                          ? std::numeric_limits<std::int64_t>::max()
-                          : std::abs(frame);
+  const auto bits = static_cast<std::uint64_t>(frame);
   const FrameRate& rate = Rate();
-  if (rate.dropFrame) rest = AddDroppedNumbers(rest, rate.nominal);
-  const std::int64_t frames = rest % rate.nominal;
-  const std::int64_t seconds = rest / rate.nominal;
-  char text[48];
-  std::snprintf(text, sizeof text, "%s%02lld:%02lld:%02lld%c%02lld", negative ? "-" : "",
-                static_cast<long long>(seconds / 3600), static_cast<long long>(seconds / 60 % 60),
-                static_cast<long long>(seconds % 60), rate.dropFrame ? ';' : ':',
-                static_cast<long long>(frames));
+  const auto nominal = static_cast<std::uint64_t>(rate.nominal);
+  std::uint64_t number = negative ? 0 - bits : bits;
+  if (rate.dropFrame) number = AddDroppedNumbers(number, nominal);
+  const std::uint64_t seconds = number / nominal;
+  char text[64];
+  std::snprintf(text, sizeof text, "%s%02llu:%02llu:%02llu%c%02llu", negative ? "-" : "",
+                static_cast<unsigned long long>(seconds / 3600),
+                static_cast<unsigned long long>(seconds / 60 % 60),
+                static_cast<unsigned long long>(seconds % 60), rate.dropFrame ? ';' : ':',
+                static_cast<unsigned long long>(number % nominal));
   return text;
 }
 

@@ -9,8 +9,6 @@ namespace velmora::host {
 /// One of the session's frame rates, by the host's code.
 struct FrameRate {
   const char* name;        ///< as a person reads it
-  char mark;               ///< frame-rate mark of a timestamp
-  char separator;          ///< of the frames in a timestamp
   std::int32_t nominal;    ///< frames that timecode counts to a second
   std::int32_t numerator;  ///< true frames per second, over `denominator`
   std::int32_t denominator;
@@ -19,14 +17,14 @@ struct FrameRate {
 
 /// By the host's code, 0 to 7.
 inline constexpr auto kFrameRates = std::to_array<FrameRate>({
-    {"30 (default)", '?', ':', 30, 30, 1, false},
-    {"24", '=', ':', 24, 24, 1, false},
-    {"25", '.', ':', 25, 25, 1, false},
-    {"29.97", ':', ':', 30, 30000, 1001, false},
-    {"29.97 drop", ':', ';', 30, 30000, 1001, true},
-    {"30", '|', ':', 30, 30, 1, false},
-    {"30 drop", '|', ';', 30, 30, 1, true},
-    {"23.976", '-', ':', 24, 24000, 1001, false},
+    {"30 (undeclared)", 30, 30, 1, false},
+    {"24", 24, 24, 1, false},
+    {"25", 25, 25, 1, false},
+    {"29.97", 30, 30000, 1001, false},
+    {"29.97 drop", 30, 30000, 1001, true},
+    {"30", 30, 30, 1, false},
+    {"30 drop", 30, 30, 1, true},
+    {"23.976", 24, 24000, 1001, false},
 });
 
 /// The timebase of the session: what its ruler counts in.

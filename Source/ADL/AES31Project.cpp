@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -73,10 +74,10 @@ bool AES31Project::LoadBlock() {
                      (errno == ENODEV ? "not a regular file" : std::strerror(errno)));
   }
   const std::int64_t fileSize = SizeOf(stream.get());
+  if (fileSize < 0) return FailWhole("the size of the file cannot be told");
+  constexpr std::int64_t kLargestBlock = std::numeric_limits<std::ptrdiff_t>::max();
+  if (fileSize >= kLargestBlock) return FailWhole("there is not enough memory for the file");
   const auto size = static_cast<std::size_t>(fileSize);
-  if (fileSize < 0 || std::cmp_not_equal(size, fileSize)) {
-    return FailWhole("the size of the file cannot be told");
-  }
   block_.reset(new (std::nothrow) char[size + 1]);
   if (block_ == nullptr) return FailWhole("there is not enough memory for the file");
   buffer = block_.get();

@@ -127,9 +127,14 @@ char* AdlScanner::ScanValues(AES31Entry& entry, char* at) {
 char* AdlScanner::ScanCountedValue(AES31Entry& entry, const Token& token) {
   char* parenthesis = token.end - 1;
   do {
+    while (!searched_.empty() && parenthesis == searched_.back().second) {
+      parenthesis = searched_.back().first;
+      searched_.pop_back();
+    }
     if (parenthesis == begin_) return nullptr;
     --parenthesis;
   } while (*parenthesis != ')');
+  searched_.emplace_back(parenthesis, token.end - 1);
   *parenthesis = '\0';
 
   const std::ptrdiff_t room = end_ - token.end;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "ADL/AES31Section.h"
@@ -50,6 +51,9 @@ class AdlScanner {
   char* const begin_;
   char* const end_;
   std::vector<std::vector<AES31Section>>& refLists_;
+  /// Stretches behind which backward searches found their ")", rising: none is left in them. They
+  /// keep the time of many searches in proportion to the block.
+  std::vector<std::pair<char*, char*>> searched_;
   std::vector<const char*>& comments_;
 };
 

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -49,8 +50,9 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
   if (source == nullptr || converted == nullptr) return 1;
   if (stream == nullptr || target->stream == nullptr) return 2;
 
-  // A declared count below 0 has no samples.
-  std::uint64_t left = static_cast<std::int64_t>(frames) > 0 ? frames * format.channels : 0;
+  // A declared count below 0 has no samples, and a target without bytes takes none.
+  const bool hasSamples = static_cast<std::int64_t>(frames) > 0 && conversion.TargetBytes() > 0;
+  std::uint64_t left = hasSamples ? frames * format.channels : 0;
   while (left > 0) {
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, blockSamples));
     if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return 2;
@@ -97,8 +99,13 @@ std::int32_t AES31BWF::CopyBytes(const char* targetPath) {
   return read && writeError == 0 ? CopyDone : CopyFailed;
 }
 
-/// The audio alone, in a new file of the other depth.
+/// The audio alone, in a new file of the other depth. A header can claim far more samples than its
+/// file has bytes: what no size field can hold is not begun.
 std::int32_t AES31BWF::CopyConverted(const char* targetPath, std::int32_t bitDepth) {
+  constexpr std::uint64_t kLargestDataBytes = std::numeric_limits<std::uint32_t>::max() - 1024;
+  const std::uint64_t frameBytes =
+      std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8, 1);
+  if (frames > kLargestDataBytes / std::max<std::uint64_t>(frameBytes, 1)) return CopyFailed;
   AES31BWF target(targetPath, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
   if (!target.IsValid()) return CopyTargetNotCreated;
   OpenAtData();

@@ -147,7 +147,9 @@ void AES31BWF::KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64
   chunks.push_back(std::move(chunk));
 }
 
-AES31BWF::~AES31BWF() { AES31BWF::CloseFile(); }
+AES31BWF::~AES31BWF() {
+  AES31BWF::CloseFile();
+}
 
 void AES31BWF::OpenAtData() {
   if (stream == nullptr) {

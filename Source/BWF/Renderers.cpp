@@ -12,11 +12,14 @@ bool IsReadable(AES31BWF* file) {
 }
 
 /// A new file in the format of `model`; null if it cannot be created, or if a length from the
-/// project is too long for a wave file's size fields, which would fill a disk with silence.
+/// project is too long for a wave file that can be read back: it would fill a disk with silence.
 std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, const char* path, std::int64_t frames) {
   constexpr std::int64_t kLargestDataBytes = std::numeric_limits<std::int32_t>::max();
-  const std::int64_t frameBytes = std::int64_t{model.GetBitsPerSample() / 8} * model.GetChannels();
-  if (frames > kLargestDataBytes / std::max<std::int64_t>(frameBytes, 1)) return nullptr;
+  // Bits are rounded up to bytes when they are written; a depth of 0 writes none, but takes the
+  // time.
+  const std::int64_t sampleBytes = std::max((model.GetBitsPerSample() + 7) / 8, 1U);
+  const std::int64_t frameBytes = sampleBytes * std::max(model.GetChannels(), 1U);
+  if (frames > kLargestDataBytes / frameBytes) return nullptr;
   auto target = std::make_unique<AES31BWF>(path, model.GetSampleRate(), model.GetChannels(),
                                            static_cast<std::int32_t>(model.GetBitsPerSample()),
                                            static_cast<std::int32_t>(frames));
