@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+// The objects that a plug-in host hands to the view, as far as the view uses them. The host owns
+// them and keeps them alive for as long as the view controller holds their addresses; the view
+// calls them on the main thread only, and never deletes them. They stand outside any namespace
+// because the host's shell and the view's Objective-C headers name them by forward declaration.
+
+// Answers for the session as a whole.
+class AAX_IController {
+ public:
+  virtual ~AAX_IController() = default;
+
+  // Stores the session's sample rate in Hz. The returned status is not looked at.
+  virtual std::int32_t GetSampleRate(float* sampleRate) const = 0;
+};
+
+// Answers for the session's clock.
+class AAX_ITransport {
+ public:
+  virtual ~AAX_ITransport() = default;
+
+  // Stores the session's frame-rate code (0 to 7 are known here) and a start offset, which this
+  // system does not use. The returned status is not looked at.
+  virtual std::int32_t GetTimeCodeInfo(std::int32_t* frameRate, std::int32_t* offset) const = 0;
+};
+
+// Held for the host, never called.
+class AAX_IEffectParameters {
+ public:
+  virtual ~AAX_IEffectParameters() = default;
+};
+
+// Held for the host, never called.
+class AAX_IViewContainer {
+ public:
+  virtual ~AAX_IViewContainer() = default;
+};
