@@ -1,0 +1,66 @@
+#include "Desktop/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace velmora::desktop {
+namespace {
+
+struct Parsed {
+  std::optional<int> status;
+  ShellOptions options;
+  std::string out;
+  std::string err;
+};
+
+Parsed Parse(const std::vector<std::string>& arguments) {
+  Parsed parsed;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  parsed.status = ParseCommandLine(arguments, parsed.options);
+  parsed.out = testing::internal::GetCapturedStdout();
+  parsed.err = testing::internal::GetCapturedStderr();
+  return parsed;
+}
+
+TEST(CommandLine, nothingOpensAnEmptyWindow) {
+  const Parsed parsed = Parse({});
+  EXPECT_EQ(parsed.status, std::nullopt);
+  EXPECT_TRUE(parsed.options.project.empty());
+  EXPECT_TRUE(parsed.options.bundle.empty());
+  EXPECT_TRUE(parsed.options.snapshot.empty());
+}
+
+TEST(CommandLine, pathsBecomeAbsolute) {
+  const Parsed parsed =
+      Parse({"a/../Demo.adl", "--snapshot", "x.png", "--bundle", "/opt/./Velmora.bundle"});
+  const std::string here = std::filesystem::current_path().string();
+  EXPECT_EQ(parsed.status, std::nullopt);
+  EXPECT_EQ(parsed.options.project, here + "/Demo.adl");
+  EXPECT_EQ(parsed.options.snapshot, here + "/x.png");
+  EXPECT_EQ(parsed.options.bundle, "/opt/Velmora.bundle");
+}
+
+TEST(CommandLine, bundleMayHaveOneDash) {
+  EXPECT_EQ(Parse({"-bundle", "/b"}).options.bundle, "/b");
+}
+
+TEST(CommandLine, helpEndsWithSuccessAndExamples) {
+  const Parsed parsed = Parse({"--help"});
+  EXPECT_EQ(parsed.status, 0);
+  EXPECT_NE(parsed.out.find("--snapshot"), std::string::npos);
+  EXPECT_NE(parsed.out.find("Examples:"), std::string::npos);
+}
+
+TEST(CommandLine, badUsageEndsWithOneAndAReason) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--nonsense"}, {"a.adl", "b.adl"}, {"--snapshot"}, {"--spot"}}) {
+    const Parsed parsed = Parse(arguments);
+    EXPECT_EQ(parsed.status, 1) << arguments[0];
+    EXPECT_FALSE(parsed.err.empty()) << arguments[0];
+  }
+}
+
+}  // namespace
+}  // namespace velmora::desktop
