@@ -5,6 +5,15 @@
 
 root=$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")
 
+# The tests and benchmarks are configured in the same build folder as the programs, so their libraries
+# are needed too.
+# shellcheck disable=SC2034  # used where this file is sourced
+program_packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
+# What the view needs to be built, shown and driven.
+# shellcheck disable=SC2034
+view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xdotool fonts-dejavu-core
+  fonts-ipafont-gothic)
+
 # Words to put before cmake: the build runs the test programs to list their tests.
 run_under=()
 

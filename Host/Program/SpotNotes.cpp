@@ -35,7 +35,9 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
   std::vector<std::string> notes;
   const double projectRate = AdlSampleRate(model.firstEvent);
   const double sessionRate = session.sampleRate;
-  if (static_cast<float>(projectRate) != session.sampleRate) {
+  if (projectRate != sessionRate && static_cast<float>(projectRate) == session.sampleRate) {
+    notes.push_back("The session's rate is the project's, as closely as a host tells it.");
+  } else if (projectRate != sessionRate) {
     notes.push_back("The project is at " +
                     (projectRate > 0 ? host::SampleRateName(projectRate) : "no known sample rate") +
                     ", the session at " + host::SampleRateName(sessionRate) + ".");

@@ -22,12 +22,8 @@ std::string FolderOf(const std::string& path) {
   return path.substr(0, path.rfind('/'));
 }
 
-/// Bytes of an open file, -1 if it cannot tell.
-std::int64_t SizeOf(std::FILE* stream) {
-  if (fseeko(stream, 0, SEEK_END) != 0) return -1;
-  const std::int64_t size = ftello(stream);
-  return fseeko(stream, 0, SEEK_SET) == 0 ? size : -1;
-}
+/// Short enough for a string to hold it without asking for memory.
+constexpr const char* kNoMemory = "out of memory";
 
 /// The line, from 1, on which a byte of a file stands; line ends are LF, CR LF or CR. The file is
 /// read again because the scanner has cut the block's own line ends away.
@@ -61,7 +57,7 @@ AES31Project::AES31Project(const char* path, const char* searchFolder, bool* ok)
     AES31Project::LinkEvents();
     *ok = true;
   } catch (const std::bad_alloc&) {
-    FailWhole("there is not enough memory for it");
+    FailWhole(kNoMemory);
   }
 }
 
@@ -73,13 +69,13 @@ bool AES31Project::LoadBlock() {
     return FailWhole(std::string("the file cannot be opened: ") +
                      (errno == ENODEV ? "not a regular file" : std::strerror(errno)));
   }
-  const std::int64_t fileSize = SizeOf(stream.get());
+  const std::int64_t fileSize = FileSize(stream.get());
   if (fileSize < 0) return FailWhole("the size of the file cannot be told");
   constexpr std::int64_t kLargestBlock = std::numeric_limits<std::ptrdiff_t>::max();
-  if (fileSize >= kLargestBlock) return FailWhole("there is not enough memory for the file");
+  if (fileSize >= kLargestBlock) return FailWhole(kNoMemory);
   const auto size = static_cast<std::size_t>(fileSize);
   block_.reset(new (std::nothrow) char[size + 1]);
-  if (block_ == nullptr) return FailWhole("there is not enough memory for the file");
+  if (block_ == nullptr) return FailWhole(kNoMemory);
   buffer = block_.get();
   bufferEnd = buffer + size;
   *bufferEnd = '\0';

@@ -30,11 +30,11 @@ void AES31Project::ReadSourceIndex(const AES31Section& section) {
 
 bool AES31Project::WalkSourceIndex(const AES31Section& section, Checks checks) {
   const bool checked = checks == Checks::On;
-  AES31SourceFile* source = nullptr;
+  bool indexSeen = false;
   AES31SourceFile record;
   std::int32_t number = 0;
   const auto store = [&] {
-    if (source != nullptr) sourceFiles[number] = record;
+    if (indexSeen) sourceFiles[number] = record;
   };
 
   for (const AES31Entry& entry : section.entries) {
@@ -44,8 +44,8 @@ bool AES31Project::WalkSourceIndex(const AES31Section& section, Checks checks) {
       if (checked && count == 0) return FailAt(section, entry, "Index has no number");
       number = count > 0 ? ToInt32(entry.values[0]) : 0;
       record = {};
-      source = &record;
-    } else if (source == nullptr) {
+      indexSeen = true;
+    } else if (!indexSeen) {
       std::fprintf(stderr, "Found unexpected entry: %s\n", entry.label);
     } else if (EqualsIgnoringCase(entry.label, "F")) {
       if (checked && count < 4) return FailAt(section, entry, "F needs at least 4 values");

@@ -40,14 +40,6 @@ void ReadBytes(std::FILE* stream, Bytes& bytes) {
   for (auto& byte : bytes) byte = static_cast<typename Bytes::value_type>(ReadByte(stream));
 }
 
-std::int64_t SizeOf(std::FILE* stream) {
-  const std::int64_t position = ftello(stream);
-  fseeko(stream, 0, SEEK_END);
-  const std::int64_t size = ftello(stream);
-  fseeko(stream, position, SEEK_SET);
-  return size;
-}
-
 /// A chunk's body, as much of it as the file holds.
 template <class Container>
 Container ReadBody(std::FILE* stream, std::int64_t size, std::int64_t bytesLeft) {
@@ -84,7 +76,7 @@ bool AES31BWF::Parse() {
 /// Goes from chunk to chunk by the sizes alone. No pad byte is skipped behind an odd size: files
 /// with one are not supported, and the writer makes none.
 void AES31BWF::WalkChunks() {
-  const std::int64_t fileSize = SizeOf(stream.get());
+  const std::int64_t fileSize = FileSize(stream.get());
   for (;;) {
     const auto identifier = ReadNumber<std::uint32_t>(stream.get());
     const auto size = ReadNumber<std::int32_t>(stream.get());

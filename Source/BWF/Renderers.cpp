@@ -7,8 +7,12 @@
 namespace velmora {
 namespace {
 
+/// False for a file that is no wave file, or that has gone since the project was loaded. An open
+/// one keeps its position.
 bool IsReadable(AES31BWF* file) {
-  return file != nullptr && file->IsValid();
+  if (file == nullptr || !file->IsValid()) return false;
+  if (file->stream == nullptr) file->OpenAtData();
+  return file->stream != nullptr;
 }
 
 /// A new file in the format of `model`; null if it cannot be created, or if a length from the

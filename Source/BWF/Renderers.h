@@ -18,8 +18,8 @@ std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* pa
 ///
 ///     rising  0, 1/L, ... (L-1)/L        falling  1, (L-1)/L, ... 1/L
 ///
-/// Frames outside the source are silent. Null if the file would have 2 GiB of samples or more, which
-/// no reader of this system takes.
+/// Frames outside the source are silent. Null if the file would have 2 GiB of samples or more,
+/// which no reader of this system takes.
 std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
                                          bool rising, std::int64_t first);
 

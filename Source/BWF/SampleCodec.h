@@ -19,8 +19,8 @@ inline float FullScale(std::uint32_t bits) {
   return static_cast<float>(static_cast<std::int32_t>(highest));
 }
 
-/// Puts the next byte of a sample, which come in file order, on top of those before it. When all are
-/// there the sample stands left-justified; of more than four bytes only the last four count.
+/// Puts the next byte of a sample, which come in file order, on top of those before it. When all
+/// are there the sample stands left-justified; of more than four bytes only the last four count.
 constexpr std::uint32_t AddSampleByte(std::uint32_t leftJustified, std::uint8_t byte) {
   return leftJustified >> 8 | static_cast<std::uint32_t>(byte) << 24;
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 #include <map>
+#include <new>
 #include <utility>
 
 #include "ADL/ShiftJis.h"
@@ -56,6 +57,17 @@ std::shared_ptr<AES31Project> OpenProject(const std::string& path, bool& ok) {
 }  // namespace
 
 bool ViewModel::LoadFile(const std::string& path) {
+  try {
+    return Load(path);
+  } catch (const std::bad_alloc&) {  // the view's event loop has no use for an exception
+    firstEvent = lastEvent = nullptr;
+    project.reset();
+    errorMessage = "File NG.";
+    return false;
+  }
+}
+
+bool ViewModel::Load(const std::string& path) {
   firstEvent = nullptr;  // they point into the project that goes now
   lastEvent = nullptr;
   project.reset();

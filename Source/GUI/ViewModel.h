@@ -78,6 +78,7 @@ class ViewModel {
   bool spotRunning = false;    ///< no box changes while this is set
 
  private:
+  bool Load(const std::string& path);
   void FillProjectInfomation();
   bool FindSpan();
   void FillTracks();

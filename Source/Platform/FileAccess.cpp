@@ -36,6 +36,11 @@ FileStream OpenRegularFile(const char* path) {
   return FileStream(stream);
 }
 
+std::int64_t FileSize(std::FILE* stream) {
+  struct stat facts {};
+  return fstat(fileno(stream), &facts) == 0 ? std::int64_t{facts.st_size} : -1;
+}
+
 FileStream CreateFile(const char* path) {
   constexpr mode_t kMode = 0666;  // less the user's mask
   const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, kMode);

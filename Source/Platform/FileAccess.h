@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 
@@ -13,6 +14,9 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 /// Opens a regular file for reading; null for anything else. Never blocks, not even on a FIFO.
 /// errno tells the reason of a null.
 FileStream OpenRegularFile(const char* path);
+
+/// Bytes of an open file, -1 if the system cannot tell.
+std::int64_t FileSize(std::FILE* stream);
 
 /// Creates a file for writing, or empties the one that is there; null if that fails. Never blocks.
 FileStream CreateFile(const char* path);

@@ -13,7 +13,7 @@ struct Receiver {
 };
 
 Receiver& TheReceiver() {
-  static Receiver receiver;
+  static Receiver& receiver = *new Receiver;  // outlives workers that log while the program ends
   return receiver;
 }
 

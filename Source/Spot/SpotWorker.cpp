@@ -1,6 +1,7 @@
 #include "Spot/SpotWorker.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "BWF/Renderers.h"
@@ -22,11 +23,17 @@ void SetRenderedFile(AES31Event& event, std::unique_ptr<AES31BWF> file) {
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer) {
   if (project.project == nullptr) return true;
-  if (options.copyFolder.empty()) options.copySource = 0;
-  ComputePosition(options, project.firstEvent);
-  if (!SpotPasses(project, options, host, observer).Run()) return false;
+  bool finished = false;
+  try {
+    if (options.copyFolder.empty()) options.copySource = 0;
+    ComputePosition(options, project.firstEvent);
+    if (!SpotPasses(project, options, host, observer).Run()) return false;
+    finished = true;
+  } catch (const std::bad_alloc&) {  // an exception that leaves a thread would end the whole host
+    observer.Log("out of memory");
+  }
   observer.Report(-1);
-  return true;
+  return finished;
 }
 
 void ReleaseRenderedFiles(AES31Project& project) {

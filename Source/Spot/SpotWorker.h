@@ -41,7 +41,9 @@ class SpotObserver {
 
 /// The whole of a spot: five passes over the events, in which files are made and regions sent, each
 /// up to 80 times. Failures are per event or piece, and the run goes on.
-/// @return false if the observer's abort ended it early, which leaves files and regions as they are
+/// @return false if it ended early, by the observer's abort or, with a last report all the same,
+/// for
+///         lack of memory; files and regions stay as they are
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer);
 

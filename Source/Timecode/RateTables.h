@@ -94,7 +94,7 @@ inline constexpr std::size_t kAsciiCodes = 128;
 inline constexpr auto kSampleRateByCode = [] {
   std::array<double, kAsciiCodes> rates{};
   for (const SampleRateMark& row : kSampleRateMarks) {
-    rates[static_cast<std::size_t>(row.mark)] = row.hz;
+    rates[static_cast<unsigned char>(row.mark)] = row.hz;
   }
   return rates;
 }();
