@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "Session/SessionSettings.h"
-
 namespace velmora::host {
 namespace {
 
@@ -67,23 +65,6 @@ TEST(SampleRateName, showsFractionsOnlyWhereThereAreAny) {
   EXPECT_EQ(SampleRateName(48000), "48000 Hz");
   EXPECT_EQ(SampleRateName(44055.944055944055), "44055.944 Hz");
   EXPECT_EQ(SampleRateName(44144.1), "44144.100 Hz");
-}
-
-TEST(SessionSettings, answerTheHostQueries) {
-  SessionSettings settings;
-  float rate = 0;
-  std::int32_t frameRate = -1;
-  std::int32_t offset = -1;
-  EXPECT_EQ(settings.GetSampleRate(&rate), 0);
-  EXPECT_EQ(settings.GetTimeCodeInfo(&frameRate, &offset), 0);
-  EXPECT_EQ(rate, 48000);
-  EXPECT_EQ(frameRate, 0);
-  EXPECT_EQ(offset, 0);
-  settings.SetRates({44100, 7});
-  settings.GetSampleRate(&rate);
-  settings.GetTimeCodeInfo(&frameRate, &offset);
-  EXPECT_EQ(rate, 44100);
-  EXPECT_EQ(frameRate, 7);
 }
 
 }  // namespace

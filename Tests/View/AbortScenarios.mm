@@ -1,0 +1,212 @@
+// A spot that is stopped, and what may be done before its worker has noticed.
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+#import "View/Checks.h"
+#import "View/Driver.h"
+#include "View/GatedHost.h"
+#import "View/Material.h"
+#import "View/Panels.h"
+#import "View/Scenarios.h"
+#import "View/Stage.h"
+
+namespace velmora::view {
+
+namespace {
+
+// A spot whose worker stands in the middle of its first region.
+GatedHost& StartSpot() {
+  GatedHost& gate = GatedHost::Install();
+  WatchIndicator();
+  PressSpot();
+  gate.WaitForArrival(1);
+  return gate;
+}
+
+void CheckIdle() {
+  Check("the button is back", NSInteger{0}, SpotTag());
+  Check("with its picture", "Spot_Off.png", SpotPicture());
+  Check("all eleven controls are free", std::vector<bool>(11, true), ControlsEnabled());
+  CheckTrue("the indicator stands still", !IsAnimating());
+}
+
+void AbortsBySecondPress() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 5, 1));
+  GatedHost& gate = StartSpot();
+  gate.LetThrough(1);
+  gate.WaitForArrival(2);
+  const double value = Indicator();
+  PressSpot();
+  CheckIdle();
+  Check("nothing counts", -1, Progress());
+  Check("the indicator's value stays", value, Indicator());
+  Check("the worker stands in its region still", 2, gate.Arrived());
+  Screenshot(Window(), "aborted");
+
+  gate.Open();
+  Pause(1.0);
+  Check("it goes no further", 2, gate.Arrived());
+  Check("regions already sent stay", std::size_t{2}, LandedRegions());
+  Check("nothing counts afterwards", -1, Progress());
+  CheckIdle();
+}
+
+void SpotsAgainAtOnce() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 5, 1));
+  GatedHost& gate = StartSpot();
+  PressSpot();
+  PressSpot();
+  Check("a new spot runs", NSInteger{1}, SpotTag());
+  Check("its counter is at the start", 0, Progress());
+  Pause(0.7);
+  Check("its worker waits for the old one", 1, gate.Arrived());
+  Check("its steps do not count yet", 0, Progress());
+  CheckTrue("the window lives", Ask([] { return [Window() isVisible] == YES; }));
+
+  gate.Open();
+  WaitFor("the new spot has come to its end", [] { return [[Controller() spotButton] tag] == 0; });
+  WaitFor("one region of the old and all of the new have landed",
+          [] { return [[Timeline() timeline] model].Regions().size() == 6; });
+  CheckIdle();
+  Check("no more were sent", 6, gate.Arrived());
+}
+
+void AbortsAndSpotsManyTimes() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 40, 4));
+  // Not held back: each abort meets its worker wherever it is.
+  for (int i = 0; i < 30; ++i) {
+    OnMain([] { [Controller() DoSpot:nil]; });
+    if (i % 3 == 0) Pause(0.01);
+  }
+  if (SpotTag() == 1) OnMain([] { [Controller() DoSpot:nil]; });
+  CheckIdle();
+  const std::size_t before = LandedRegions();
+  OnMain([] { [Controller() DoSpot:nil]; });
+  WaitFor("the last spot has come to its end", [] { return [[Controller() spotButton] tag] == 0; });
+  WaitFor("all its regions have landed",
+          [&] { return [[Timeline() timeline] model].Regions().size() >= before + 40; });
+  CheckIdle();
+}
+
+void LoadsDuringGap() {
+  const test::TemporaryFolder folder;
+  const std::string other = SimpleProject(folder, 2, 2, "other.adl");
+  StartShellWith(SimpleProject(folder, 5, 1));
+  Choose([Controller() depthMatrix], 0);  // so that every event has a file of its own
+  GatedHost& gate = StartSpot();
+  PressSpot();
+  LoadPath(other);
+  Check("the new project stands", NSInteger{2}, Rows(EventTable()));
+  LoadPath(folder.Path("missing.adl"));
+  Check("a failed load too", "File NG.", Message());
+  LoadPath(other);
+  gate.LetThrough(1);
+  Pause(0.5);
+  Check("the old worker has stopped", 1, gate.Arrived());
+  PressSpot();
+  gate.Open();
+  WaitFor("the new project is spotted", [] {
+    return
+        [[Controller() spotButton] tag] == 0 && [[Timeline() timeline] model].Regions().size() == 3;
+  });
+  CheckIdle();
+}
+
+void LoadsAndSpotsDuringGap() {
+  const test::TemporaryFolder folder;
+  const std::string other = SimpleProject(folder, 2, 2, "other.adl");
+  StartShellWith(SimpleProject(folder, 5, 1));
+  GatedHost& gate = StartSpot();
+  PressSpot();
+  LoadPath(other);
+  PressSpot();
+  Pause(0.5);
+  Check("the new worker waits for the old one", 1, gate.Arrived());
+  gate.Open();
+  WaitFor("the new project is spotted", [] {
+    return
+        [[Controller() spotButton] tag] == 0 && [[Timeline() timeline] model].Regions().size() == 3;
+  });
+  CheckIdle();
+}
+
+// The action leaves the button for the user.
+void CancelsByControl() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 5, 1));
+  GatedHost& gate = StartSpot();
+  const std::int32_t progress = Progress();
+  OnMain([] { [Controller() SpotCancelButton_Click:nil]; });
+  Check("the button stays", NSInteger{1}, SpotTag());
+  Check("with its picture", "Cancel_Off.png", SpotPicture());
+  Check("the controls are free", std::vector<bool>(11, true), ControlsEnabled());
+  CheckTrue("the indicator goes on", IsAnimating());
+  gate.Open();
+  Pause(0.7);
+  Check("the worker stops", 1, gate.Arrived());
+  Check("the counter is left alone", progress, Progress());
+  Check("the button stays all the same", NSInteger{1}, SpotTag());
+
+  PressSpot();
+  CheckIdle();
+  Check("the first press brings the button back", -1, Progress());
+  Check("and starts nothing", 1, gate.Arrived());
+  PressSpot();
+  WaitFor("the second press spots", [] {
+    return
+        [[Controller() spotButton] tag] == 0 && [[Timeline() timeline] model].Regions().size() == 6;
+  });
+  CheckIdle();
+}
+
+// What the process does when it ends, told by the process itself.
+GatedHost* gateAtExit = nullptr;
+bool openedBeforeExit = false;
+
+void CheckExit() {
+  CheckTrue("the program waited for the worker", openedBeforeExit);
+  Check("the worker went no further", 1, gateAtExit->Arrived());
+  _exit(FailureCount() == 0 ? 0 : 1);
+}
+
+void ClosesWindowDuringSpot() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 5, 1));
+  gateAtExit = &StartSpot();
+  std::atexit(CheckExit);
+  KeyUnanswered("alt+F4");
+  Pause(1.0);
+  openedBeforeExit = true;
+  gateAtExit->Open();
+  Pause(30);
+  CheckTrue("closing the window ends the program", false);
+}
+
+void ClosesWindow() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 5, 1));
+  std::atexit([] { _exit(FailureCount() == 0 ? 0 : 1); });
+  PostToMain([] { [Window() performClose:nil]; });
+  Pause(30);
+  CheckTrue("closing the window ends the program", false);
+}
+
+}  // namespace
+
+std::vector<Scenario> AbortScenarios() {
+  return {{"aborts", AbortsBySecondPress},
+          {"spots-again", SpotsAgainAtOnce},
+          {"spots-many-times", AbortsAndSpotsManyTimes},
+          {"loads-in-gap", LoadsDuringGap},
+          {"loads-and-spots-in-gap", LoadsAndSpotsDuringGap},
+          {"cancels", CancelsByControl},
+          {"closes", ClosesWindow},
+          {"closes-during-spot", ClosesWindowDuringSpot}};
+}
+
+}  // namespace velmora::view

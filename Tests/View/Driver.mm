@@ -1,0 +1,256 @@
+#import "View/Driver.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "View/Checks.h"
+
+using Work = std::function<void()>;
+
+// One piece of work on its way to the main thread.
+@interface MainThreadWork : NSObject {
+ @public
+  void* work;  // a Work, owned
+}
+- (void)run:(id)nothing;
+@end
+
+@implementation MainThreadWork
+
+- (void)dealloc {
+  delete static_cast<Work*>(work);
+  [super dealloc];
+}
+
+- (void)run:(id)nothing {
+  (*static_cast<Work*>(work))();
+}
+
+@end
+
+namespace velmora::view {
+
+namespace {
+
+// A press and a release that come together are no click to the toolkit, and two clicks on one place
+// within this time are a double click.
+constexpr double kHoldSeconds = 0.04;
+constexpr double kDoubleClickSeconds = 0.9;
+
+struct ScreenPoint {
+  int x = 0;
+  int y = 0;
+};
+
+ScreenPoint lastClick;
+std::chrono::steady_clock::time_point lastClickTime;
+
+void Send(std::function<void()> work, BOOL wait) {
+  NSAutoreleasePool* pool = [NSAutoreleasePool new];
+  MainThreadWork* item = [[MainThreadWork new] autorelease];
+  item->work = new Work(std::move(work));
+  [item performSelectorOnMainThread:@selector(run:)
+                         withObject:nil
+                      waitUntilDone:wait
+                              modes:[NSArray arrayWithObjects:NSDefaultRunLoopMode,
+                                                              NSModalPanelRunLoopMode,
+                                                              NSEventTrackingRunLoopMode, nil]];
+  [pool release];
+}
+
+void RunXdotool(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "xdotool");
+  std::vector<char*> raw;
+  for (std::string& argument : arguments) raw.push_back(argument.data());
+  raw.push_back(nullptr);
+  pid_t process = 0;
+  int status = posix_spawnp(&process, "xdotool", nullptr, nullptr, raw.data(), environ);
+  if (status == 0) {
+    int waited = -1;
+    do {
+      waited = waitpid(process, &status, 0);
+    } while (waited < 0 && errno == EINTR);
+    // The toolkit waits for any child that it hears of: the end of this one may have been told
+    // there. It has ended all the same.
+    if (waited < 0) status = 0;
+  }
+  if (status != 0) {
+    Report(false, "xdotool " + arguments[1], "status 0", Shown(status));
+    throw ScenarioFailed();
+  }
+}
+
+ScreenPoint PlaceOnScreen(NSView* view, NSPoint point) {
+  return Ask([&] {
+    const NSPoint inWindow = [view convertPoint:point toView:nil];
+    const NSPoint onScreen = [[view window] convertBaseToScreen:inWindow];
+    const CGFloat height = NSHeight([[NSScreen mainScreen] frame]);
+    ScreenPoint place;
+    place.x = static_cast<int>(std::floor(onScreen.x));
+    place.y = static_cast<int>(std::floor(height - onScreen.y));
+    return place;
+  });
+}
+
+void MoveTo(ScreenPoint place) {
+  RunXdotool({"mousemove", std::to_string(place.x), std::to_string(place.y)});
+  Pause(kHoldSeconds);
+}
+
+// The main thread has seen the press before the release comes, however busy the machine is.
+void Press() {
+  RunXdotool({"mousedown", "1"});
+  Pause(kHoldSeconds);
+  OnMain([] {});
+  Pause(kHoldSeconds);
+}
+
+void Release() {
+  RunXdotool({"mouseup", "1"});
+  Pause(kHoldSeconds);
+  OnMain([] {});
+}
+
+}  // namespace
+
+void OnMain(const std::function<void()>& work) {
+  Send(work, YES);
+}
+
+void PostToMain(std::function<void()> work) {
+  Send(std::move(work), NO);
+}
+
+void WakeMain() {
+  OnMain([] {
+    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0];
+    [NSApp postEvent:event atStart:NO];
+  });
+}
+
+void Click(NSView* view, NSRect place) {
+  const ScreenPoint point = PlaceOnScreen(view, NSMakePoint(NSMidX(place), NSMidY(place)));
+  const bool samePlace = std::abs(point.x - lastClick.x) < 8 && std::abs(point.y - lastClick.y) < 8;
+  const std::chrono::duration<double> since = std::chrono::steady_clock::now() - lastClickTime;
+  if (samePlace && since.count() < kDoubleClickSeconds) {
+    Pause(kDoubleClickSeconds - since.count());
+  }
+  MoveTo(point);
+  Press();
+  Release();
+  lastClick = point;
+  lastClickTime = std::chrono::steady_clock::now();
+}
+
+void Click(NSView* view) {
+  const NSRect bounds = Ask([&] { return [view bounds]; });
+  Click(view, bounds);
+}
+
+void Drag(NSView* view, NSPoint from, NSPoint to) {
+  const ScreenPoint start = PlaceOnScreen(view, from);
+  const ScreenPoint end = PlaceOnScreen(view, to);
+  MoveTo(start);
+  Press();
+  constexpr int kSteps = 6;
+  for (int i = 1; i <= kSteps; ++i) {
+    ScreenPoint between;
+    between.x = start.x + (end.x - start.x) * i / kSteps;
+    between.y = start.y + (end.y - start.y) * i / kSteps;
+    MoveTo(between);
+  }
+  Pause(kHoldSeconds);
+  Release();
+}
+
+void TurnWheel(NSView* view, NSPoint place, int notches) {
+  MoveTo(PlaceOnScreen(view, place));
+  const std::string button = notches > 0 ? "4" : "5";
+  for (int i = 0; i < std::abs(notches); ++i) {
+    RunXdotool({"click", button});
+    Pause(kHoldSeconds);
+    OnMain([] {});
+  }
+}
+
+void Key(const std::string& name) {
+  KeyUnanswered(name);
+  OnMain([] {});
+}
+
+void KeyUnanswered(const std::string& name) {
+  RunXdotool({"key", name});
+  Pause(kHoldSeconds);
+}
+
+void Keys(std::initializer_list<const char*> names) {
+  for (const char* name : names) Key(name);
+}
+
+void SendCharacters(NSWindow* window, NSString* characters) {
+  OnMain([&] {
+    NSEvent* event = [NSEvent keyEventWithType:NSKeyDown
+                                      location:NSZeroPoint
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:[window windowNumber]
+                                       context:nil
+                                    characters:characters
+                   charactersIgnoringModifiers:characters
+                                     isARepeat:NO
+                                       keyCode:0];
+    [window sendEvent:event];
+  });
+}
+
+void Pause(double seconds) {
+  std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+NSBitmapImageRep* DrawnPixels(NSView* view) {
+  [[view window] display];
+  [view lockFocus];
+  NSBitmapImageRep* pixels = [[NSBitmapImageRep alloc] initWithFocusedViewRect:[view visibleRect]];
+  [view unlockFocus];
+  return pixels;
+}
+
+void Screenshot(NSWindow* window, const std::string& name) {
+  const std::string path = std::string(VELMORA_SCREENSHOTS) + "/" + name + ".png";
+  std::filesystem::create_directories(VELMORA_SCREENSHOTS);
+  const bool written = Ask([&] {
+    NSBitmapImageRep* pixels = [DrawnPixels([window contentView]) autorelease];
+    NSData* png = [pixels representationUsingType:NSPNGFileType
+                                       properties:[NSDictionary dictionary]];
+    return png != nil && [png writeToFile:StringOf(path) atomically:YES];
+  });
+  CheckTrue("screenshot " + name + ".png is written", written);
+}
+
+NSString* StringOf(const std::string& text) {
+  return [NSString stringWithUTF8String:text.c_str()];
+}
+
+std::string TextOf(NSString* string) {
+  const char* text = [string UTF8String];
+  return text != nullptr ? text : "";
+}
+
+}  // namespace velmora::view

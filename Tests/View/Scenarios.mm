@@ -1,0 +1,18 @@
+#include "View/Scenarios.h"
+
+namespace velmora::view {
+
+const std::vector<Scenario>& AllScenarios() {
+  static const std::vector<Scenario> all = [] {
+    std::vector<Scenario> scenarios;
+    for (const auto& part :
+         {LoadingScenarios(), TroubleScenarios(), TableScenarios(), EntryScenarios(),
+          SpotScenarios(), AbortScenarios(), ShellScenarios(), ProgramScenarios()}) {
+      scenarios.insert(scenarios.end(), part.begin(), part.end());
+    }
+    return scenarios;
+  }();
+  return all;
+}
+
+}  // namespace velmora::view
