@@ -7,12 +7,12 @@
 namespace velmora {
 namespace {
 
-/// False for a file that is no wave file, or that has gone since the project was loaded. An open
-/// one keeps its position.
-bool IsReadable(AES31BWF* file) {
+/// False for a file that is no wave file, or from which frames are wanted and which has gone since
+/// the project was loaded. An open one keeps its position.
+bool IsReadable(AES31BWF* file, std::int64_t frames) {
   if (file == nullptr || !file->IsValid()) return false;
-  if (file->stream == nullptr) file->OpenAtData();
-  return file->stream != nullptr;
+  if (file->stream == nullptr && frames > 0) file->OpenAtData();
+  return file->stream != nullptr || frames <= 0;
 }
 
 /// A new file in the format of `model`; null if it cannot be created, or if a length from the
@@ -47,7 +47,7 @@ std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
 }  // namespace
 
 std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path) {
-  if (!event.gain.present || !IsReadable(event.sourceFile)) return nullptr;
+  if (!event.gain.present || !IsReadable(event.sourceFile, 1)) return nullptr;
   const double factor = std::pow(10.0, event.gain.gainDb / 20.0);
   AES31BWF& source = *event.sourceFile;
   source.OpenAtData();
@@ -66,7 +66,7 @@ std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* pa
 
 std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
                                          bool rising, std::int64_t first) {
-  if (!IsReadable(source)) return nullptr;
+  if (!IsReadable(source, length)) return nullptr;
   std::unique_ptr<AES31BWF> target = CreateLike(*source, path, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);
@@ -85,7 +85,7 @@ std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std
 std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
                                               std::int64_t firstIncoming, std::int64_t length) {
-  if (!IsReadable(outgoing) || !IsReadable(incoming)) return nullptr;
+  if (!IsReadable(outgoing, length) || !IsReadable(incoming, length)) return nullptr;
   std::unique_ptr<AES31BWF> target = CreateLike(*outgoing, path, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);

@@ -73,7 +73,6 @@ void FillsTimeline() {
                .find("23 regions on 4 tracks") != std::string::npos;
   });
   Screenshot(Window(), "timeline");
-  Screenshot(Window(), "readme");
 
   const NSRect region = PlaceOf(0, 0);
   Click(Lanes(), region);
