@@ -25,6 +25,7 @@ constexpr CGFloat kBarHeight = 44;
 constexpr CGFloat kStatusHeight = 26;
 constexpr CGFloat kDividerHeight = 7;
 constexpr CGFloat kTimelineHeight = 300;
+constexpr CGFloat kUsualTimelineHeight = 224;  // four tracks
 constexpr CGFloat kLeastTimelineHeight = 120;
 constexpr CGFloat kLeastViewHeight = 620;  // below it the view's parts lie over each other
 constexpr CGFloat kLeastWidth = 980;
@@ -235,7 +236,9 @@ constexpr CGFloat kUsualWidth = 1120;
   [split setVertical:NO];
   [split setDelegate:(id)self];
   const CGFloat room = middle - [split dividerThickness];
-  const CGFloat below = std::max(kLeastTimelineHeight, room - NSHeight([[view view] frame]));
+  const CGFloat wanted = std::max(kUsualTimelineHeight, room - NSHeight([[view view] frame]));
+  const CGFloat below =
+      std::max(kLeastTimelineHeight, std::min(wanted, room - kLeastViewHeight));
   pane = [[TimelinePane alloc] initWithFrame:NSMakeRect(0, 0, width, below)];
   [[view view] setFrame:NSMakeRect(0, 0, width, room - below)];
   [split addSubview:[view view]];
