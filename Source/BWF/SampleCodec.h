@@ -33,11 +33,12 @@ constexpr float SampleFromLeftJustified(std::uint32_t leftJustified) {
 
 /// The low `count` bytes of a sample, low byte first; behind the fourth the sign goes on.
 inline void EncodeSample(std::int32_t sample, std::uint8_t* bytes, std::size_t count) {
-  std::int64_t rest = sample;
-  for (std::size_t i = 0; i < count; ++i) {
-    bytes[i] = static_cast<std::uint8_t>(rest & 0xFF);
-    rest >>= 8;
+  constexpr std::size_t kSampleBytes = sizeof sample;
+  const auto bits = static_cast<std::uint32_t>(sample);
+  for (std::size_t i = 0; i < count && i < kSampleBytes; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(bits >> (8 * i));
   }
+  for (std::size_t i = kSampleBytes; i < count; ++i) bytes[i] = sample < 0 ? 0xFF : 0;
 }
 
 }  // namespace velmora
