@@ -135,6 +135,9 @@ std::vector<RulerTick> SampleTicks(const TimeScale& scale, const host::SessionCl
 std::vector<RulerTick> RulerTicks(const TimeScale& scale, const host::SessionClock& clock,
                                   double width, double spacing) {
   if (!(width > 0) || !(spacing > 0)) return {};
+  // Beyond what a double holds exactly, thousands of years out, no tick could be put in its place.
+  constexpr std::int64_t kFarthest = std::int64_t{1} << 53;
+  if (scale.ToSample(0) < -kFarthest || scale.ToSample(width) > kFarthest) return {};
   const host::FrameRate& rate = clock.Rate();
   const double samplesPerFrame =
       static_cast<double>(clock.SampleRate()) * rate.denominator / rate.numerator;
