@@ -61,6 +61,7 @@ int main(int argc, char** argv) {
 
   NSAutoreleasePool* pool = [NSAutoreleasePool new];
   HideArguments(argv);
+  [SignalWatch start];  // before any thread is there to take a signal the toolkit's way
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
   [[NSUserDefaults standardUserDefaults] registerDefaults:[DesktopTheme userDefaults]];
   Connect();
@@ -75,7 +76,6 @@ int main(int argc, char** argv) {
   const BOOL open = [shell openWindow];
   [opening release];
   if (!open) return kNoWindow;
-  [SignalWatch start];
   [NSApp run];
   [pool release];
   return 0;
