@@ -7,6 +7,7 @@
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
+#include "Spot/EventFiles.h"
 #include "BWF/SampleKernels.h"
 #include "BenchSupport.h"
 

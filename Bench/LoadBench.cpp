@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "BenchSupport.h"
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 
 namespace velmora::bench {
 namespace {

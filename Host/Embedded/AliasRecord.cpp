@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "Embedded/Utf16.h"
+#include "Base/Utf8.h"
 
 namespace velmora::host {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 #include "Program/CommandLine.h"
 
 namespace velmora::program {

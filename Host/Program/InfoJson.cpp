@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "ADL/ShiftJis.h"
-#include "GUI/Tables.h"
+#include "Model/Tables.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonForms.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "ADL/ShiftJis.h"
-#include "GUI/Tables.h"
+#include "Model/Tables.h"
 #include "Program/InfoCommand.h"
 #include "Program/TextTable.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 #include "Spot/SpotWorker.h"
 
 namespace velmora::program {

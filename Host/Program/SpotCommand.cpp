@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "Embedded/EmbeddedHost.h"
-#include "GUI/Tables.h"
-#include "Platform/SystemLog.h"
+#include "Model/Tables.h"
+#include "Base/SystemLog.h"
 #include "Program/ExitStatus.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
@@ -17,7 +17,7 @@
 #include "Program/TextTable.h"
 #include "Spot/SpotRequest.h"
 #include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora::program {
 namespace {

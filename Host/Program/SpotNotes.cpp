@@ -4,7 +4,7 @@
 #include "Session/SessionClock.h"
 #include "Spot/SpotWorker.h"
 #include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora::program {
 namespace {

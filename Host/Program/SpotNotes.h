@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 #include "Program/LeftOut.h"
 #include "Session/SessionPreset.h"
 #include "Spot/SpotOptions.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 #include "Program/LeftOut.h"
 #include "Spot/RegionMessage.h"
 #include "Spot/SpotOptions.h"

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "ADL/Text.h"
+#include "Base/Text.h"
 
 namespace velmora {
 

@@ -10,17 +10,13 @@
 #include <utility>
 
 #include "ADL/AdlScanner.h"
-#include "ADL/Text.h"
-#include "Platform/FileAccess.h"
+#include "Base/Text.h"
+#include "Base/FileAccess.h"
+#include "Base/FileNames.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora {
 namespace {
-
-/// A path's folder; a path without a slash stays whole.
-std::string FolderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
-}
 
 /// Short enough for a string to hold it without asking for memory.
 constexpr const char* kNoMemory = "out of memory";

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "ADL/Text.h"
+#include "Base/Text.h"
 
 namespace velmora {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "ADL/AES31Project.h"
-#include "ADL/Text.h"
+#include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora {

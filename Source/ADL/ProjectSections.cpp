@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "ADL/AES31Project.h"
-#include "ADL/Text.h"
+#include "Base/Text.h"
 
 namespace velmora {
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "ADL/AES31Project.h"
-#include "ADL/Text.h"
+#include "Base/Text.h"
 
 namespace velmora {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "ADL/AES31Project.h"
 #include "ADL/ShiftJis.h"
-#include "ADL/Text.h"
-#include "Platform/FileAccess.h"
+#include "Base/Text.h"
+#include "Base/FileAccess.h"
 
 namespace velmora {
 namespace {

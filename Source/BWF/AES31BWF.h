@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "BWF/BwfRecords.h"
-#include "Platform/FileAccess.h"
+#include "Base/FileAccess.h"
 
 namespace velmora {
 

@@ -10,7 +10,7 @@
 
 #include "BWF/AES31BWF.h"
 #include "BWF/SampleKernels.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "BWF/AES31BWF.h"
 #include "BWF/SampleCodec.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

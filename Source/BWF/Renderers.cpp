@@ -1,7 +1,6 @@
 #include "BWF/Renderers.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace velmora {
@@ -46,21 +45,19 @@ std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
 
 }  // namespace
 
-std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path) {
-  if (!event.gain.present || !IsReadable(event.sourceFile, 1)) return nullptr;
-  const double factor = std::pow(10.0, event.gain.gainDb / 20.0);
-  AES31BWF& source = *event.sourceFile;
-  source.OpenAtData();
-  std::unique_ptr<AES31BWF> target = CreateLike(source, path, source.GetFrames());
+std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor) {
+  if (!IsReadable(source, 1)) return nullptr;
+  source->OpenAtData();
+  std::unique_ptr<AES31BWF> target = CreateLike(*source, path, source->GetFrames());
   if (target == nullptr) {
-    source.CloseFile();
+    source->CloseFile();
     return nullptr;
   }
   target->DisableCache();
-  source.DisableCache();
-  const std::int32_t status = source.ConvertInto(target.get(), true, factor);
+  source->DisableCache();
+  const std::int32_t status = source->ConvertInto(target.get(), true, factor);
   target = Finish(std::move(target));
-  source.CloseFile();
+  source->CloseFile();
   return status == 0 ? std::move(target) : nullptr;
 }
 

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 
-#include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 
 namespace velmora {
@@ -11,8 +10,8 @@ namespace velmora {
 // Each makes a new file with the sample rate, channels and depth of its source and returns it
 // closed and readable, or null if it could not be made whole. A file that came out short stays.
 
-/// The event's whole source file under the event's gain.
-std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path);
+/// The whole source file, each sample multiplied by `factor`.
+std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor);
 
 /// `length` frames of the source from frame `first` on, under a straight line.
 ///

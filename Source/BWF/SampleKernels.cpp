@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "BWF/SampleCodec.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

@@ -5,10 +5,9 @@
 #include <utility>
 
 #include "BWF/Renderers.h"
-#include "Spot/RegionSpotter.h"
 #include "Spot/SpotPasses.h"
 #include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

@@ -1,7 +1,7 @@
 #include "Spot/SpotOptions.h"
 
 #include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 

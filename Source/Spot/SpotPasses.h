@@ -5,6 +5,7 @@
 #include <string>
 
 #include "BWF/OutputPaths.h"
+#include "Spot/RegionSpotter.h"
 #include "Spot/SpotWorker.h"
 
 namespace velmora {

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 

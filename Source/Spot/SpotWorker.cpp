@@ -1,25 +1,11 @@
 #include "Spot/SpotWorker.h"
 
-#include <memory>
 #include <new>
-#include <utility>
 
-#include "BWF/Renderers.h"
-#include "Spot/RegionSpotter.h"
 #include "Spot/SpotPasses.h"
-#include "Timecode/AdlTime.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
-namespace {
-
-void SetRenderedFile(AES31Event& event, std::unique_ptr<AES31BWF> file) {
-  delete event.renderedFile;  // an aborted run may have left one; its file on disk stays
-  event.renderedFile = file.release();
-}
-
-}  // namespace
-
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer) {
   if (project.project == nullptr) return true;
@@ -37,7 +23,10 @@ bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
 }
 
 void ReleaseRenderedFiles(AES31Project& project) {
-  for (AES31Event& event : project.events) SetRenderedFile(event, nullptr);
+  for (AES31Event& event : project.events) {
+    delete event.renderedFile;
+    event.renderedFile = nullptr;
+  }
 }
 
 std::int16_t HostTrack(const AES31Event& event, std::int32_t minTrack) {
@@ -47,130 +36,6 @@ std::int16_t HostTrack(const AES31Event& event, std::int32_t minTrack) {
 
 bool IsLive(const AES31Event& event) {
   return IsCut(event) && IsOn(event.trackOn) && IsOn(event.eventOn);
-}
-
-bool SpotPasses::Run() {
-  if (!DepthPass()) return false;
-  if (options_.doGain != 0 && !GainPass()) return false;
-  if (!RegionPass()) return false;
-  ReleasePass();
-  return options_.doFades == 0 || FadePass();
-}
-
-bool SpotPasses::Step() {
-  ++progress_;
-  if (observer_.Aborted()) return false;
-  observer_.Report(progress_);
-  return true;
-}
-
-AES31Event* SpotPasses::LiveEvent(std::int32_t index) {
-  AES31Event* const event = project_.project->GetEvent(index);
-  return event != nullptr && IsLive(*event) ? event : nullptr;
-}
-
-bool SpotPasses::DepthPass() {
-  for (std::int32_t i = 0; i < project_.numEvents; ++i) {
-    if (!Step()) return false;
-    AES31Event* const event = LiveEvent(i);
-    if (event != nullptr && event->sourceFile != nullptr) PrepareDepth(i, *event);
-  }
-  return true;
-}
-
-void SpotPasses::PrepareDepth(std::int32_t index, AES31Event& event) {
-  AES31BWF& source = *event.sourceFile;
-  const bool copy = options_.copySource != 0;
-  if (!copy && std::cmp_equal(source.GetBitsPerSample(), options_.bitDepth)) return;
-  const std::string path = copy ? names_.CopyPath(event, options_.copyFolder.c_str())
-                                : names_.DerivedPath(event, nullptr, options_.depthSuffix.c_str());
-  const std::int32_t status = source.CopyTo(path.c_str(), options_.bitDepth);
-  observer_.FileMade(FilePass::Depth, index, path, status);
-  if (status == CopyDone) SetRenderedFile(event, std::make_unique<AES31BWF>(path.c_str()));
-}
-
-bool SpotPasses::GainPass() {
-  for (std::int32_t i = 0; i < project_.numEvents; ++i) {
-    if (!Step()) return false;
-    AES31Event* const event = LiveEvent(i);
-    if (event != nullptr && event->gain.present && event->sourceFile != nullptr) {
-      PrepareGain(i, *event);
-    }
-  }
-  return true;
-}
-
-/// The gain file comes from the source, so it keeps the source's depth and takes the place of what
-/// the depth pass made.
-void SpotPasses::PrepareGain(std::int32_t index, AES31Event& event) {
-  const std::string path = DerivedPath(event, "_Gain");
-  std::unique_ptr<AES31BWF> file = RenderGainFile(event, path.c_str());
-  observer_.FileMade(FilePass::Gain, index, path, file != nullptr ? CopyDone : CopyFailed);
-  if (file != nullptr) SetRenderedFile(event, std::move(file));
-}
-
-bool SpotPasses::RegionPass() {
-  std::int32_t failures = 0;
-  for (std::int32_t i = 0; i < project_.numEvents;) {
-    observer_.Report(++progress_);
-    if (observer_.Aborted()) return false;
-    const AES31Event* const event = LiveEvent(i);
-    const std::int32_t attempt = failures + 1;
-    const std::int32_t status =
-        event != nullptr ? SpotMainRegion(i, *event, attempt).value_or(0) : 0;
-    if (status != 0 && attempt < kAttempts) {
-      ++failures;
-      --progress_;  // the step is counted again, and so once
-      continue;
-    }
-    if (status != 0) observer_.RegionGivenUp(i, RegionPiece::Main, status);
-    failures = 0;
-    ++i;
-  }
-  return true;
-}
-
-std::optional<std::int32_t> SpotPasses::SpotMainRegion(std::int32_t index, const AES31Event& event,
-                                                       std::int32_t attempt) {
-  if (event.sourceFile == nullptr) {
-    observer_.CutLeftOut(index, "");
-    return std::nullopt;
-  }
-  AES31BWF& file = event.renderedFile != nullptr ? *event.renderedFile : *event.sourceFile;
-  if (!file.IsValid()) {
-    observer_.CutLeftOut(index, file.GetPath());
-    return std::nullopt;
-  }
-  const std::int64_t start = AdlDifference(event.sourceStart, event.cut.sourceIn);
-  const std::int64_t length = AdlDifference(event.cut.destIn, event.cut.destOut);
-  RegionSpotter spotter(file.GetPath(), start, WrapAdd(start, length), host_);
-  const std::int32_t status =
-      Send(spotter, event, AdlToSamples(event.cut.destIn), CopyBaseName(file.GetPath()));
-  observer_.RegionTried(index, RegionPiece::Main, attempt, status);
-  if (status != 0) observer_.Log("spot 5555555555555555  ttt=" + std::to_string(status));
-  file.CloseFile();
-  return status;
-}
-
-void SpotPasses::ReleasePass() {
-  for (std::int32_t i = 0; i < project_.numEvents; ++i) {
-    AES31Event* const event = project_.project->GetEvent(i);
-    if (event != nullptr) SetRenderedFile(*event, nullptr);
-    observer_.Report(++progress_);
-  }
-}
-
-std::int32_t SpotPasses::Send(RegionSpotter& spotter, const AES31Event& event,
-                              std::int64_t position, const std::string& name) {
-  constexpr std::int16_t kStream = 1;
-  return spotter.SpotRegion(HostTrack(event, project_.minTrack),
-                            WrapAdd(position, options_.timelineOffset), kStream, name.c_str(),
-                            options_.relativeTrack);
-}
-
-std::string SpotPasses::DerivedPath(const AES31Event& event, const char* suffix) {
-  const bool toFolder = options_.copySource != 0;
-  return names_.DerivedPath(event, toFolder ? options_.copyFolder.c_str() : nullptr, suffix);
 }
 
 }  // namespace velmora

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "Timecode/RateTables.h"
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "Timecode/Wrapping.h"
+#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {

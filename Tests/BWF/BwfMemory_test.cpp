@@ -16,6 +16,7 @@
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
 #include "BwfReference.h"
+#include "Spot/EventFiles.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 

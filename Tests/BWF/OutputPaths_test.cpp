@@ -10,6 +10,7 @@
 
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
+#include "Spot/EventFiles.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 #include "SystemConditions.h"
@@ -134,10 +135,10 @@ TEST(OutputPaths, composeFolderStemSuffixAndExtension) {
     SCOPED_TRACE(row.rule);
     Named event(row.source);
     EXPECT_EQ(BuildDerivedPath(*event, row.folder, row.suffix), row.derived);
-    EXPECT_EQ(OutputNames().DerivedPath(*event, row.folder, row.suffix), row.derived);
+    EXPECT_EQ(OutputNames().Find(SourcePath(*event), row.folder, row.suffix), row.derived);
     if (row.copy == nullptr) continue;
     EXPECT_EQ(BuildCopyPath(*event, row.folder), row.copy);
-    EXPECT_EQ(OutputNames().CopyPath(*event, row.folder), row.copy);
+    EXPECT_EQ(OutputNames().Find(SourcePath(*event), row.folder, ""), row.copy);
   }
 }
 
@@ -184,7 +185,7 @@ TEST_F(FreeName, isNotReserved) {
   OutputNames names;
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.wav");
-    EXPECT_EQ(names.CopyPath(*event, root.c_str()), root + "/a.wav");
+    EXPECT_EQ(names.Find(SourcePath(*event), root.c_str(), ""), root + "/a.wav");
   }
   EXPECT_FALSE(std::filesystem::exists(root + "/a.wav"));
 }
@@ -207,7 +208,7 @@ TEST_F(FreeName, oneRunKeepsItsSeriesApart) {
   Named sameStem(root + "/other/a.b.wav");
   Named otherExtension(root + "/src/a.aif");
   const auto next = [&](const Named& of) {
-    const std::string path = names.CopyPath(*of, root.c_str());
+    const std::string path = names.Find(SourcePath(*of), root.c_str(), "");
     Make(path);
     return path.substr(root.size() + 1);
   };
@@ -217,7 +218,7 @@ TEST_F(FreeName, oneRunKeepsItsSeriesApart) {
   EXPECT_EQ(next(otherExtension), "a.aif");
   EXPECT_EQ(next(event), "a.3.wav");
   EXPECT_EQ(next(otherExtension), "a.1.aif");
-  EXPECT_EQ(names.DerivedPath(*event, root.c_str(), "_Gain"), root + "/a_Gain.wav");
+  EXPECT_EQ(names.Find(SourcePath(*event), root.c_str(), "_Gain"), root + "/a_Gain.wav");
 }
 
 TEST_F(FreeName, oneRunGivesTheNamesThatSingleSearchesGive) {
@@ -226,7 +227,7 @@ TEST_F(FreeName, oneRunGivesTheNamesThatSingleSearchesGive) {
   Make(root + "/a.wav");
   for (int i = 0; i < 8; ++i) {
     const std::string expected = BuildCopyPath(*event, root.c_str());
-    ASSERT_EQ(names.CopyPath(*event, root.c_str()), expected);
+    ASSERT_EQ(names.Find(SourcePath(*event), root.c_str(), ""), expected);
     Make(expected);
   }
   EXPECT_TRUE(std::filesystem::exists(root + "/a.10.wav"));
@@ -237,7 +238,7 @@ TEST_F(FreeName, secondRunMakesANewSeriesAndOverwritesNothing) {
   for (int run = 0; run < 2; ++run) {
     OutputNames names;
     for (int i = 0; i < 3; ++i) {
-      const std::string path = names.CopyPath(*event, root.c_str());
+      const std::string path = names.Find(SourcePath(*event), root.c_str(), "");
       ASSERT_FALSE(std::filesystem::exists(path));
       Make(path);
     }
@@ -259,7 +260,7 @@ TEST_F(FreeName, oneRunCostsTimeInProportionToItsFiles) {
   double looking = 0;
   for (int i = 0; i < kFiles; ++i) {
     const double before = ProcessorSeconds();
-    const std::string path = names.DerivedPath(*event, root.c_str(), "_XFade");
+    const std::string path = names.Find(SourcePath(*event), root.c_str(), "_XFade");
     const double between = ProcessorSeconds();
     FileExists(path.c_str());
     searching += between - before;

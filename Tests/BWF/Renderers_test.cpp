@@ -14,6 +14,7 @@
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BwfReference.h"
+#include "Spot/EventFiles.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 #include "SystemConditions.h"

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Platform/SystemLog.h"
+#include "Base/SystemLog.h"
 #include "Support/TemporaryFolder.h"
 
 namespace velmora::test {

@@ -1,4 +1,4 @@
-#include "Desktop/CommandLine.h"
+#include "Desktop/Shell/CommandLine.h"
 
 #include <gtest/gtest.h>
 

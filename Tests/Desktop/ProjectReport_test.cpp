@@ -1,4 +1,4 @@
-#include "Desktop/ProjectReport.h"
+#include "Desktop/Shell/ProjectReport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Desktop/SessionReceiver.h"
+#include "Desktop/ViewHost/SessionReceiver.h"
 
 #include <gtest/gtest.h>
 

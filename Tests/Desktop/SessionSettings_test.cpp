@@ -1,4 +1,4 @@
-#include "Desktop/SessionSettings.h"
+#include "Desktop/ViewHost/SessionSettings.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "GUI/ViewModel.h"
+#include "Model/ViewModel.h"
 #include "Spot/SpotFixture.h"
 #include "Support/CpuTime.h"
 

@@ -1,6 +1,6 @@
 #include "View/GatedHost.h"
 
-#import "Platform/VelmoraHostConnection.h"
+#import "View/VelmoraHostConnection.h"
 #include "View/Checks.h"
 #import "View/Driver.h"
 

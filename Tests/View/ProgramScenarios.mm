@@ -57,7 +57,7 @@ void NibIsMissing() {
   const Outcome outcome = RunDesktop(folder, {"--bundle", copy});
   Check("the assertion ends the process", SIGABRT, outcome.signal);
   CheckContains("and names itself", "viewController != nil", outcome.errors);
-  CheckContains("and its place", "Source/GUI/Velmora_ViewControllerFactory", outcome.errors);
+  CheckContains("and its place", "Source/View/Velmora_ViewControllerFactory", outcome.errors);
   Check("a bundle that is not there is told", 4,
         RunDesktop(folder, {"--bundle", folder.Path("None.bundle")}).status);
 }

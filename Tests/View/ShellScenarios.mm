@@ -5,7 +5,7 @@
 #include <cmath>
 #include <ctime>
 
-#include "Desktop/TimeScale.h"
+#include "Timeline/TimeScale.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/Material.h"
@@ -16,7 +16,7 @@ namespace velmora::view {
 
 namespace {
 
-using desktop::TimelineModel;
+using timeline::TimelineModel;
 
 TimelineView* Lanes() {
   return [Timeline() timeline];
@@ -62,7 +62,7 @@ void FillsTimeline() {
   const auto kinds = Ask([] {
     std::vector<int> counts(4);
     for (const auto& region : [Lanes() model].Regions()) {
-      ++counts[static_cast<std::size_t>(desktop::KindOfRegion(region))];
+      ++counts[static_cast<std::size_t>(timeline::KindOfRegion(region))];
     }
     return counts;
   });

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "Desktop/CommandLine.h"
-#import "Desktop/SessionBar.h"
-#import "Desktop/ShellController.h"
-#import "Desktop/TimelinePane.h"
-#import "GUI/Velmora_ViewController.h"
-#import "Timecode/TextView.h"
+#include "Desktop/Shell/CommandLine.h"
+#import "Desktop/Shell/SessionBar.h"
+#import "Desktop/Shell/ShellController.h"
+#import "Desktop/Timeline/TimelinePane.h"
+#import "View/Velmora_ViewController.h"
+#import "View/TextView.h"
 
 // The window under test: the shell as its program starts it, and the view that it loaded.
 namespace velmora::view {

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "Desktop/TimelineModel.h"
+#include "Timeline/TimelineModel.h"
 #include "View/Checks.h"
 #import "View/Driver.h"
 

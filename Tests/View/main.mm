@@ -9,7 +9,7 @@
 #include <future>
 #include <string>
 
-#import "Desktop/DesktopTheme.h"
+#import "Desktop/Theme/DesktopTheme.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/Panels.h"

@@ -1,0 +1,82 @@
+#import <AppKit/AppKit.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "Desktop/Shell/CommandLine.h"
+#import "Desktop/Theme/DesktopTheme.h"
+#import "Desktop/Shell/ShellController.h"
+#import "Desktop/Shell/ShellText.h"
+#import "Desktop/Shell/SignalWatch.h"
+
+using velmora::desktop::ShellOptions;
+
+namespace {
+
+constexpr int kNoWindow = 4;  // no display, or no view to show
+
+// The folder of the program, where its bundle and theme lie.
+std::string ProgramFolder() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
+}
+
+// The toolkit takes any bare word among the arguments for a document to open, so it sees none.
+void HideArguments(char** argv) {
+  char* only[] = {argv[0], nullptr};
+  [NSProcessInfo initializeWithArguments:only count:1 environment:environ];
+}
+
+// The toolkit raises an exception when it cannot reach a display.
+void EndWithoutDisplay(NSException*) {
+  const char* display = std::getenv("DISPLAY");
+  std::fprintf(stderr,
+               "velmora-desktop: there is no display to open a window on (DISPLAY is %s).\n"
+               "Start it from a desktop session, or under Xvfb: xvfb-run -a velmora-desktop ...\n"
+               "Without a window, the program velmora imports from the command line.\n",
+               display != nullptr && *display != '\0' ? display : "not set");
+  std::fflush(stderr);
+  _exit(kNoWindow);
+}
+
+void Connect() {
+  NSUncaughtExceptionHandler* usual = NSGetUncaughtExceptionHandler();
+  NSSetUncaughtExceptionHandler(EndWithoutDisplay);
+  [NSApplication sharedApplication];
+  NSSetUncaughtExceptionHandler(usual);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ShellOptions options;
+  const auto status = velmora::desktop::ParseCommandLine({argv + 1, argv + argc}, options);
+  if (status) return *status;
+  const std::string folder = ProgramFolder();
+  if (options.bundle.empty()) options.bundle = folder + "/Velmora.bundle";
+
+  NSAutoreleasePool* pool = [NSAutoreleasePool new];
+  HideArguments(argv);
+  [SignalWatch start];  // before any thread is there to take a signal the toolkit's way
+  [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
+  [[NSUserDefaults standardUserDefaults] registerDefaults:[DesktopTheme userDefaults]];
+  Connect();
+  [DesktopTheme installWithBundleAtPath:StringOf(folder + "/VelmoraDesktop.theme")];
+  [DesktopTheme installIcon];
+
+  ShellController* shell = [[ShellController alloc] initWithShellOptions:options];
+  [NSApp setDelegate:(id)shell];
+  // A pool of its own: what the nib left in the outer one would keep the view's controller alive, and
+  // it is the controller's end that waits for a running spot.
+  NSAutoreleasePool* opening = [NSAutoreleasePool new];
+  const BOOL open = [shell openWindow];
+  [opening release];
+  if (!open) return kNoWindow;
+  [NSApp run];
+  [pool release];
+  return 0;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <string>
+
+#include "ADL/AES31Project.h"
+#include "Desktop/Shell/ProjectReport.h"
+#include "Desktop/ViewHost/SessionSettings.h"
+#include "Spot/RegionMessage.h"
+
+// The view from its bundle, as this shell knows it: what any plug-in's shell would call, and the
+// few fields that it reads and fills to open a project without a hand on the button.
+@interface ViewConnection : NSObject {
+  NSViewController* controller;
+}
+
+// Loads the bundle and makes the view; regions go to `host` and the session's rates come from
+// `settings`. Neither is owned, and both must outlive the object. Nil when the bundle cannot be
+// used, with the reason in `error`.
+- (id)initWithBundleAtPath:(NSString*)path
+                  settings:(velmora::desktop::SessionSettings*)settings
+                      host:(velmora::RegionHost*)host
+                     error:(std::string*)error;
+
+- (NSView*)view;
+
+// Loads a project as if it had been picked.
+- (void)loadFile:(NSString*)path;
+// The facts of the last load.
+- (velmora::desktop::ProjectFacts)facts;
+
+// Presses the spot button.
+- (void)spot;
+- (BOOL)isSpotRunning;
+
+// Lets the view go. A spot that runs is aborted and waited for, which takes as long as the file
+// that it is making.
+- (void)close;
+
+@end

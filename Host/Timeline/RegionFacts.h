@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "Session/Session.h"
+#include "Session/SessionClock.h"
+
+namespace velmora::timeline {
+
+/// What a person wants to know of a region, in two lines.
+struct RegionFacts {
+  std::string title;    ///< the region's name and what it is
+  std::string details;  ///< where it lies on the timeline and in its file
+};
+
+RegionFacts FactsOf(const host::SessionRegion& region, const host::SessionClock& clock);
+
+/// A length in seconds and its parts, "1 min 02.500 s".
+std::string DurationText(std::int64_t samples, float sampleRate);
+
+}  // namespace velmora::timeline

@@ -1,0 +1,139 @@
+// What the view expects of AppKit and GNUstep lacks. Built on GNUstep alone. All of it is done when
+// the bundle is loaded, before the first nib is.
+
+#import "View/GNUstepRepairs.h"
+
+#import <objc/runtime.h>
+
+#import "View/Velmora_ViewController.h"
+
+namespace {
+
+// Puts `replacement` in the place of a method and returns what stood there. The runtime knows all
+// methods by one function type, whatever they take and return.
+template <class Function>
+Function* Exchange(Class cls, SEL selector, Function* replacement) {
+  Method method = class_getInstanceMethod(cls, selector);
+  void* original = reinterpret_cast<void*>(method_getImplementation(method));
+  const IMP added = reinterpret_cast<IMP>(reinterpret_cast<void*>(replacement));
+  if (!class_addMethod(cls, selector, added, method_getTypeEncoding(method))) {
+    method_setImplementation(method, added);
+  }
+  return reinterpret_cast<Function*>(original);
+}
+
+id (*originalTableInit)(id, SEL, NSCoder*);
+id (*originalProgressInit)(id, SEL, NSCoder*);
+id (*originalFontInit)(id, SEL, NSCoder*);
+void (*originalTableDealloc)(id, SEL);
+void (*originalTile)(id, SEL);
+NSInteger (*originalRunModal)(id, SEL);
+NSImage* (*originalImageNamed)(id, SEL, NSString*);
+
+// Identifiers of tables by the table's address. Nibs are loaded, and their views go, on the main
+// thread.
+NSMapTable* Identifiers() {
+  static NSMapTable* identifiers =
+      NSCreateMapTable(NSNonOwnedPointerMapKeyCallBacks, NSObjectMapValueCallBacks, 8);
+  return identifiers;
+}
+
+id InitTable(id self, SEL selector, NSCoder* coder) {
+  self = originalTableInit(self, selector, coder);
+  if (self != nil && [coder allowsKeyedCoding] && [coder containsValueForKey:@"identifier"]) {
+    NSMapInsert(Identifiers(), self, [coder decodeObjectForKey:@"identifier"]);
+  }
+  return self;
+}
+
+void DeallocTable(id self, SEL selector) {
+  NSMapRemove(Identifiers(), self);
+  originalTableDealloc(self, selector);
+}
+
+// A table that comes from a nib leaves its columns alone when its scroll view is resized.
+void Tile(id self, SEL selector) {
+  static BOOL tiling = NO;
+  originalTile(self, selector);
+  id table = [self documentView];
+  if (tiling || NSMapGet(Identifiers(), table) == NULL) return;
+  NSTableColumn* last = [[table tableColumns] lastObject];
+  const NSRect lastColumn = [table rectOfColumn:[table numberOfColumns] - 1];
+  tiling = YES;
+  [last setWidth:NSWidth([[self contentView] bounds]) - NSMinX(lastColumn)];
+  tiling = NO;
+}
+
+// A progress bar that is not to be seen while it stands still never is: a bar with a known end
+// counts as standing still for ever, and the setter does nothing. All bars of a nib are shown.
+id InitProgress(id self, SEL selector, NSCoder* coder) {
+  self = originalProgressInit(self, selector, coder);
+  Ivar shown = class_getInstanceVariable([NSProgressIndicator class], "_isDisplayedWhenStopped");
+  if (self != nil && shown != NULL) {
+    *(reinterpret_cast<BOOL*>(reinterpret_cast<char*>(self) + ivar_getOffset(shown))) = YES;
+  }
+  return self;
+}
+
+// Of a nib's system fonts only the plain one is known.
+id InitFont(id self, SEL selector, NSCoder* coder) {
+  self = originalFontInit(self, selector, coder);
+  if (![coder allowsKeyedCoding] || ![coder containsValueForKey:@"metaFont"]) return self;
+  NSString* name = [coder decodeObjectForKey:@"metaFont"];
+  if (![name isEqual:@"systemBold"]) return self;
+  NSFont* bold = [[NSFont boldSystemFontOfSize:[self pointSize]] retain];
+  [self release];
+  return bold;
+}
+
+// An alert's headline is one line, and what does not fit is cut; only the text below it wraps.
+NSInteger RunModal(id self, SEL selector) {
+  if ([[self informativeText] length] == 0) {
+    [self setInformativeText:[self messageText]];
+    [self setMessageText:@"Velmora"];
+  }
+  return originalRunModal(self, selector);
+}
+
+// A picture that a nib names is looked for in the main bundle only; the view's lie in its own.
+NSImage* FindImage(id self, SEL selector, NSString* name) {
+  NSImage* image = originalImageNamed(self, selector, name);
+  if (image != nil) return image;
+  NSString* resources = [[NSBundle bundleForClass:[Velmora_ViewController class]] resourcePath];
+  NSString* pictures = [resources stringByAppendingPathComponent:@"KestaneGUI.bundle"];
+  NSString* path = [[NSBundle bundleWithPath:pictures] pathForResource:name ofType:@"png"];
+  return path != nil ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
+}
+
+}  // namespace
+
+@implementation NSView (VelmoraRepairs)
+
+- (NSString*)identifier {
+  return static_cast<NSString*>(NSMapGet(Identifiers(), self));
+}
+
+- (void)addTrackingArea:(NSTrackingArea*)area {
+  [self addTrackingRect:[area rect] owner:[area owner] userData:[area userInfo] assumeInside:NO];
+}
+
+@end
+
+@interface VelmoraRepairs : NSObject
+@end
+
+@implementation VelmoraRepairs
+
++ (void)load {
+  originalTableInit = Exchange([NSTableView class], @selector(initWithCoder:), InitTable);
+  originalTableDealloc = Exchange([NSTableView class], @selector(dealloc), DeallocTable);
+  originalTile = Exchange([NSScrollView class], @selector(tile), Tile);
+  originalProgressInit =
+      Exchange([NSProgressIndicator class], @selector(initWithCoder:), InitProgress);
+  originalFontInit = Exchange([NSFont class], @selector(initWithCoder:), InitFont);
+  originalRunModal = Exchange([NSAlert class], @selector(runModal), RunModal);
+  originalImageNamed =
+      Exchange(object_getClass([NSImage class]), @selector(imageNamed:), FindImage);
+}
+
+@end
