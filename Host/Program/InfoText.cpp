@@ -54,7 +54,7 @@ void AddSource(TextTable& table, std::int32_t index, const AES31SourceFile& sour
   } else if (!file->IsValid()) {
     table.Add({std::to_string(index), "no wave file", "", "", "", "", file->GetPath()}, true);
   } else {
-    const bool pcm = file->GetFormat()->formatTag == 1;
+    const bool pcm = file->GetFormat()->formatTag == kIntegerPcm;
     table.Add(
         {std::to_string(index), pcm ? "found" : "not PCM", std::to_string(file->GetSampleRate()),
          std::to_string(file->GetChannels()), std::to_string(file->GetBitsPerSample()),

@@ -19,11 +19,11 @@ const char* NameOf(FilePass pass) {
 
 const char* NameOf(RegionPiece piece) {
   switch (piece) {
-    case RegionPiece::InFade:
+    case RegionPiece::FadeIn:
       return "infade";
     case RegionPiece::Crossfade:
       return "crossfade";
-    case RegionPiece::OutFade:
+    case RegionPiece::FadeOut:
       return "outfade";
     case RegionPiece::Main:
       break;

@@ -19,11 +19,11 @@ std::string LocationOf(const ViewModel& model, const AES31Event& event) {
 
 const char* PieceName(RegionPiece piece) {
   switch (piece) {
-    case RegionPiece::InFade:
+    case RegionPiece::FadeIn:
       return "the fade-in";
     case RegionPiece::Crossfade:
       return "the crossfade";
-    case RegionPiece::OutFade:
+    case RegionPiece::FadeOut:
       return "the fade-out";
     case RegionPiece::Main:
       break;

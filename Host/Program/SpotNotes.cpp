@@ -55,7 +55,6 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
 }
 
 void FindSilentCuts(const ViewModel& model, LeftOut& leftOut) {
-  constexpr std::uint16_t kIntegerPcm = 1;
   for (std::int32_t i = 0; i < model.numEvents; ++i) {
     const AES31Event& event = *model.project->GetEvent(i);
     if (!IsLive(event) || event.sourceFile == nullptr || !event.sourceFile->IsValid()) continue;

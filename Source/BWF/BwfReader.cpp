@@ -18,7 +18,6 @@ constexpr std::uint32_t kFmt = 0x20746D66;
 constexpr std::uint32_t kData = 0x61746164;
 constexpr std::uint32_t kBext = 0x74786562;
 
-constexpr std::uint16_t kIntegerPcm = 1;
 constexpr std::int32_t kBextFixedBytes = 602;  // EBU Tech 3285
 
 /// A byte of a header; past the end of the file all ones.

@@ -6,9 +6,12 @@
 
 namespace velmora {
 
+/// The format tag of integer PCM (RIFF WAVE), the only format whose samples are read or written.
+inline constexpr std::uint16_t kIntegerPcm = 1;
+
 /// The fields of a fmt chunk (RIFF WAVE).
 struct BwfFormat {
-  std::uint16_t formatTag = 0;  ///< 1: integer PCM, the only form whose samples are read
+  std::uint16_t formatTag = 0;
   std::uint16_t channels = 0;
   std::uint32_t samplesPerSec = 0;
   std::uint32_t avgBytesPerSec = 0;

@@ -49,7 +49,7 @@ AES31BWF::AES31BWF(const char* filePath, std::uint32_t sampleRate, std::uint32_t
   bytesPerSample = bitDepth / 8;
   const std::uint32_t frameBytes = static_cast<std::uint32_t>(bytesPerSample) * channels;
   frames = static_cast<std::uint64_t>(frameCount);
-  format.formatTag = 1;
+  format.formatTag = kIntegerPcm;
   format.channels = static_cast<std::uint16_t>(channels);
   format.samplesPerSec = sampleRate;
   format.avgBytesPerSec = sampleRate * frameBytes;

@@ -8,7 +8,7 @@ namespace {
 
 /// False for a file that is no wave file, or from which frames are wanted and which has gone since
 /// the project was loaded. An open one keeps its position.
-bool IsReadable(AES31BWF* file, std::int64_t frames) {
+bool OpenForFrames(AES31BWF* file, std::int64_t frames) {
   if (file == nullptr || !file->IsValid()) return false;
   if (file->stream == nullptr && frames > 0) file->OpenAtData();
   return file->stream != nullptr || frames <= 0;
@@ -46,7 +46,7 @@ std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
 }  // namespace
 
 std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor) {
-  if (!IsReadable(source, 1)) return nullptr;
+  if (!OpenForFrames(source, 1)) return nullptr;
   source->OpenAtData();
   std::unique_ptr<AES31BWF> target = CreateLike(*source, path, source->GetFrames());
   if (target == nullptr) {
@@ -63,7 +63,7 @@ std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, d
 
 std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
                                          bool rising, std::int64_t first) {
-  if (!IsReadable(source, length)) return nullptr;
+  if (!OpenForFrames(source, length)) return nullptr;
   std::unique_ptr<AES31BWF> target = CreateLike(*source, path, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);
@@ -82,7 +82,7 @@ std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std
 std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
                                               std::int64_t firstIncoming, std::int64_t length) {
-  if (!IsReadable(outgoing, length) || !IsReadable(incoming, length)) return nullptr;
+  if (!OpenForFrames(outgoing, length) || !OpenForFrames(incoming, length)) return nullptr;
   std::unique_ptr<AES31BWF> target = CreateLike(*outgoing, path, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "BWF/Renderers.h"
+#include "Base/Wrapping.h"
 #include "Spot/SpotPasses.h"
 #include "Timecode/AdlTime.h"
-#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {
@@ -49,9 +49,9 @@ void SpotPasses::MakeFades(std::int32_t index, const AES31Event* previous,
   if (previous != nullptr && ContinuesCrossfade(*previous, event)) {
     MakeCrossfade(index, *previous, event);
   } else if (event.infade.present) {
-    MakeInFade(index, event);
+    MakeFadeIn(index, event);
   }
-  if (event.outfade.present) MakeOutFade(index, event);
+  if (event.outfade.present) MakeFadeOut(index, event);
 }
 
 ///     previous  ==========[outfade]
@@ -62,11 +62,11 @@ bool SpotPasses::ContinuesCrossfade(const AES31Event& previous, const AES31Event
          AdlDifference(event.cut.destIn, previous.cut.destOut) == AdlToSamples(event.infade.length);
 }
 
-void SpotPasses::MakeInFade(std::int32_t index, const AES31Event& event) {
+void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {
   if (event.sourceFile == nullptr) return;
   const std::string path = DerivedPath(event, "_FadeIn");
   const std::int64_t length = AdlToSamples(event.infade.length);
-  SpotPiece(index, event, RegionPiece::InFade,
+  SpotPiece(index, event, RegionPiece::FadeIn,
             RenderFadeFile(path.c_str(), event.sourceFile, length, true, FirstSample(event)), path,
             AdlToSamples(event.cut.destIn), length);
 }
@@ -82,11 +82,11 @@ void SpotPasses::MakeCrossfade(std::int32_t index, const AES31Event& previous,
             path, AdlToSamples(event.cut.destIn), length);
 }
 
-void SpotPasses::MakeOutFade(std::int32_t index, const AES31Event& event) {
+void SpotPasses::MakeFadeOut(std::int32_t index, const AES31Event& event) {
   if (event.sourceFile == nullptr) return;
   const std::string path = DerivedPath(event, "_FadeOut");
   const std::int64_t length = AdlToSamples(event.outfade.length);
-  SpotPiece(index, event, RegionPiece::OutFade,
+  SpotPiece(index, event, RegionPiece::FadeOut,
             RenderFadeFile(path.c_str(), event.sourceFile, length, false,
                            FirstSampleOfTail(event, length)),
             path, WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
@@ -107,7 +107,7 @@ void SpotPasses::SpotPiece(std::int32_t index, const AES31Event& event, RegionPi
     if (status == 0) return;
   }
   observer_.RegionGivenUp(index, piece, status);
-  if (piece == RegionPiece::OutFade) observer_.Log("SPOT Error outfade!!!!!!!!!!!!!!!!!!!!!!!");
+  if (piece == RegionPiece::FadeOut) observer_.Log("SPOT Error outfade!!!!!!!!!!!!!!!!!!!!!!!");
 }
 
 }  // namespace velmora

@@ -42,9 +42,9 @@ class SpotPasses {
 
   bool ContinuesCrossfade(const AES31Event& previous, const AES31Event& event) const;
   void MakeFades(std::int32_t index, const AES31Event* previous, const AES31Event& event);
-  void MakeInFade(std::int32_t index, const AES31Event& event);
+  void MakeFadeIn(std::int32_t index, const AES31Event& event);
   void MakeCrossfade(std::int32_t index, const AES31Event& previous, const AES31Event& event);
-  void MakeOutFade(std::int32_t index, const AES31Event& event);
+  void MakeFadeOut(std::int32_t index, const AES31Event& event);
   /// Sends a rendered piece of `length` samples; `file` is null if it could not be made.
   void SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,
                  std::unique_ptr<AES31BWF> file, const std::string& path, std::int64_t position,

@@ -18,7 +18,7 @@ struct SpotProject {
 };
 
 enum class FilePass { Depth, Gain, Fade };
-enum class RegionPiece { Main, InFade, Crossfade, OutFade };
+enum class RegionPiece { Main, FadeIn, Crossfade, FadeOut };
 
 /// What a run tells. All calls come from the worker's thread.
 class SpotObserver {

@@ -7,7 +7,7 @@
 
 namespace velmora {
 class AES31Project;
-class SpotRuns;
+class SpotQueue;
 class ViewModel;
 }  // namespace velmora
 
@@ -64,7 +64,7 @@ class AAX_IViewContainer;
   NSButton* spotButton;  // its tag is the spot's state: 1 while one runs
   myImageView* backGroundImageView;
   NSTextField* errorMessageLabel;  // the one line of user messages
-  std::unique_ptr<velmora::SpotRuns> runs;
+  std::unique_ptr<velmora::SpotQueue> runs;
 }
 
 @property(nonatomic, retain) IBOutlet NSTextField* mGainText;

@@ -5,7 +5,7 @@
 #import "View/myImageView.h"
 #import "View/spotThreadClass.h"
 #include "Base/SystemLog.h"
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 #import "View/TextView.h"
 
 static void LogLine(const std::string& line) {
@@ -60,7 +60,7 @@ static void LogLine(const std::string& line) {
   self = [super initWithNibName:nibName bundle:bundle];
   if (self != nil) {
     model = std::make_unique<velmora::ViewModel>();
-    runs = std::make_unique<velmora::SpotRuns>();
+    runs = std::make_unique<velmora::SpotQueue>();
   }
   return self;
 }

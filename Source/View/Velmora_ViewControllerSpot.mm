@@ -9,7 +9,7 @@
 #import "View/VelmoraHostConnection.h"
 #include "Spot/SpotOptions.h"
 #include "Spot/SpotRequest.h"
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 #include "Timecode/AdlTime.h"
 #import "View/TextView.h"
 #include "Base/Wrapping.h"

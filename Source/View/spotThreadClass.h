@@ -7,7 +7,7 @@
 
 namespace velmora {
 class RegionHost;
-class SpotRun;
+class SpotTask;
 }  // namespace velmora
 
 @class Velmora_ViewController;
@@ -20,7 +20,7 @@ class SpotRun;
   std::int32_t max;      // not used
   std::int32_t cancel;   // kept for its accessors; a spot is cancelled by its run's abort
   void* ViewController;  // the Velmora_ViewController, not retained
-  std::shared_ptr<velmora::SpotRun> run;
+  std::shared_ptr<velmora::SpotTask> run;
   velmora::RegionHost* host;  // not owned
 }
 
@@ -35,7 +35,7 @@ class SpotRun;
 - (std::int32_t)getCancel;
 
 // Hands over the work, before the thread starts.
-- (void)setRun:(std::shared_ptr<velmora::SpotRun>)newRun host:(velmora::RegionHost*)newHost;
+- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun host:(velmora::RegionHost*)newHost;
 
 // The body of the thread. The object means nothing.
 - (void)spotProc:(id)object;

@@ -5,7 +5,7 @@
 
 #import "View/TextConversion.h"
 #import "View/Velmora_ViewController.h"
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 
 static NSString* const kCurrentWorker = @"spotThreadClass";
 
@@ -70,7 +70,7 @@ struct ShowProgress {
   return cancel;
 }
 
-- (void)setRun:(std::shared_ptr<velmora::SpotRun>)newRun host:(velmora::RegionHost*)newHost {
+- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun host:(velmora::RegionHost*)newHost {
   run = std::move(newRun);
   host = newHost;
 }

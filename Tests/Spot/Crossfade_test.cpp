@@ -37,7 +37,7 @@ TEST_F(FadePassTest, overlapOfEqualFadesIsACrossfade) {
             (Lines{"0 main 1 0", "1 main 1 0", "0 outfade 1 0", "1 crossfade 1 0"}));
 }
 
-TEST_F(FadePassTest, incomingEventOfACrossfadeKeepsItsOutFade) {
+TEST_F(FadePassTest, incomingEventOfACrossfadeKeepsItsFadeOut) {
   auto cuts = Crossfading();
   cuts[1].outfade = FadeLength(6);
   LoadCuts(cuts);
@@ -89,10 +89,10 @@ const Lines kNoCrossfade = {"a_FadeOut.wav", "b_FadeIn.wav"};
 
 const std::vector<ConditionRow> kConditionRows = {
     {"otherTrackIsNoCrossfade", [](CutSpec&, CutSpec& second) { second.track = 3; }, kNoCrossfade},
-    {"withoutInFadeThereIsNoPiece",
+    {"withoutFadeInThereIsNoPiece",
      [](CutSpec&, CutSpec& second) { second.infade.clear(); },
      {"a_FadeOut.wav"}},
-    {"withoutOutFadeBeforeItIsAnInFade",
+    {"withoutFadeOutBeforeItIsAFadeIn",
      [](CutSpec& first, CutSpec&) { first.outfade.clear(); },
      {"b_FadeIn.wav"}},
     {"overlapOneLongerIsNoCrossfade", [](CutSpec& first, CutSpec&) { first.destOut = Stamp(151); },

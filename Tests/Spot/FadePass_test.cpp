@@ -53,7 +53,7 @@ TEST_F(FadePassTest, outFadeIsTheTailOfTheCut) {
   EXPECT_EQ(observer.tries, (Lines{"0 main 1 0", "0 outfade 1 0"}));
 }
 
-TEST_F(FadePassTest, inFadeGoesBeforeTheOutFadeOfAnEvent) {
+TEST_F(FadePassTest, fadeInGoesBeforeTheFadeOutOfAnEvent) {
   LoadCuts({{.destOut = Stamp(50), .infade = FadeLength(4), .outfade = FadeLength(8)}});
   EXPECT_TRUE(Run());
   EXPECT_EQ(Pieces(), (std::vector<Placed>{{"a_FadeIn.wav", 1, 0, 0, 0, 4, "a_FadeIn"},

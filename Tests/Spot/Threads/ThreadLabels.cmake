@@ -1,3 +1,3 @@
-foreach(test IN LISTS spotrun_tests_TESTS)
+foreach(test IN LISTS spotqueue_tests_TESTS)
   set_tests_properties("${test}" PROPERTIES LABELS threads)
 endforeach()

@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "Model/ViewModel.h"
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -153,7 +153,7 @@ class HoldingHost : public RegionHost {
 /// alive until they are delivered.
 class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_from_this<Worker> {
  public:
-  static std::shared_ptr<Worker> Make(int number, std::shared_ptr<SpotRun> run, HoldingHost& host,
+  static std::shared_ptr<Worker> Make(int number, std::shared_ptr<SpotTask> run, HoldingHost& host,
                                       MainLoop& loop, CallLog& log) {
     return std::shared_ptr<Worker>(new Worker(number, std::move(run), host, loop, log));
   }
@@ -210,11 +210,11 @@ class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_
     return lines_;
   }
 
-  const std::shared_ptr<SpotRun> run;
+  const std::shared_ptr<SpotTask> run;
   std::vector<std::int32_t> shown;  ///< by the main thread
 
  private:
-  Worker(int number, std::shared_ptr<SpotRun> itsRun, HoldingHost& host, MainLoop& loop,
+  Worker(int number, std::shared_ptr<SpotTask> itsRun, HoldingHost& host, MainLoop& loop,
          CallLog& log)
       : run(std::move(itsRun)), number_(number), host_(host), loop_(loop), log_(log) {}
 

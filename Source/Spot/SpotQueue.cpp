@@ -1,4 +1,4 @@
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 
 #include <utility>
 
@@ -12,9 +12,9 @@ constexpr std::int32_t kGivenUp = -128;
 }  // namespace
 
 /// What RunSpot sees of the view: nothing is reported any more once the run is aborted.
-class SpotRun::Observer : public SpotObserver {
+class SpotTask::Observer : public SpotObserver {
  public:
-  Observer(SpotRun& run, SpotDisplay& display) : run_(run), display_(display) {}
+  Observer(SpotTask& run, SpotDisplay& display) : run_(run), display_(display) {}
 
   bool Aborted() override { return run_.aborted_; }
   void Report(std::int32_t progress) override { run_.Report(progress, display_); }
@@ -24,15 +24,15 @@ class SpotRun::Observer : public SpotObserver {
   }
 
  private:
-  SpotRun& run_;
+  SpotTask& run_;
   SpotDisplay& display_;
 };
 
 /// The view's host until the view closes. From then on each attempt fails at once, so that a worker
 /// in the middle of its eighty gets to its next look at the abort.
-class SpotRun::Host : public RegionHost {
+class SpotTask::Host : public RegionHost {
  public:
-  Host(SpotRun& run, RegionHost& host) : run_(run), host_(host) {}
+  Host(SpotTask& run, RegionHost& host) : run_(run), host_(host) {}
 
   std::int32_t MakeAlias(const char* path, std::vector<std::uint8_t>& alias) override {
     return run_.closing_ ? kGivenUp : host_.MakeAlias(path, alias);
@@ -42,20 +42,20 @@ class SpotRun::Host : public RegionHost {
   }
 
  private:
-  SpotRun& run_;
+  SpotTask& run_;
   RegionHost& host_;
 };
 
-SpotRun::SpotRun(std::shared_ptr<Queue> queue, SharedSpotProject work, SpotOptions options)
-    : queue_(std::move(queue)), work_(std::move(work)), options_(std::move(options)) {}
+SpotTask::SpotTask(std::shared_ptr<Shared> shared, SharedSpotProject work, SpotOptions options)
+    : shared_(std::move(shared)), work_(std::move(work)), options_(std::move(options)) {}
 
-SpotRun::~SpotRun() {
+SpotTask::~SpotTask() {
   End();
 }
 
-bool SpotRun::Execute(RegionHost& host, SpotDisplay& display) {
+bool SpotTask::Execute(RegionHost& host, SpotDisplay& display) {
   struct Ending {
-    SpotRun& run;
+    SpotTask& run;
     ~Ending() { run.End(); }
   } ending{*this};
 
@@ -66,85 +66,86 @@ bool SpotRun::Execute(RegionHost& host, SpotDisplay& display) {
   return RunSpot(project, options_, guardedHost, observer) && !aborted_;
 }
 
-bool SpotRun::WaitForTurn() {
-  std::unique_lock lock(queue_->mutex);
-  queue_->changed.wait(lock, [this] { return aborted_ || ended_ || queue_->runs.front() == this; });
+bool SpotTask::WaitForTurn() {
+  std::unique_lock lock(shared_->mutex);
+  shared_->changed.wait(lock,
+                        [this] { return aborted_ || ended_ || shared_->runs.front() == this; });
   return !aborted_ && !ended_;
 }
 
-void SpotRun::Report(std::int32_t progress, SpotDisplay& display) {
-  std::unique_lock lock(queue_->mutex);
+void SpotTask::Report(std::int32_t progress, SpotDisplay& display) {
+  std::unique_lock lock(shared_->mutex);
   if (aborted_) return;
   progress_ = progress;
   reportWaits_ = true;
   lock.unlock();
   display.PostReport(progress);
   lock.lock();
-  queue_->changed.wait(lock, [this] { return aborted_ || !reportWaits_; });
+  shared_->changed.wait(lock, [this] { return aborted_ || !reportWaits_; });
 }
 
-void SpotRun::DeliverReport(const std::function<void(std::int32_t)>& show) {
+void SpotTask::DeliverReport(const std::function<void(std::int32_t)>& show) {
   {
-    const std::lock_guard lock(queue_->mutex);
+    const std::lock_guard lock(shared_->mutex);
     if (aborted_ || !reportWaits_) return;
   }
   struct Release {
-    SpotRun& run;
+    SpotTask& run;
     ~Release() {
-      const std::lock_guard lock(run.queue_->mutex);
+      const std::lock_guard lock(run.shared_->mutex);
       run.reportWaits_ = false;
-      run.queue_->changed.notify_all();
+      run.shared_->changed.notify_all();
     }
   } release{*this};
   // The worker stands still and the lock is free: what is shown may abort this very run.
   show(progress_);
 }
 
-void SpotRun::Abort() {
-  const std::lock_guard lock(queue_->mutex);
+void SpotTask::Abort() {
+  const std::lock_guard lock(shared_->mutex);
   AbortLocked();
 }
 
-void SpotRun::AbortLocked() {
+void SpotTask::AbortLocked() {
   aborted_ = true;
   progress_ = -1;
-  queue_->changed.notify_all();
+  shared_->changed.notify_all();
 }
 
-void SpotRun::End() {
+void SpotTask::End() {
   // First the project, which may be deleted here: who waits for the end finds it gone.
   work_ = {};
-  const std::lock_guard lock(queue_->mutex);
+  const std::lock_guard lock(shared_->mutex);
   ended_ = true;
-  std::erase(queue_->runs, this);
-  queue_->changed.notify_all();
+  std::erase(shared_->runs, this);
+  shared_->changed.notify_all();
 }
 
-SpotRuns::SpotRuns() : queue_(std::make_shared<SpotRun::Queue>()) {}
+SpotQueue::SpotQueue() : shared_(std::make_shared<SpotTask::Shared>()) {}
 
-SpotRuns::~SpotRuns() {
+SpotQueue::~SpotQueue() {
   Close();
 }
 
-std::shared_ptr<SpotRun> SpotRuns::Request(SharedSpotProject work, SpotOptions options) {
-  std::shared_ptr<SpotRun> run(new SpotRun(queue_, std::move(work), std::move(options)));
-  const std::lock_guard lock(queue_->mutex);
-  queue_->runs.push_back(run.get());
+std::shared_ptr<SpotTask> SpotQueue::Request(SharedSpotProject work, SpotOptions options) {
+  std::shared_ptr<SpotTask> run(new SpotTask(shared_, std::move(work), std::move(options)));
+  const std::lock_guard lock(shared_->mutex);
+  shared_->runs.push_back(run.get());
   return run;
 }
 
-bool SpotRuns::Idle() const {
-  const std::lock_guard lock(queue_->mutex);
-  return queue_->runs.empty();
+bool SpotQueue::Idle() const {
+  const std::lock_guard lock(shared_->mutex);
+  return shared_->runs.empty();
 }
 
-void SpotRuns::Close() {
-  std::unique_lock lock(queue_->mutex);
-  for (SpotRun* run : queue_->runs) {
+void SpotQueue::Close() {
+  std::unique_lock lock(shared_->mutex);
+  for (SpotTask* run : shared_->runs) {
     run->closing_ = true;
     run->AbortLocked();
   }
-  queue_->changed.wait(lock, [this] { return queue_->runs.empty(); });
+  shared_->changed.wait(lock, [this] { return shared_->runs.empty(); });
 }
 
 }  // namespace velmora

@@ -36,10 +36,10 @@ namespace velmora {
 //   a run is aborted, while its worker still looks at its last event: both sides access these
 //   32-bit numbers atomically.
 
-class SpotRuns;
+class SpotQueue;
 
 /// What a run asks of the view. All calls come from the worker's thread, and none may wait for the
-/// main thread, which may itself be waiting in SpotRuns::Close.
+/// main thread, which may itself be waiting in SpotQueue::Close.
 class SpotDisplay {
  public:
   virtual ~SpotDisplay() = default;
@@ -63,14 +63,14 @@ struct SharedSpotProject {
   const char* firstEvent = nullptr;
 };
 
-/// One spot, from its request to the end of its worker. Made by SpotRuns::Request.
-class SpotRun {
+/// One spot, from its request to the end of its worker. Made by SpotQueue::Request.
+class SpotTask {
  public:
   /// A run that was never executed ends here: drop one whose thread could not be started, or the
   /// runs after it wait for it.
-  ~SpotRun();
-  SpotRun(const SpotRun&) = delete;
-  SpotRun& operator=(const SpotRun&) = delete;
+  ~SpotTask();
+  SpotTask(const SpotTask&) = delete;
+  SpotTask& operator=(const SpotTask&) = delete;
 
   /// The body of the worker's thread, once for each run: waits for the runs before it, runs the
   /// spot, gives up its share of the project, and ends. Touches neither `host` nor `display` before
@@ -102,48 +102,48 @@ class SpotRun {
   std::int32_t Progress() const { return progress_; }
 
  private:
-  friend class SpotRuns;
+  friend class SpotQueue;
   class Observer;
   class Host;
 
   /// The runs that have not ended, in the order of their requests. Shared with each run, since the
   /// manager may go while a worker is still on its way out of Execute.
-  struct Queue {
+  struct Shared {
     std::mutex mutex;
     std::condition_variable changed;  ///< a run ended, was aborted, or had its report delivered
-    std::vector<SpotRun*> runs;
+    std::vector<SpotTask*> runs;
   };
 
-  SpotRun(std::shared_ptr<Queue> queue, SharedSpotProject work, SpotOptions options);
+  SpotTask(std::shared_ptr<Shared> shared, SharedSpotProject work, SpotOptions options);
 
   bool WaitForTurn();
   void Report(std::int32_t progress, SpotDisplay& display);
   void AbortLocked();
   void End();
 
-  const std::shared_ptr<Queue> queue_;
+  const std::shared_ptr<Shared> shared_;
   SharedSpotProject work_;  ///< the worker's, from Execute on
   SpotOptions options_;     ///< the worker's, from Execute on
   std::atomic<bool> aborted_ = false;
   std::atomic<bool> closing_ = false;  ///< no message goes out any more
   std::atomic<std::int32_t> progress_ = 0;
-  // Guarded by the queue's mutex:
+  // Guarded by the shared mutex:
   bool reportWaits_ = false;
   bool ended_ = false;
 };
 
 /// The runs of one view. For the main thread.
-class SpotRuns {
+class SpotQueue {
  public:
-  SpotRuns();
+  SpotQueue();
   /// Closes.
-  ~SpotRuns();
-  SpotRuns(const SpotRuns&) = delete;
-  SpotRuns& operator=(const SpotRuns&) = delete;
+  ~SpotQueue();
+  SpotQueue(const SpotQueue&) = delete;
+  SpotQueue& operator=(const SpotQueue&) = delete;
 
   /// A new run, behind all that have not ended; none of these is aborted by it. The caller starts
   /// its thread. With no project the run ends without any call.
-  std::shared_ptr<SpotRun> Request(SharedSpotProject work, SpotOptions options);
+  std::shared_ptr<SpotTask> Request(SharedSpotProject work, SpotOptions options);
 
   /// True when every run has ended.
   bool Idle() const;
@@ -156,7 +156,7 @@ class SpotRuns {
   void Close();
 
  private:
-  std::shared_ptr<SpotRun::Queue> queue_;
+  std::shared_ptr<SpotTask::Shared> shared_;
 };
 
 }  // namespace velmora

@@ -1,8 +1,8 @@
-#include "Spot/SpotRun.h"
+#include "Spot/SpotQueue.h"
 
 #include <array>
 
-#include "SpotRunSupport.h"
+#include "SpotQueueSupport.h"
 
 namespace velmora::test {
 namespace {
@@ -11,7 +11,7 @@ constexpr int kCuts = 3;
 /// What a plain run of three cuts reports: three passes, then the end.
 const std::vector<std::int32_t> kAllReports = {1, 2, 3, 4, 5, 6, 7, 8, 9, -1};
 
-class SpotRunTest : public testing::Test {
+class SpotQueueTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(model.LoadFile(WriteProject(folder, "a.adl", kCuts))); }
 
@@ -42,10 +42,10 @@ class SpotRunTest : public testing::Test {
   MainLoop loop;
   CallLog calls;
   int workers = 0;
-  SpotRuns runs;
+  SpotQueue runs;
 };
 
-TEST_F(SpotRunTest, reportsEachStepAndThenTheEnd) {
+TEST_F(SpotQueueTest, reportsEachStepAndThenTheEnd) {
   const auto worker = RequestAndStart();
   EXPECT_FALSE(runs.Idle());
   RunUntilEnded(worker);
@@ -57,7 +57,7 @@ TEST_F(SpotRunTest, reportsEachStepAndThenTheEnd) {
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, workerStandsStillUntilItsReportIsDelivered) {
+TEST_F(SpotQueueTest, workerStandsStillUntilItsReportIsDelivered) {
   const auto worker = RequestAndStart();
   loop.WaitForCall();
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -70,7 +70,7 @@ TEST_F(SpotRunTest, workerStandsStillUntilItsReportIsDelivered) {
   RunUntilEnded(worker);
 }
 
-TEST_F(SpotRunTest, nothingIsShownWhenNoReportWaits) {
+TEST_F(SpotQueueTest, nothingIsShownWhenNoReportWaits) {
   const auto worker = Request();
   int shows = 0;
   worker->run->DeliverReport([&](std::int32_t) { ++shows; });
@@ -81,7 +81,7 @@ TEST_F(SpotRunTest, nothingIsShownWhenNoReportWaits) {
   EXPECT_EQ(shows, 0);
 }
 
-TEST_F(SpotRunTest, abortStopsAtTheNextEvent) {
+TEST_F(SpotQueueTest, abortStopsAtTheNextEvent) {
   const auto worker = HeldInFirstMessage();
   worker->run->Abort();
   EXPECT_TRUE(worker->run->Aborted());
@@ -97,7 +97,7 @@ TEST_F(SpotRunTest, abortStopsAtTheNextEvent) {
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, abortReleasesAWorkerThatWaitsForItsReport) {
+TEST_F(SpotQueueTest, abortReleasesAWorkerThatWaitsForItsReport) {
   const auto worker = RequestAndStart();
   loop.WaitForCall();
   worker->run->Abort();
@@ -108,7 +108,7 @@ TEST_F(SpotRunTest, abortReleasesAWorkerThatWaitsForItsReport) {
   EXPECT_TRUE(worker->shown.empty());
 }
 
-TEST_F(SpotRunTest, abortReleasesAWorkerThatWaitsForItsLastReport) {
+TEST_F(SpotQueueTest, abortReleasesAWorkerThatWaitsForItsLastReport) {
   const auto worker = RequestAndStart();
   loop.RunUntil([&] { return worker->Posted() == -1 && loop.Waiting() == 1; });
   worker->run->Abort();
@@ -117,7 +117,7 @@ TEST_F(SpotRunTest, abortReleasesAWorkerThatWaitsForItsLastReport) {
   EXPECT_EQ(worker->shown.back(), 9);  // the aborted run does not bring the button back
 }
 
-TEST_F(SpotRunTest, aReportMayAbortItsOwnRun) {
+TEST_F(SpotQueueTest, aReportMayAbortItsOwnRun) {
   const auto worker = RequestAndStart();
   loop.WaitForCall();
   worker->run->DeliverReport([&](std::int32_t) { worker->run->Abort(); });
@@ -125,7 +125,7 @@ TEST_F(SpotRunTest, aReportMayAbortItsOwnRun) {
   EXPECT_EQ(worker->Posts(), 1);
 }
 
-TEST_F(SpotRunTest, abortBeforeTheThreadComesEndsWithoutWork) {
+TEST_F(SpotQueueTest, abortBeforeTheThreadComesEndsWithoutWork) {
   const auto worker = Request();
   worker->run->Abort();
   worker->Start();
@@ -134,7 +134,7 @@ TEST_F(SpotRunTest, abortBeforeTheThreadComesEndsWithoutWork) {
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, secondRunStartsItsWorkWhenTheAbortedOneHasEnded) {
+TEST_F(SpotQueueTest, secondRunStartsItsWorkWhenTheAbortedOneHasEnded) {
   const auto first = HeldInFirstMessage();
   first->run->Abort();
   const auto second = RequestAndStart();
@@ -151,7 +151,7 @@ TEST_F(SpotRunTest, secondRunStartsItsWorkWhenTheAbortedOneHasEnded) {
   EXPECT_EQ(host.Sent(), 1 + kCuts);
 }
 
-TEST_F(SpotRunTest, runsWorkInTheOrderOfTheirRequests) {
+TEST_F(SpotQueueTest, runsWorkInTheOrderOfTheirRequests) {
   const auto first = Request();
   const auto second = RequestAndStart();  // its thread comes first
   std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -163,7 +163,7 @@ TEST_F(SpotRunTest, runsWorkInTheOrderOfTheirRequests) {
   EXPECT_EQ(calls.Order(), (std::vector<int>{1, 2}));
 }
 
-TEST_F(SpotRunTest, eachRunObeysOnlyItsOwnAbort) {
+TEST_F(SpotQueueTest, eachRunObeysOnlyItsOwnAbort) {
   const auto first = HeldInFirstMessage();
   const auto second = RequestAndStart();
   second->run->Abort();
@@ -181,7 +181,7 @@ TEST_F(SpotRunTest, eachRunObeysOnlyItsOwnAbort) {
   EXPECT_EQ(calls.Order(), (std::vector<int>{1, 3}));
 }
 
-TEST_F(SpotRunTest, abortAndSpotAtOnceTenTimesInARow) {
+TEST_F(SpotQueueTest, abortAndSpotAtOnceTenTimesInARow) {
   std::vector<std::shared_ptr<Worker>> all{HeldInFirstMessage()};
   for (int i = 0; i < 10; ++i) {
     all.back()->run->Abort();
@@ -198,7 +198,7 @@ TEST_F(SpotRunTest, abortAndSpotAtOnceTenTimesInARow) {
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, abortAtAnyMomentLeavesOneWorkerAtATime) {
+TEST_F(SpotQueueTest, abortAtAnyMomentLeavesOneWorkerAtATime) {
   std::vector<std::shared_ptr<Worker>> all;
   for (std::size_t steps = 0; steps < 10; ++steps) {
     const auto worker = RequestAndStart();
@@ -218,7 +218,7 @@ TEST_F(SpotRunTest, abortAtAnyMomentLeavesOneWorkerAtATime) {
   EXPECT_EQ(order.back(), 11);
 }
 
-TEST_F(SpotRunTest, eachRunHasItsOwnOptions) {
+TEST_F(SpotQueueTest, eachRunHasItsOwnOptions) {
   const auto first = HeldInFirstMessage();
   SpotOptions options = PlainOptions();
   options.positionMode = PositionWithOffset;
@@ -232,7 +232,7 @@ TEST_F(SpotRunTest, eachRunHasItsOwnOptions) {
                                                  kHour + 48000 + 7, kHour + 96000 + 7}));
 }
 
-TEST_F(SpotRunTest, loadInTheGapKeepsTheOldProjectUntilItsWorkerHasEnded) {
+TEST_F(SpotQueueTest, loadInTheGapKeepsTheOldProjectUntilItsWorkerHasEnded) {
   const std::weak_ptr<AES31Project> old = model.project;
   const auto first = HeldInFirstMessage();
   first->run->Abort();
@@ -249,7 +249,7 @@ TEST_F(SpotRunTest, loadInTheGapKeepsTheOldProjectUntilItsWorkerHasEnded) {
   EXPECT_EQ(host.Sent(), 1 + 2);
 }
 
-TEST_F(SpotRunTest, oldProjectIsGoneBeforeTheNextRunWorks) {
+TEST_F(SpotQueueTest, oldProjectIsGoneBeforeTheNextRunWorks) {
   const std::weak_ptr<AES31Project> old = model.project;
   const auto first = HeldInFirstMessage();
   first->run->Abort();
@@ -262,7 +262,7 @@ TEST_F(SpotRunTest, oldProjectIsGoneBeforeTheNextRunWorks) {
   RunUntilEnded(second);
 }
 
-TEST_F(SpotRunTest, failedLoadInTheGapKeepsTheOldProjectToo) {
+TEST_F(SpotQueueTest, failedLoadInTheGapKeepsTheOldProjectToo) {
   const std::weak_ptr<AES31Project> old = model.project;
   const auto worker = HeldInFirstMessage();
   worker->run->Abort();
@@ -273,7 +273,7 @@ TEST_F(SpotRunTest, failedLoadInTheGapKeepsTheOldProjectToo) {
   EXPECT_TRUE(old.expired());
 }
 
-TEST_F(SpotRunTest, filesRenderedByAnAbortedRunGoWithItsProject) {
+TEST_F(SpotQueueTest, filesRenderedByAnAbortedRunGoWithItsProject) {
   SpotOptions options = PlainOptions();
   options.bitDepth = 24;
   options.depthSuffix = "_24bit";
@@ -287,7 +287,7 @@ TEST_F(SpotRunTest, filesRenderedByAnAbortedRunGoWithItsProject) {
   EXPECT_FALSE(TemporaryFolder::Read(folder.Path("voice_24bit.wav")).empty());
 }
 
-TEST_F(SpotRunTest, waitingRunKeepsItsProjectOnlyUntilItIsAborted) {
+TEST_F(SpotQueueTest, waitingRunKeepsItsProjectOnlyUntilItIsAborted) {
   const auto first = HeldInFirstMessage();
   ASSERT_TRUE(model.LoadFile(WriteProject(folder, "b.adl", 2)));
   const std::weak_ptr<AES31Project> ofWaiting = model.project;
@@ -301,7 +301,7 @@ TEST_F(SpotRunTest, waitingRunKeepsItsProjectOnlyUntilItIsAborted) {
   RunUntilEnded(first);
 }
 
-TEST_F(SpotRunTest, boxesMayChangeOnceTheRunIsAborted) {
+TEST_F(SpotQueueTest, boxesMayChangeOnceTheRunIsAborted) {
   // The worker is on its way through the boxes of all events when the abort comes, which it sees at
   // its next event only.
   ASSERT_TRUE(model.LoadFile(WriteProject(folder, "b.adl", 50)));
@@ -316,7 +316,7 @@ TEST_F(SpotRunTest, boxesMayChangeOnceTheRunIsAborted) {
   }
 }
 
-TEST_F(SpotRunTest, boxesMayChangeWhileTheLastEventIsStillWorkedOn) {
+TEST_F(SpotQueueTest, boxesMayChangeWhileTheLastEventIsStillWorkedOn) {
   const auto worker = HeldInFirstMessage();
   worker->run->Abort();
   std::thread release([&] { host.Release(); });
@@ -327,7 +327,7 @@ TEST_F(SpotRunTest, boxesMayChangeWhileTheLastEventIsStillWorkedOn) {
   EXPECT_EQ(host.Sent(), 1);
 }
 
-TEST_F(SpotRunTest, runWithoutAProjectMakesNoCall) {
+TEST_F(SpotQueueTest, runWithoutAProjectMakesNoCall) {
   const auto worker = Worker::Make(1, runs.Request({}, PlainOptions()), host, loop, calls);
   worker->Start();
   worker->Join();
@@ -335,7 +335,7 @@ TEST_F(SpotRunTest, runWithoutAProjectMakesNoCall) {
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, droppedRunDoesNotHoldTheNextOne) {
+TEST_F(SpotQueueTest, droppedRunDoesNotHoldTheNextOne) {
   {
     const auto neverStarted = runs.Request(WorkOf(model), PlainOptions());
     EXPECT_FALSE(runs.Idle());
@@ -346,7 +346,7 @@ TEST_F(SpotRunTest, droppedRunDoesNotHoldTheNextOne) {
   EXPECT_TRUE(worker->Join());
 }
 
-TEST_F(SpotRunTest, runDroppedWhileTheNextOneWaitsLetsItWork) {
+TEST_F(SpotQueueTest, runDroppedWhileTheNextOneWaitsLetsItWork) {
   auto neverStarted = runs.Request(WorkOf(model), PlainOptions());
   const auto worker = RequestAndStart();
   std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -355,12 +355,12 @@ TEST_F(SpotRunTest, runDroppedWhileTheNextOneWaitsLetsItWork) {
   EXPECT_TRUE(worker->Join());
 }
 
-TEST_F(SpotRunTest, closeWithoutRunsReturns) {
+TEST_F(SpotQueueTest, closeWithoutRunsReturns) {
   runs.Close();
   EXPECT_TRUE(runs.Idle());
 }
 
-TEST_F(SpotRunTest, closeWaitsForWorkersThatWaitForTheMainThread) {
+TEST_F(SpotQueueTest, closeWaitsForWorkersThatWaitForTheMainThread) {
   const std::weak_ptr<AES31Project> project = model.project;
   const auto first = RequestAndStart();
   loop.WaitForCall();
@@ -379,7 +379,7 @@ TEST_F(SpotRunTest, closeWaitsForWorkersThatWaitForTheMainThread) {
   EXPECT_EQ(calls.Order(), std::vector<int>{1});
 }
 
-TEST_F(SpotRunTest, closeWaitsForAWorkerInsideAMessage) {
+TEST_F(SpotQueueTest, closeWaitsForAWorkerInsideAMessage) {
   const auto worker = HeldInFirstMessage();
   std::atomic<bool> released = false;
   std::thread release([&] {
@@ -395,7 +395,7 @@ TEST_F(SpotRunTest, closeWaitsForAWorkerInsideAMessage) {
   EXPECT_EQ(host.Sent(), 1);
 }
 
-TEST_F(SpotRunTest, closeWaitsForAThreadThatIsStillOnItsWay) {
+TEST_F(SpotQueueTest, closeWaitsForAThreadThatIsStillOnItsWay) {
   const auto worker = Request();
   std::atomic<bool> arrived = false;
   worker->Start([&] {
@@ -409,7 +409,7 @@ TEST_F(SpotRunTest, closeWaitsForAThreadThatIsStillOnItsWay) {
   EXPECT_TRUE(calls.Order().empty());
 }
 
-TEST_F(SpotRunTest, closeGivesUpTheMessagesOfAHostThatRefuses) {
+TEST_F(SpotQueueTest, closeGivesUpTheMessagesOfAHostThatRefuses) {
   // Three pieces for the cut, each with up to 80 attempts and no look at the abort in between.
   const std::string fade = "(Infade) 00.00.00,00/0100 _ 0 0 0 (Outfade) 00.00.00,00/0100 _ 0 0 0";
   ASSERT_TRUE(model.LoadFile(WriteProject(folder, "fades.adl", 1, fade)));
@@ -433,7 +433,7 @@ TEST_F(SpotRunTest, closeGivesUpTheMessagesOfAHostThatRefuses) {
   EXPECT_TRUE(worker->Lines().empty());
 }
 
-TEST_F(SpotRunTest, abortAloneLeavesTheAttemptsOfAPieceTheirCourse) {
+TEST_F(SpotQueueTest, abortAloneLeavesTheAttemptsOfAPieceTheirCourse) {
   const std::string fade = "(Infade) 00.00.00,00/0100 _ 0 0 0";
   ASSERT_TRUE(model.LoadFile(WriteProject(folder, "fades.adl", 2, fade)));
   SpotOptions options = PlainOptions();
@@ -451,7 +451,7 @@ TEST_F(SpotRunTest, abortAloneLeavesTheAttemptsOfAPieceTheirCourse) {
   EXPECT_EQ(host.Sent(), 2 + 80);  // one piece, and none of the second cut
 }
 
-TEST_F(SpotRunTest, logLinesOfTheWorkerAreHandedOn) {
+TEST_F(SpotQueueTest, logLinesOfTheWorkerAreHandedOn) {
   host.Answer(-600);
   const auto worker = HeldInFirstMessage();
   host.Release();
@@ -461,7 +461,7 @@ TEST_F(SpotRunTest, logLinesOfTheWorkerAreHandedOn) {
   EXPECT_EQ(worker->Lines()[0].find("spot 5555555555555555  ttt=-600"), 0U);
 }
 
-TEST_F(SpotRunTest, newRunsMayFollowAClose) {
+TEST_F(SpotQueueTest, newRunsMayFollowAClose) {
   const auto first = RequestAndStart();
   runs.Close();
   EXPECT_FALSE(first->Join());
@@ -471,12 +471,12 @@ TEST_F(SpotRunTest, newRunsMayFollowAClose) {
   EXPECT_EQ(second->shown, kAllReports);
 }
 
-TEST_F(SpotRunTest, managerAndViewMayGoWhileTheThreadLeaves) {
+TEST_F(SpotQueueTest, managerAndViewMayGoWhileTheThreadLeaves) {
   for (int i = 0; i < 20; ++i) {
     auto view = std::make_unique<ViewModel>();
     ASSERT_TRUE(view->LoadFile(folder.Path("a.adl")));
     const std::weak_ptr<AES31Project> project = view->project;
-    auto manager = std::make_unique<SpotRuns>();
+    auto manager = std::make_unique<SpotQueue>();
     std::array<std::shared_ptr<Worker>, 3> threads;
     for (auto& thread : threads) {
       thread = Worker::Make(i, manager->Request(WorkOf(*view), PlainOptions()), host, loop, calls);
