@@ -9,6 +9,7 @@ namespace velmora {
 class AES31Project;
 class SpotQueue;
 class ViewModel;
+struct LoadFailure;
 }  // namespace velmora
 
 class AAX_IController;
@@ -19,6 +20,12 @@ class AAX_IViewContainer;
 @class TextView;
 @class myImageView;
 @class spotThreadClass;
+
+// Posted on the main thread, with the view controller as its object, when a load has ended, good or
+// failed, and the view shows its outcome. An offer to shells that show facts of their own about a
+// project; nobody needs to listen. The name stands here by value, because the bundle exports no
+// symbol but its classes.
+NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotification";
 
 // The centre of the view: one object for each open window. It takes texts from the outlets, hands
 // them to the portable model and shows what comes back. The project, the rows of the tables and the
@@ -113,8 +120,13 @@ class AAX_IViewContainer;
 // enough for it.
 - (void)GetAdlFileName:(char*)buffer;
 
-// Loads the file that FileNameTextField names; answers in errorMessageLabel and in the tables.
+// Loads the file that FileNameTextField names; answers in errorMessageLabel and in the tables, and
+// posts VelmoraDidLoadFileNotification at the end.
 - (void)LoadFile;
+
+// Why the last load failed; null after a good one and before the first. Valid until the next load.
+// For shells that say more than the view's "File NG.".
+- (const velmora::LoadFailure*)loadFailure;
 
 // Builds the event rows anew and shows them.
 - (void)setupEventList;

@@ -1,11 +1,12 @@
 #include <cstring>
 #include <vector>
 
+#include "Model/ViewModel.h"
 #import "View/TextConversion.h"
 #import "View/Velmora_ViewController.h"
-#include "Model/ViewModel.h"
 
 @interface Velmora_ViewController (LoadingSteps)
+- (void)loadAndShow;
 - (void)showEventList;
 - (NSString*)pathFromPanel:(NSOpenPanel*)panel;
 @end
@@ -17,6 +18,17 @@
 }
 
 - (void)LoadFile {
+  [self loadAndShow];
+  [[NSNotificationCenter defaultCenter] postNotificationName:VelmoraDidLoadFileNotification
+                                                      object:self];
+}
+
+- (const velmora::LoadFailure*)loadFailure {
+  const bool failed = model->project == nullptr && model->loadFailure.has_value();
+  return failed ? &*model->loadFailure : nullptr;
+}
+
+- (void)loadAndShow {
   const std::size_t length = TextFromString([FileNameTextField stringValue]).size();
   std::vector<char> path(length + 1);
   [self GetAdlFileName:path.data()];

@@ -1,11 +1,34 @@
 // Projects come in through the file panel, folders through the other.
 
+#include "ADL/LoadFailure.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/Material.h"
 #import "View/Panels.h"
 #import "View/Scenarios.h"
 #import "View/Stage.h"
+
+// Notes what the view says and shows at the moment when it tells of a load.
+@interface LoadListener : NSObject {
+ @public
+  int loads;
+  bool onMainThread;
+  id teller;
+  std::string message;
+}
+- (void)didLoad:(NSNotification*)notification;
+@end
+
+@implementation LoadListener
+
+- (void)didLoad:(NSNotification*)notification {
+  ++loads;
+  onMainThread = [NSThread isMainThread];
+  teller = [notification object];
+  message = velmora::view::TextOf([[velmora::view::Controller() errorMessageLabel] stringValue]);
+}
+
+@end
 
 namespace velmora::view {
 
@@ -130,14 +153,50 @@ void PicksFolder() {
   CheckTrue("copies lie in the folder", std::filesystem::exists(target + "/ada.wav"));
 }
 
+// What the view offers to shells: word of each load, and the reason of one that failed.
+void TellsOfLoads() {
+  const test::TemporaryFolder folder;
+  const std::string storm = CopyOfExample(folder, "Storm.adl");
+  const std::string bad = folder.Write(
+      "bad.adl", "<ADL>\n<EVENT_LIST>\n(Entry) 1 (Cut) I 1 1 1 x\n</EVENT_LIST>\n</ADL>\n");
+  StartShell();
+  const auto failure = [] {
+    return Ask([] {
+      const LoadFailure* const reason = [Controller() loadFailure];
+      return reason == nullptr ? std::string("none") : Shown(reason->line) + " " + reason->section;
+    });
+  };
+  LoadListener* const listener = [[LoadListener new] autorelease];
+  OnMain([&] {
+    [[NSNotificationCenter defaultCenter] addObserver:listener
+                                             selector:@selector(didLoad:)
+                                                 name:VelmoraDidLoadFileNotification
+                                               object:nil];
+  });
+  Check("before the first load there is no failure", "none", failure());
+
+  PickThroughPanel([Controller() selectFileButton], storm, "");
+  Check("a good load is told once", 1, listener->loads);
+  CheckTrue("on the main thread", listener->onMainThread);
+  CheckTrue("by the view controller", listener->teller == Controller());
+  Check("when the view shows its outcome", "Some files not found. Check event list.",
+        listener->message);
+  Check("it has no failure", "none", failure());
+
+  LoadPath(bad);
+  Check("a failed load is told too", 2, listener->loads);
+  Check("when the view shows it", "File NG.", listener->message);
+  Check("its failure says where", "3 EVENT_LIST", failure());
+  LoadPath(storm);
+  Check("a good load takes the failure away", "none", failure());
+}
+
 }  // namespace
 
 std::vector<Scenario> LoadingScenarios() {
-  return {{"starts-empty", StartsEmpty},
-          {"picks-file", PicksFile},
-          {"picks-file-again", PicksFileAgain},
-          {"cancels-panels", CancelsPanels},
-          {"picks-folder", PicksFolder}};
+  return {{"starts-empty", StartsEmpty},        {"picks-file", PicksFile},
+          {"picks-file-again", PicksFileAgain}, {"cancels-panels", CancelsPanels},
+          {"picks-folder", PicksFolder},        {"tells-loads", TellsOfLoads}};
 }
 
 }  // namespace velmora::view
