@@ -5,9 +5,9 @@
 #include <iostream>
 #include <memory>
 
+#include "Base/SystemLog.h"
 #include "Embedded/EmbeddedHost.h"
 #include "Model/Tables.h"
-#include "Base/SystemLog.h"
 #include "Program/ExitStatus.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
@@ -15,9 +15,8 @@
 #include "Program/SpotNotes.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
+#include "Spot/SpotChoices.h"
 #include "Spot/SpotRequest.h"
-#include "Timecode/AdlTime.h"
-#include "Base/Wrapping.h"
 
 namespace velmora::program {
 namespace {
@@ -41,20 +40,17 @@ host::SessionRates RatesFor(const SpotArguments& arguments, const ViewModel& mod
 
 SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
                        const host::SessionRates& session) {
-  SpotOptions options;
-  options.sessionRate = Truncate<std::int32_t>(session.sampleRate);
-  options.positionMode = arguments.positionMode;
-  options.frameRate = session.frameRate;
-  options.doFades = arguments.fades ? 1 : 0;
-  options.doGain = arguments.gain ? 1 : 0;
-  options.offsetSamples =
-      TimecodeToSamples(arguments.offset.c_str(), options.frameRate, options.sessionRate);
-  options.startSamples =
-      TimecodeToSamples(arguments.start.c_str(), options.frameRate, options.sessionRate);
-  options.bitDepth = arguments.bitDepth;
-  options.depthSuffix = arguments.bitDepth == 16 ? "_16bit" : "_24bit";
-  options.copyFolder = arguments.copyFolder;
-  options.copySource = arguments.copyFolder.empty() ? 0 : 1;
+  SpotChoices choices;
+  choices.positionMode = arguments.positionMode;
+  choices.offset = arguments.offset;
+  choices.start = arguments.start;
+  choices.fades = arguments.fades ? 1 : 0;
+  choices.gain = arguments.gain ? 1 : 0;
+  choices.depth = arguments.bitDepth == 16 ? 0 : 1;
+  choices.copy = !arguments.copyFolder.empty();
+  choices.copyFolder = arguments.copyFolder;
+  SpotOptions options = BuildSpotOptions(choices, session);
+  // The report tells where the project lands before the run begins.
   ComputePosition(options, model.firstEvent);
   return options;
 }
@@ -107,7 +103,7 @@ int RunSpotCommand(const SpotArguments& arguments) {
   MessageTap tap(embedded);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
-  const host::SessionClock clock(session.sampleRate, session.frameRate);
+  const host::SessionClock clock(session);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
   if (arguments.json) {

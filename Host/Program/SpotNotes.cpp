@@ -1,10 +1,10 @@
 #include "Program/SpotNotes.h"
 
 #include "BWF/AES31BWF.h"
+#include "Base/Wrapping.h"
 #include "Session/SessionClock.h"
 #include "Spot/SpotWorker.h"
 #include "Timecode/AdlTime.h"
-#include "Base/Wrapping.h"
 
 namespace velmora::program {
 namespace {
@@ -47,7 +47,7 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
   const AES31Event* const first = EarliestLiveCut(model);
   if (!notes.empty() && first != nullptr) {
     const std::int64_t position = WrapAdd(AdlToSamples(first->cut.destIn), options.timelineOffset);
-    const host::SessionClock clock(session.sampleRate, session.frameRate);
+    const host::SessionClock clock(session);
     notes.push_back("The first region lands at sample " + std::to_string(position) + ", " +
                     clock.Timecode(position) + ".");
   }

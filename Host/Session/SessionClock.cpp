@@ -34,11 +34,12 @@ std::uint64_t AddDroppedNumbers(std::uint64_t frame, std::uint64_t nominal) {
 
 }  // namespace
 
-SessionClock::SessionClock(float sampleRate, std::int32_t frameRateCode)
-    : sampleRate_(sampleRate >= 1.0F && sampleRate <= 1e7F ? sampleRate : 48000.0F),
-      code_(frameRateCode >= 0 && frameRateCode < static_cast<std::int32_t>(kFrameRates.size())
-                ? frameRateCode
-                : 0),
+SessionClock::SessionClock(const SessionRates& rates)
+    : sampleRate_(rates.sampleRate >= 1.0F && rates.sampleRate <= 1e7F ? rates.sampleRate
+                                                                       : SessionRates().sampleRate),
+      code_(rates.frameRate >= 0 && rates.frameRate < static_cast<std::int32_t>(kFrameRates.size())
+                ? rates.frameRate
+                : SessionRates().frameRate),
       microHertz_(std::llround(static_cast<double>(sampleRate_) * 1e6)) {}
 
 std::int64_t SessionClock::FrameAt(std::int64_t sample) const {

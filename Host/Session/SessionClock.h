@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "Spot/SessionRates.h"
+
 namespace velmora::host {
 
 /// One of the session's frame rates, by the host's code.
@@ -31,8 +33,7 @@ inline constexpr auto kFrameRates = std::to_array<FrameRate>({
 class SessionClock {
  public:
   /// A rate that is not a positive number counts as 48000 Hz, an unknown code as 0.
-  SessionClock(float sampleRate, std::int32_t frameRateCode);
-  SessionClock() : SessionClock(48000.0F, 0) {}
+  explicit SessionClock(const SessionRates& rates = SessionRates());
 
   float SampleRate() const { return sampleRate_; }
   std::int32_t FrameRateCode() const { return code_; }

@@ -7,12 +7,11 @@
 #import "View/spotThreadClass.h"
 #include "View/HostInterfaces.h"
 #import "View/VelmoraHostConnection.h"
-#include "Spot/SpotOptions.h"
+#include "Spot/SpotChoices.h"
 #include "Spot/SpotRequest.h"
 #include "Spot/SpotQueue.h"
 #include "Timecode/AdlTime.h"
 #import "View/TextView.h"
-#include "Base/Wrapping.h"
 
 // Where the bundle's own resources are found.
 static NSString* const kBundleIdentifier = @"org.velmora.VelmoraGUI";
@@ -182,23 +181,19 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
 }
 
 - (velmora::SpotOptions)spotOptions {
-  velmora::SpotOptions options;
-  options.sessionRate = velmora::Truncate<std::int32_t>([self sessionRate]);
-  options.positionMode = SelectedTag(spotPsitionMatrix);
-  options.frameRate = [self sessionFrameRate];
-  options.doFades = SelectedTag(fadeDataMatrix);
-  options.doGain = SelectedTag(gainDataMatrix);
-  options.offsetSamples = velmora::TimecodeToSamples(
-      TextFromString([timeOffset stringValue]).c_str(), options.frameRate, options.sessionRate);
-  options.startSamples = velmora::TimecodeToSamples(TextFromString([timeStart stringValue]).c_str(),
-                                                    options.frameRate, options.sessionRate);
-  const bool copySource = [cpoySourcecheckBox state] != NSOffState;
-  const bool is16Bit = SelectedTag(depthMatrix) == 0;
-  options.bitDepth = is16Bit ? 16 : 24;
-  options.depthSuffix = is16Bit ? "_16bit" : "_24bit";
-  options.copyFolder = TextFromString([CopyFolderNameTextField stringValue]);
-  options.copySource = copySource && !options.copyFolder.empty() ? 1 : 0;
-  return options;
+  velmora::SessionRates rates;
+  rates.sampleRate = [self sessionRate];
+  rates.frameRate = [self sessionFrameRate];
+  velmora::SpotChoices choices;
+  choices.positionMode = SelectedTag(spotPsitionMatrix);
+  choices.fades = SelectedTag(fadeDataMatrix);
+  choices.gain = SelectedTag(gainDataMatrix);
+  choices.offset = TextFromString([timeOffset stringValue]);
+  choices.start = TextFromString([timeStart stringValue]);
+  choices.copy = [cpoySourcecheckBox state] != NSOffState;
+  choices.depth = SelectedTag(depthMatrix);
+  choices.copyFolder = TextFromString([CopyFolderNameTextField stringValue]);
+  return velmora::BuildSpotOptions(choices, rates);
 }
 
 - (velmora::SharedSpotProject)spotProject {

@@ -21,7 +21,8 @@ class SessionClockRows : public testing::TestWithParam<ClockRow> {};
 
 TEST_P(SessionClockRows, showsTheFrameThatHoldsTheSample) {
   const ClockRow& row = GetParam();
-  EXPECT_EQ(SessionClock(row.sampleRate, row.code).Timecode(row.sample), row.timecode) << row.rule;
+  EXPECT_EQ(SessionClock({row.sampleRate, row.code}).Timecode(row.sample), row.timecode)
+      << row.rule;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -48,7 +49,7 @@ TEST(SessionClock, agreesWithTheTimestampsOfAllCodes) {
   // The first sample of a frame is what the system's own arithmetic gives for its timecode.
   for (std::int32_t code = 0; code < 8; ++code) {
     for (const float rate : {48000.0F, 44100.0F}) {
-      const SessionClock clock(rate, code);
+      const SessionClock clock({rate, code});
       for (std::int64_t frame = 0; frame < 400000; frame += 997) {
         const std::int64_t start = clock.FrameStart(frame);
         const std::string label = clock.FrameLabel(frame);
@@ -62,16 +63,16 @@ TEST(SessionClock, agreesWithTheTimestampsOfAllCodes) {
 }
 
 TEST(SessionClock, outOfRangeRatesFallBack) {
-  EXPECT_EQ(SessionClock(0, 0).SampleRate(), 48000);
-  EXPECT_EQ(SessionClock(-1, 0).SampleRate(), 48000);
-  EXPECT_EQ(SessionClock(std::numeric_limits<float>::quiet_NaN(), 0).SampleRate(), 48000);
-  EXPECT_EQ(SessionClock(std::numeric_limits<float>::infinity(), 0).SampleRate(), 48000);
-  EXPECT_EQ(SessionClock(48000, -1).FrameRateCode(), 0);
-  EXPECT_EQ(SessionClock(48000, 8).FrameRateCode(), 0);
+  EXPECT_EQ(SessionClock({0, 0}).SampleRate(), 48000);
+  EXPECT_EQ(SessionClock({-1, 0}).SampleRate(), 48000);
+  EXPECT_EQ(SessionClock({std::numeric_limits<float>::quiet_NaN(), 0}).SampleRate(), 48000);
+  EXPECT_EQ(SessionClock({std::numeric_limits<float>::infinity(), 0}).SampleRate(), 48000);
+  EXPECT_EQ(SessionClock({48000, -1}).FrameRateCode(), 0);
+  EXPECT_EQ(SessionClock({48000, 8}).FrameRateCode(), 0);
 }
 
 TEST(SessionClock, extremePositionsStayDefined) {
-  const SessionClock clock(44100, 4);
+  const SessionClock clock({44100, 4});
   for (const std::int64_t sample :
        {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
     EXPECT_FALSE(clock.Timecode(sample).empty());

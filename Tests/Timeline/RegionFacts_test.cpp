@@ -15,7 +15,7 @@ TEST(RegionFacts, tellTrackPlaceLengthAndFile) {
   region.stop = 48000 + 120000;
   region.name = "Interview";
   region.path = "/audio/day 1/Interview.wav";
-  const RegionFacts facts = FactsOf(region, host::SessionClock(48000, 2));
+  const RegionFacts facts = FactsOf(region, host::SessionClock({48000, 2}));
   EXPECT_EQ(facts.title, "Interview   \u00b7   region on track 2");
   EXPECT_EQ(facts.details,
             "01:00:00:00 \u2013 01:00:02:12 (2.500 s, 120000 samples from 172800000)   \u00b7   "

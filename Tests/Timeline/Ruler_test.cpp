@@ -25,14 +25,14 @@ TimeScale ScaleOf(std::int64_t samplesPerPixel, std::int64_t origin) {
 
 TEST(Ruler, labelsStandAtRoundSeconds) {
   // 480 samples a pixel: 100 pixels a second.
-  const auto ticks = RulerTicks(ScaleOf(480, 172800000), host::SessionClock(48000, 2), 350, 90);
+  const auto ticks = RulerTicks(ScaleOf(480, 172800000), host::SessionClock({48000, 2}), 350, 90);
   EXPECT_EQ(Labels(ticks),
             (std::vector<std::string>{"01:00:00:00", "01:00:01:00", "01:00:02:00", "01:00:03:00"}));
   EXPECT_EQ(ticks.front().x, 0);
 }
 
 TEST(Ruler, beginsWithTheLabelLeftOfTheView) {
-  const auto ticks = RulerTicks(ScaleOf(480, 24000), host::SessionClock(48000, 2), 200, 90);
+  const auto ticks = RulerTicks(ScaleOf(480, 24000), host::SessionClock({48000, 2}), 200, 90);
   ASSERT_FALSE(ticks.empty());
   EXPECT_EQ(ticks.front().label, "00:00:00:00");
   EXPECT_EQ(ticks.front().x, -50);
@@ -40,7 +40,7 @@ TEST(Ruler, beginsWithTheLabelLeftOfTheView) {
 
 TEST(Ruler, labelsKeepTheirDistanceAtEveryScale) {
   for (std::int32_t code = 0; code < 8; ++code) {
-    const host::SessionClock clock(48000, code);
+    const host::SessionClock clock({48000, code});
     TimeScale scale = ScaleOf(10000, 123456789);
     for (int zoom = 0; zoom < 60; ++zoom) {
       double previous = -std::numeric_limits<double>::infinity();
@@ -60,7 +60,7 @@ TEST(Ruler, labelsKeepTheirDistanceAtEveryScale) {
 TEST(Ruler, ticksRiseFromLeftToRight) {
   for (std::int32_t code = 0; code < 8; ++code) {
     const auto ticks =
-        RulerTicks(ScaleOf(100, 2880000 - 20000), host::SessionClock(48000, code), 900, 90);
+        RulerTicks(ScaleOf(100, 2880000 - 20000), host::SessionClock({48000, code}), 900, 90);
     for (std::size_t i = 1; i < ticks.size(); ++i) {
       EXPECT_LT(ticks[i - 1].x, ticks[i].x) << "code " << code;
     }
@@ -69,7 +69,7 @@ TEST(Ruler, ticksRiseFromLeftToRight) {
 
 TEST(Ruler, dropFrameLabelsTheMinuteAtItsFirstFrame) {
   // 1600 samples a pixel, about a frame each: the minute's numbers 0 and 1 do not exist.
-  const auto ticks = RulerTicks(ScaleOf(1600, 2882880 - 16000), host::SessionClock(48000, 4), 40, 90);
+  const auto ticks = RulerTicks(ScaleOf(1600, 2882880 - 16000), host::SessionClock({48000, 4}), 40, 90);
   const auto labels = Labels(ticks);
   ASSERT_FALSE(labels.empty());
   EXPECT_EQ(labels.back(), "00:01:00;02");
@@ -77,7 +77,7 @@ TEST(Ruler, dropFrameLabelsTheMinuteAtItsFirstFrame) {
 
 TEST(Ruler, dropFrameLongSessionStillStartsAtTheView) {
   const std::int64_t tenHours = 1728000000;
-  const auto ticks = RulerTicks(ScaleOf(480, tenHours), host::SessionClock(48000, 4), 1000, 90);
+  const auto ticks = RulerTicks(ScaleOf(480, tenHours), host::SessionClock({48000, 4}), 1000, 90);
   ASSERT_FALSE(ticks.empty());
   EXPECT_LE(ticks.front().x, 0);
   EXPECT_GT(ticks.front().x, -200);
@@ -87,7 +87,7 @@ TEST(Ruler, countsSamplesWithinAFrame) {
   TimeScale scale;
   scale.MoveTo(1920);
   scale.ZoomAround(0, 480 * 4);  // four pixels a sample; a frame of 1920 samples is 7680 wide
-  const auto labels = Labels(RulerTicks(scale, host::SessionClock(48000, 2), 1000, 90));
+  const auto labels = Labels(RulerTicks(scale, host::SessionClock({48000, 2}), 1000, 90));
   ASSERT_GE(labels.size(), 2U);
   EXPECT_EQ(labels[0], "00:00:00:01");
   EXPECT_EQ(labels[1], "00:00:00:01+50");
@@ -107,7 +107,7 @@ TEST(Ruler, extremeScalesAndPositionsEnd) {
         TimeScale scale;
         scale.ZoomAround(0, factor);
         scale.MoveTo(origin);
-        EXPECT_LE(RulerTicks(scale, host::SessionClock(48000, code), 2000, 90).size(), 4000U);
+        EXPECT_LE(RulerTicks(scale, host::SessionClock({48000, code}), 2000, 90).size(), 4000U);
       }
     }
   }

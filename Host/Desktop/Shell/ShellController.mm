@@ -109,7 +109,7 @@ constexpr CGFloat kUsualWidth = 1120;
   [self fillWindow];
   InstallShellMenu([pane timeline], self);
   [bar setRates:settings.Rates()];
-  [pane setClock:velmora::host::SessionClock(settings.Rates().sampleRate, settings.Rates().frameRate)];
+  [pane setClock:velmora::host::SessionClock(settings.Rates())];
   [bar setSummary:@""];
   [self showStatus];
   [window makeKeyAndOrderFront:nil];
@@ -285,7 +285,7 @@ constexpr CGFloat kUsualWidth = 1120;
   if (facts.Loaded() && !facts.earliest.empty()) {
     settings.SetRates(velmora::host::PresetFor(facts.earliest.c_str()));
     [bar setRates:settings.Rates()];
-    [pane setClock:velmora::host::SessionClock(settings.Rates().sampleRate, settings.Rates().frameRate)];
+    [pane setClock:velmora::host::SessionClock(settings.Rates())];
   }
   [window setTitle:facts.path.empty()
                        ? @"Velmora"
@@ -330,7 +330,7 @@ constexpr CGFloat kUsualWidth = 1120;
 
 - (void)ratesChanged:(id)sender {
   settings.SetRates([bar rates]);
-  [pane setClock:velmora::host::SessionClock(settings.Rates().sampleRate, settings.Rates().frameRate)];
+  [pane setClock:velmora::host::SessionClock(settings.Rates())];
   [self showStatus];
 }
 
