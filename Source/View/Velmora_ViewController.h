@@ -111,6 +111,11 @@ NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotificatio
 // Nothing reads the number.
 - (void)SetTrackNo:(std::int32_t)trackNo;
 
+// Ends whatever edit is in progress in the window, as a change of focus does: the fields hold what
+// they show, and the timecode entries are committed. Call it before fields are read or disabled. A
+// field that is disabled in the middle of an edit loses the typed text.
+- (void)commitTypedText;
+
 @end
 
 // Loading a project into the model: Velmora_ViewControllerLoading.mm.

@@ -177,4 +177,10 @@ static void LogLine(const std::string& line) {
   model->SetTrackNo(trackNo);
 }
 
+- (void)commitTypedText {
+  NSWindow* window = [[self view] window];
+  // A field may refuse to let the focus go; its edit is ended all the same.
+  if (![window makeFirstResponder:nil]) [window endEditingFor:nil];
+}
+
 @end

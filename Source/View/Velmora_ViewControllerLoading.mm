@@ -29,6 +29,7 @@
 }
 
 - (void)loadAndShow {
+  [FileNameTextField validateEditing];  // a path that is still being typed counts
   const std::size_t length = TextFromString([FileNameTextField stringValue]).size();
   std::vector<char> path(length + 1);
   [self GetAdlFileName:path.data()];
@@ -72,8 +73,10 @@
   if (path != nil) [CopyFolderNameTextField setStringValue:path];
 }
 
-// The path that was chosen, nil when the panel was cancelled.
+// The path that was chosen, nil when the panel was cancelled. An edit that is in progress ends
+// first, or its text would come back over the chosen path.
 - (NSString*)pathFromPanel:(NSOpenPanel*)panel {
+  [self commitTypedText];
   NSArray* fileTypes = [NSArray arrayWithObjects:@"adl", nil];
   if ([panel runModalForTypes:fileTypes] != NSOKButton) return nil;
   return [panel filename];

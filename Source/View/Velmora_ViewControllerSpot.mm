@@ -42,6 +42,7 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
     [self abortSpot];
   } else {
     [[self retain] autorelease];  // an alert may stand while the shell lets go of the view
+    [self commitTypedText];       // what stands in the fields while an alert is read is what counts
     [self warnAboutSession];
     if (model->HasCuts()) [self startSpot];
   }
@@ -80,6 +81,7 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
 @implementation Velmora_ViewController (SpotSteps)
 
 - (void)startSpot {
+  [self commitTypedText];  // again: a shell may have moved the focus while an alert stood
   const std::int32_t doFades = SelectedTag(fadeDataMatrix);
   const std::int32_t doGain = SelectedTag(gainDataMatrix);
 

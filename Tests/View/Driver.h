@@ -33,9 +33,11 @@ void Drag(NSView* view, NSPoint from, NSPoint to);
 void TurnWheel(NSView* view, NSPoint place, int notches);  // up if positive
 // A key by its X name: "Return", "KP_Enter", "minus", "alt+F4".
 void Key(const std::string& name);
-// The same for a key behind which the main thread is busy.
+// The same for a key that keeps the main thread busy.
 void KeyUnanswered(const std::string& name);
 void Keys(std::initializer_list<const char*> names);
+// A text by its keys, one after the other. ASCII only.
+void TypeText(const std::string& text);
 
 // A key event that no keyboard has, given to the first responder's window.
 void SendCharacters(NSWindow* window, NSString* characters);

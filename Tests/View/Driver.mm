@@ -204,6 +204,12 @@ void Keys(std::initializer_list<const char*> names) {
   for (const char* name : names) Key(name);
 }
 
+void TypeText(const std::string& text) {
+  RunXdotool({"type", "--delay", "15", text});
+  Pause(kHoldSeconds);
+  OnMain([] {});
+}
+
 void SendCharacters(NSWindow* window, NSString* characters) {
   OnMain([&] {
     NSEvent* event = [NSEvent keyEventWithType:NSKeyDown

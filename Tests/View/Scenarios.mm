@@ -5,9 +5,9 @@ namespace velmora::view {
 const std::vector<Scenario>& AllScenarios() {
   static const std::vector<Scenario> all = [] {
     std::vector<Scenario> scenarios;
-    for (const auto& part :
-         {LoadingScenarios(), TroubleScenarios(), TableScenarios(), EntryScenarios(),
-          SpotScenarios(), AbortScenarios(), ShellScenarios(), ProgramScenarios()}) {
+    for (const auto& part : {LoadingScenarios(), TroubleScenarios(), TableScenarios(),
+                             EntryScenarios(), EditScenarios(), SpotScenarios(), AbortScenarios(),
+                             ShellScenarios(), ProgramScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;
