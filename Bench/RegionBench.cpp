@@ -12,7 +12,8 @@ void PlaceRegions(benchmark::State& state) {
   const auto count = static_cast<std::int32_t>(state.range(0));
   const std::string path = WriteNoise(24, 1);
   for (auto _ : state) {
-    host::EmbeddedHost host;
+    host::Session session;
+    host::EmbeddedHost host(session);
     for (std::int32_t i = 0; i < count; ++i) {
       RegionSpotter spotter(path.c_str(), i, i + 4800, host);
       const auto track = static_cast<std::int16_t>(i % 24);
@@ -20,7 +21,7 @@ void PlaceRegions(benchmark::State& state) {
         Fail("a region is refused");
       }
     }
-    if (host.session().regions().size() != static_cast<std::size_t>(count)) {
+    if (session.Regions().size() != static_cast<std::size_t>(count)) {
       Fail("a region is lost");
     }
   }

@@ -101,7 +101,7 @@ std::int32_t EmbeddedHost::Send(const RegionMessage& message) {
   region.stream = received.stream;
   region.path = std::move(alias.path);
   region.name = received.name;
-  RemarkOn(session_.Place(std::move(region)));
+  RemarkOn(session_->Place(std::move(region)));
   return noErr;
 }
 
@@ -116,7 +116,7 @@ EmbeddedHost::WaveFacts EmbeddedHost::Probe(const std::string& path) {
 }
 
 void EmbeddedHost::RemarkOn(std::size_t index) {
-  const SessionRegion& region = session_.regions()[index];
+  const SessionRegion& region = session_->Regions()[index];
   const auto remark = [&](std::string text) { remarks_.push_back({index, std::move(text)}); };
   const auto number = [](auto value) { return std::to_string(value); };
 
@@ -124,12 +124,12 @@ void EmbeddedHost::RemarkOn(std::size_t index) {
     remark("begins before the timeline, at sample " + number(region.position));
   }
   if (region.start < 0) remark("starts at sample " + number(region.start) + " of its file");
-  if (region.length() <= 0) {
+  if (region.Length() <= 0) {
     remark("stops at sample " + number(region.stop) + " of its file, where it starts or before (" +
            number(region.start) + "): nothing is heard");
   }
-  if (region.length() == 1) remark("is one sample long");
-  if (region.end() == std::numeric_limits<std::int64_t>::max()) {
+  if (region.Length() == 1) remark("is one sample long");
+  if (region.End() == std::numeric_limits<std::int64_t>::max()) {
     remark("ends beyond the last sample that a timeline can have");
   }
   if (region.stream != 1) remark("asks for stream " + number(region.stream));

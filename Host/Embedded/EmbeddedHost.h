@@ -7,21 +7,19 @@
 #include <vector>
 
 #include "Session/Session.h"
+#include "Session/SessionHost.h"
 #include "Spot/RegionMessage.h"
 
 namespace velmora::host {
 
-/// What a person should look at in a region that was placed all the same.
-struct Remark {
-  std::size_t region = 0;  ///< index into Session::regions()
-  std::string text;        ///< one line, without the region's name
-};
-
 /// A host inside the program: it receives regions as an application would, from the bytes of the
-/// messages alone, and keeps a session of them. Not synchronised: read the session when the sender
+/// messages alone, and places them in a session. Not synchronised: read the session when the sender
 /// has ended.
-class EmbeddedHost : public velmora::RegionHost {
+class EmbeddedHost : public SessionHost {
  public:
+  /// `session` must outlive the host.
+  explicit EmbeddedHost(Session& session) : session_(&session) {}
+
   /// Makes a Mac OS alias record of the file or folder at `path`; a relative path counts from the
   /// current folder. noErr; fnfErr if nothing is there; notAFileErr for the root; bdNamErr for a
   /// path over 4096 bytes; permErr, paramErr (null), memFullErr or ioErr for what else may be in
@@ -33,9 +31,7 @@ class EmbeddedHost : public velmora::RegionHost {
   /// notAFileErr if it is no regular file. Nothing is placed unless the answer is noErr.
   std::int32_t Send(const RegionMessage& message) override;
 
-  const Session& session() const { return session_; }
-  /// In order of arrival. What is well formed and odd is placed and stands here.
-  const std::vector<Remark>& remarks() const { return remarks_; }
+  [[nodiscard]] const std::vector<Remark>& Remarks() const override { return remarks_; }
 
  private:
   struct WaveFacts {
@@ -45,7 +41,7 @@ class EmbeddedHost : public velmora::RegionHost {
   WaveFacts Probe(const std::string& path);
   void RemarkOn(std::size_t index);
 
-  Session session_;
+  Session* session_;
   std::vector<Remark> remarks_;
   std::unordered_map<std::string, WaveFacts> waves_;  ///< by path; a file is opened once
 };

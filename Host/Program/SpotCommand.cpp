@@ -55,11 +55,10 @@ SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
   return options;
 }
 
-void PrintRemarks(const host::EmbeddedHost& embedded) {
-  for (const host::Remark& remark : embedded.remarks()) {
-    std::cerr << "velmora: note: region of "
-              << Printable(embedded.session().regions()[remark.region].path) << ": " << remark.text
-              << '\n';
+void PrintRemarks(const host::Session& session, const host::SessionHost& host) {
+  for (const host::Remark& remark : host.Remarks()) {
+    std::cerr << "velmora: note: region of " << Printable(session.Regions()[remark.region].path)
+              << ": " << remark.text << '\n';
   }
 }
 
@@ -96,30 +95,30 @@ int RunSpotCommand(const SpotArguments& arguments) {
     return kLeftOut;
   }
   SetBoxes(model, arguments);
-  const host::SessionRates session = RatesFor(arguments, model);
-  const SpotOptions options = OptionsFor(arguments, model, session);
+  const host::SessionRates rates = RatesFor(arguments, model);
+  const SpotOptions options = OptionsFor(arguments, model, rates);
 
-  host::EmbeddedHost embedded;
+  host::Session session;
+  host::EmbeddedHost embedded(session);
   MessageTap tap(embedded);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
-  const host::SessionClock clock(session);
+  const host::SessionClock clock(rates);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
   if (arguments.json) {
     report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);
   } else {
-    report = std::make_unique<TextSpotReport>(leftOut, model, embedded.session(), clock, showsBar,
-                                              std::cout);
+    report = std::make_unique<TextSpotReport>(leftOut, model, session, clock, showsBar, std::cout);
   }
-  Spot(model, session, options, arguments.json ? static_cast<RegionHost&>(tap) : embedded, *report);
+  Spot(model, rates, options, arguments.json ? static_cast<RegionHost&>(tap) : embedded, *report);
 
-  PrintRemarks(embedded);
+  PrintRemarks(session, embedded);
   for (const std::string& line : leftOut.Lines())
     std::cerr << "velmora: left out: " << line << '\n';
   bool whole = leftOut.Lines().empty();
   if (!arguments.sessionFile.empty()) {
-    const std::string complaint = WriteSessionFile(embedded.session(), arguments.sessionFile);
+    const std::string complaint = WriteSessionFile(session, arguments.sessionFile);
     if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
     whole = whole && complaint.empty();
   }

@@ -88,7 +88,7 @@ void TextSpotReport::ClearBar() {
 void TextSpotReport::End(bool aborted) {
   SpotReport::End(aborted);
   ClearBar();
-  if (!session_.regions().empty()) {
+  if (!session_.Regions().empty()) {
     PrintRegions();
     PrintTracks();
   }
@@ -96,7 +96,7 @@ void TextSpotReport::End(bool aborted) {
   const SpotTotals& totals = Totals();
   out_ << (aborted ? "Stopped. " : "") << Counted(totals.regions, "region") << " placed on "
        << Counted(summary.tracks, "track") << ", " << Counted(totals.files, "file") << " made";
-  if (!session_.regions().empty()) {
+  if (!session_.Regions().empty()) {
     out_ << ".\nThe session spans " << clock_.Timecode(summary.first) << " to "
          << clock_.Timecode(summary.end);
   }
@@ -110,11 +110,11 @@ void TextSpotReport::PrintRegions() const {
                    {"Length", Align::Right},
                    {"From", Align::Right},
                    {"File"}});
-  const std::vector<host::SessionRegion>& regions = session_.regions();
+  const std::vector<host::SessionRegion>& regions = session_.Regions();
   for (std::size_t i = 0; i < std::min(regions.size(), kListedRegions); ++i) {
     const host::SessionRegion& region = regions[i];
     table.Add({std::to_string(region.track + 1), clock_.Timecode(region.position),
-               std::to_string(region.position), std::to_string(region.length()),
+               std::to_string(region.position), std::to_string(region.Length()),
                std::to_string(region.start), FileNameOf(region.path)});
   }
   out_ << "Regions\n";
@@ -133,10 +133,10 @@ void TextSpotReport::PrintTracks() const {
     std::int64_t end = 0;
   };
   std::map<std::int64_t, TrackSum> tracks;
-  for (const host::SessionRegion& region : session_.regions()) {
+  for (const host::SessionRegion& region : session_.Regions()) {
     TrackSum& sum = tracks[region.track];
     sum.first = sum.regions == 0 ? region.position : std::min(sum.first, region.position);
-    sum.end = sum.regions == 0 ? region.end() : std::max(sum.end, region.end());
+    sum.end = sum.regions == 0 ? region.End() : std::max(sum.end, region.End());
     ++sum.regions;
   }
   TextTable table({{"Track", Align::Right}, {"Regions", Align::Right}, {"From"}, {"To"}});

@@ -11,7 +11,7 @@ namespace velmora::host {
 std::size_t Session::Place(SessionRegion region) {
   const std::size_t index = regions_.size();
   const std::int64_t position = region.position;
-  const std::int64_t end = region.end();
+  const std::int64_t end = region.End();
   Pieces& pieces = tracks_[region.track];
   regions_.push_back(std::move(region));
   if (end > position) {
@@ -70,7 +70,7 @@ SessionSummary Session::Summary() const {
   for (const SessionRegion& region : regions_) {
     paths.insert(region.path);
     summary.first = std::min(summary.first, region.position);
-    summary.end = std::max({summary.end, region.position, region.end()});
+    summary.end = std::max({summary.end, region.position, region.End()});
   }
   summary.files = paths.size();
   return summary;

@@ -19,12 +19,12 @@ struct SessionRegion {
   std::string path;  ///< of the wave file, as the alias resolved
   std::string name;
 
-  /// 0 or negative if the stop does not lie behind the start. Both come as 32-bit numbers.
-  std::int64_t length() const { return stop - start; }
+  /// 0 or negative if the stop does not lie after the start. Both come as 32-bit numbers.
+  [[nodiscard]] std::int64_t Length() const { return stop - start; }
   /// Exclusive. Held at the limits of 64 bits: positions come from project files, unchecked.
-  std::int64_t end() const {
+  [[nodiscard]] std::int64_t End() const {
     using Limits = std::numeric_limits<std::int64_t>;
-    const std::int64_t samples = length();
+    const std::int64_t samples = Length();
     if (samples > 0 && position > Limits::max() - samples) return Limits::max();
     if (samples < 0 && position < Limits::min() - samples) return Limits::min();
     return position + samples;
@@ -33,7 +33,7 @@ struct SessionRegion {
 
 /// What is heard of one region: later regions cover what lies under them.
 struct VisiblePiece {
-  std::size_t region = 0;     ///< index into Session::regions()
+  std::size_t region = 0;     ///< index into Session::Regions()
   std::int64_t position = 0;  ///< on the timeline, in samples
   std::int64_t end = 0;       ///< exclusive
 };
@@ -61,7 +61,7 @@ class Session {
   /// Returns its index. Costs time in the logarithm of the track's pieces and in those it covers.
   std::size_t Place(SessionRegion region);
 
-  const std::vector<SessionRegion>& regions() const { return regions_; }
+  const std::vector<SessionRegion>& Regions() const { return regions_; }
   /// Tracks that hold a region, in rising order.
   std::vector<std::int64_t> Tracks() const;
   /// What is heard on a track, in rising position, without overlaps.

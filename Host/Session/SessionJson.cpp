@@ -23,7 +23,7 @@ Json RegionJson(std::size_t index, const SessionRegion& region) {
           {"name", region.name},
           {"path", region.path},
           {"position", region.position},
-          {"length", region.length()},
+          {"length", region.Length()},
           {"start", region.start},
           {"stop", region.stop},
           {"stream", region.stream}};
@@ -55,8 +55,8 @@ void WriteArray(std::ostream& out, const Elements& elements, ToJson toJson) {
 
 bool WriteSessionJson(const Session& session, std::ostream& out) {
   std::unordered_map<std::int64_t, std::vector<std::size_t>> byTrack;
-  for (std::size_t i = 0; i < session.regions().size(); ++i) {
-    byTrack[session.regions()[i].track].push_back(i);
+  for (std::size_t i = 0; i < session.Regions().size(); ++i) {
+    byTrack[session.Regions()[i].track].push_back(i);
   }
 
   out << "{\n  \"summary\": ";
@@ -68,7 +68,7 @@ bool WriteSessionJson(const Session& session, std::ostream& out) {
     WriteValue(out, track);
     out << ",\n      \"regions\": ";
     WriteArray(out, byTrack[track],
-               [&](std::size_t index) { return RegionJson(index, session.regions()[index]); });
+               [&](std::size_t index) { return RegionJson(index, session.Regions()[index]); });
     out << ",\n      \"visible\": ";
     WriteArray(out, session.Visible(track), PieceJson);
     out << "\n    }";

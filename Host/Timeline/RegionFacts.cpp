@@ -55,9 +55,9 @@ RegionFacts FactsOf(const host::SessionRegion& region, const host::SessionClock&
   RegionFacts facts;
   facts.title = region.name + kDot + Describe(KindOfRegion(region)) + " on track " +
                 std::to_string(region.track + 1);
-  facts.details = clock.Timecode(region.position) + kTo + clock.Timecode(region.end()) + " (" +
-                  DurationText(region.length(), clock.SampleRate()) + ", " +
-                  std::to_string(region.length()) + " samples from " +
+  facts.details = clock.Timecode(region.position) + kTo + clock.Timecode(region.End()) + " (" +
+                  DurationText(region.Length(), clock.SampleRate()) + ", " +
+                  std::to_string(region.Length()) + " samples from " +
                   std::to_string(region.position) + ")" + kDot + FileNameOf(region.path) + " [" +
                   std::to_string(region.start) + kTo + std::to_string(region.stop) + "]";
   return facts;

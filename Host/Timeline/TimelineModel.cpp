@@ -49,9 +49,9 @@ void TimelineModel::Clear() {
 }
 
 void TimelineModel::Add(host::SessionRegion region) {
-  const bool isFirst = session_.regions().empty();
+  const bool isFirst = session_.Regions().empty();
   first_ = isFirst ? region.position : std::min(first_, region.position);
-  end_ = isFirst ? region.end() : std::max(end_, region.end());
+  end_ = isFirst ? region.End() : std::max(end_, region.End());
 
   const std::int64_t track = region.track;
   const auto slot = std::lower_bound(

@@ -41,7 +41,7 @@ class TimelineModel {
   void Clear();
   void Add(host::SessionRegion region);
 
-  const std::vector<host::SessionRegion>& Regions() const { return session_.regions(); }
+  const std::vector<host::SessionRegion>& Regions() const { return session_.Regions(); }
   std::size_t LaneCount() const { return lanes_.size(); }
   /// Lanes stand in rising order of their tracks; only tracks that hold a region have one.
   const Lane& LaneAt(std::size_t lane);

@@ -98,25 +98,26 @@ class EmbeddedHostTest : public testing::Test {
   std::vector<std::string> RemarksOn(const std::function<void(RegionMessage&)>& change) {
     RegionMessage message = GoodMessage();
     change(message);
-    const std::size_t before = host_.remarks().size();
+    const std::size_t before = host_.Remarks().size();
     EXPECT_EQ(host_.Send(message), noErr);
     std::vector<std::string> texts;
-    for (std::size_t i = before; i < host_.remarks().size(); ++i) {
-      EXPECT_EQ(host_.remarks()[i].region, host_.session().regions().size() - 1);
-      texts.push_back(host_.remarks()[i].text);
+    for (std::size_t i = before; i < host_.Remarks().size(); ++i) {
+      EXPECT_EQ(host_.Remarks()[i].region, session_.Regions().size() - 1);
+      texts.push_back(host_.Remarks()[i].text);
     }
     return texts;
   }
 
   test::TemporaryFolder folder_;
   std::string wave_ = folder_.Write("drum.wav", Wave(1000));
-  EmbeddedHost host_;
+  Session session_;
+  EmbeddedHost host_{session_};
 };
 
 TEST_F(EmbeddedHostTest, placesWhatTheMessageSays) {
   ASSERT_EQ(host_.Send(GoodMessage()), 0);
-  ASSERT_EQ(host_.session().regions().size(), 1u);
-  const SessionRegion& region = host_.session().regions()[0];
+  ASSERT_EQ(session_.Regions().size(), 1u);
+  const SessionRegion& region = session_.Regions()[0];
   EXPECT_EQ(region.track, 2);
   EXPECT_EQ(region.position, 170000);
   EXPECT_EQ(region.start, 10);
@@ -124,7 +125,7 @@ TEST_F(EmbeddedHostTest, placesWhatTheMessageSays) {
   EXPECT_EQ(region.stream, 1);
   EXPECT_EQ(region.path, wave_);
   EXPECT_EQ(region.name, "Drum");
-  EXPECT_TRUE(host_.remarks().empty());
+  EXPECT_TRUE(host_.Remarks().empty());
 }
 
 TEST_F(EmbeddedHostTest, readsMinus99AsFromTheFirstTrackOn) {
@@ -145,7 +146,7 @@ TEST_F(EmbeddedHostTest, readsMinus99AsFromTheFirstTrackOn) {
     message.parameters[1].data = Short(row.trak);
     message.parameters[3].data = Short(row.tkOf);
     ASSERT_EQ(host_.Send(message), noErr) << row.rule;
-    EXPECT_EQ(host_.session().regions().back().track, row.track) << row.rule;
+    EXPECT_EQ(session_.Regions().back().track, row.track) << row.rule;
   }
 }
 
@@ -155,7 +156,7 @@ TEST_F(EmbeddedHostTest, laterRegionCoversAnEarlierOne) {
   second.parameters[4].data = Native<long>(170020);
   second.region[1].data = Native<std::int32_t>(40);
   ASSERT_EQ(host_.Send(second), noErr);
-  const auto visible = host_.session().Visible(2);
+  const auto visible = session_.Visible(2);
   ASSERT_EQ(visible.size(), 3u);
   EXPECT_EQ(visible[1].region, 1u);
   EXPECT_EQ(visible[1].position, 170020);
@@ -170,14 +171,15 @@ struct Broken {
   std::int32_t status;
 };
 
-void ExpectRefused(EmbeddedHost& host, const RegionMessage& good, const std::vector<Broken>& rows) {
+void ExpectRefused(const Session& session, EmbeddedHost& host, const RegionMessage& good,
+                   const std::vector<Broken>& rows) {
   for (const Broken& row : rows) {
     RegionMessage message = good;
     row.change(message);
     EXPECT_EQ(host.Send(message), row.status) << row.rule;
-    EXPECT_TRUE(host.session().regions().empty()) << row.rule;
-    EXPECT_TRUE(host.session().Tracks().empty()) << row.rule;
-    EXPECT_TRUE(host.remarks().empty()) << row.rule;
+    EXPECT_TRUE(session.Regions().empty()) << row.rule;
+    EXPECT_TRUE(session.Tracks().empty()) << row.rule;
+    EXPECT_TRUE(host.Remarks().empty()) << row.rule;
   }
   EXPECT_EQ(host.Send(good), noErr) << "the message with nothing broken";
 }
@@ -185,7 +187,7 @@ void ExpectRefused(EmbeddedHost& host, const RegionMessage& good, const std::vec
 TEST_F(EmbeddedHostTest, brokenEnvelopeIsRefused) {
   using M = RegionMessage&;
   ExpectRefused(
-      host_, GoodMessage(),
+      session_, host_, GoodMessage(),
       {
           {"eventClass", [](M m) { m.eventClass ^= 1; }, -1708},
           {"eventClassInTheOtherByteOrder", [](M m) { m.eventClass = 0x61326453; }, -1708},
@@ -236,7 +238,7 @@ TEST_F(EmbeddedHostTest, everyKeywordIsCheckedForPresencePlaceTypeAndSize) {
   rows.push_back({"positionOfTheOtherWidth",
                   [](RegionMessage& m) { m.parameters[4].data.assign(12 - sizeof(long), 0); },
                   -1700});
-  ExpectRefused(host_, good, rows);
+  ExpectRefused(session_, host_, good, rows);
 }
 
 TEST_F(EmbeddedHostTest, valuesOutsideTheirRangeAreRefused) {
@@ -247,7 +249,7 @@ TEST_F(EmbeddedHostTest, valuesOutsideTheirRangeAreRefused) {
     };
   };
   ExpectRefused(
-      host_, GoodMessage(),
+      session_, host_, GoodMessage(),
       {
           {"trackZero", tracks(0, 0), -50},
           {"trackNegative", tracks(-1, 0), -50},
@@ -272,7 +274,7 @@ TEST_F(EmbeddedHostTest, aliasThatLeadsNowhereIsRefused) {
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   std::filesystem::create_symlink("loop", folder_.Path("loop"));
   ExpectRefused(
-      host_, GoodMessage(),
+      session_, host_, GoodMessage(),
       {
           {"noSuchFile", alias(folder_.Path("gone.wav")), -43},
           {"noSuchFolder", alias(folder_.Path("gone/drum.wav")), -43},
@@ -296,7 +298,7 @@ TEST_F(EmbeddedHostTest, everyTruncationOfTheAliasIsRefused) {
     message.parameters[0].data.shrink_to_fit();
     ASSERT_EQ(host_.Send(message), -50) << size;
   }
-  EXPECT_TRUE(host_.session().regions().empty());
+  EXPECT_TRUE(session_.Regions().empty());
 }
 
 TEST_F(EmbeddedHostTest, fileThatWentAwayAfterItsAliasIsRefused) {
@@ -304,7 +306,7 @@ TEST_F(EmbeddedHostTest, fileThatWentAwayAfterItsAliasIsRefused) {
   ASSERT_EQ(host_.Send(message), noErr);
   std::filesystem::remove(wave_);
   EXPECT_EQ(host_.Send(message), fnfErr);
-  EXPECT_EQ(host_.session().regions().size(), 1u);
+  EXPECT_EQ(session_.Regions().size(), 1u);
 }
 
 TEST_F(EmbeddedHostTest, oddRegionIsPlacedAndNoted) {
@@ -359,7 +361,7 @@ TEST_F(EmbeddedHostTest, farthestPositionsArePlacedWithoutOverflow) {
     return [=](RegionMessage& m) { m.parameters[4].data = Native(position); };
   };
   const auto highest = RemarksOn(at(std::numeric_limits<long>::max()));
-  EXPECT_EQ(host_.session().regions().back().position, std::numeric_limits<long>::max());
+  EXPECT_EQ(session_.Regions().back().position, std::numeric_limits<long>::max());
   if (sizeof(long) == 8) {
     EXPECT_EQ(highest,
               (std::vector<std::string>{"ends beyond the last sample that a timeline can have"}));
@@ -367,7 +369,7 @@ TEST_F(EmbeddedHostTest, farthestPositionsArePlacedWithoutOverflow) {
     EXPECT_TRUE(highest.empty());
   }
   EXPECT_EQ(RemarksOn(at(std::numeric_limits<long>::min())).size(), 1u);
-  EXPECT_EQ(host_.session().regions().back().position, std::numeric_limits<long>::min());
+  EXPECT_EQ(session_.Regions().back().position, std::numeric_limits<long>::min());
 }
 
 TEST_F(EmbeddedHostTest, namesComeByTheirLengthByte) {
@@ -375,7 +377,7 @@ TEST_F(EmbeddedHostTest, namesComeByTheirLengthByte) {
     RegionMessage message = GoodMessage();
     message.region[2].data = data;
     EXPECT_EQ(host_.Send(message), noErr);
-    return host_.session().regions().back().name;
+    return session_.Regions().back().name;
   };
   Bytes data(256, 'x');
   data[0] = 5;
@@ -493,7 +495,7 @@ TEST_F(EmbeddedHostTest, folderThatMayNotBeEnteredIsRefused) {
     EXPECT_EQ(host_.Send(message), -54);
   }
   ASSERT_EQ(::chmod(locked.c_str(), 0700), 0);
-  EXPECT_TRUE(host_.session().regions().empty());
+  EXPECT_TRUE(session_.Regions().empty());
 }
 
 TEST_F(EmbeddedHostTest, fileThatMayNotBeReadIsPlacedAndNoted) {
@@ -510,9 +512,9 @@ TEST_F(EmbeddedHostTest, pathsOfAnyBytesArriveWhole) {
     const std::string path = folder_.Write(name, Wave(1000));
     RegionMessage message = Message(Alias(path));
     ASSERT_EQ(host_.Send(message), noErr) << name;
-    EXPECT_EQ(host_.session().regions().back().path, path);
+    EXPECT_EQ(session_.Regions().back().path, path);
   }
-  EXPECT_EQ(host_.session().Summary().files, 5u);
+  EXPECT_EQ(session_.Summary().files, 5u);
 }
 
 /// A wave file whose path has this many bytes, in folders made for it.
@@ -529,32 +531,32 @@ TEST_F(EmbeddedHostTest, longestPathThatTheSystemTakesArrivesWhole) {
   const std::string path = DeepFile(folder_.Path(), 4095);
   ASSERT_EQ(path.size(), 4095u);
   ASSERT_EQ(host_.Send(Message(Alias(path))), noErr);
-  EXPECT_EQ(host_.session().regions()[0].path, path);
-  EXPECT_TRUE(host_.remarks().empty());
+  EXPECT_EQ(session_.Regions()[0].path, path);
+  EXPECT_TRUE(host_.Remarks().empty());
 }
 
 TEST_F(EmbeddedHostTest, receivesWhatARegionSpotterSends) {
   RegionSpotter spotter(wave_.c_str(), 100, 400, host_);
   ASSERT_EQ(spotter.SpotRegion(0, 48000, 1, "drum", false), 0);
   ASSERT_EQ(spotter.SpotRegion(3, -1, 1, "drum_Gain", true), 0);
-  const auto& regions = host_.session().regions();
+  const auto& regions = session_.Regions();
   ASSERT_EQ(regions.size(), 2u);
   EXPECT_EQ(regions[0].track, 0);
   EXPECT_EQ(regions[0].position, 48000);
-  EXPECT_EQ(regions[0].length(), 300);
+  EXPECT_EQ(regions[0].Length(), 300);
   EXPECT_EQ(regions[0].name, "drum");
   EXPECT_EQ(regions[1].track, 3);
   EXPECT_EQ(regions[1].position, -1);
   EXPECT_EQ(regions[1].name, "drum_Gain");
-  ASSERT_EQ(host_.remarks().size(), 1u);
-  EXPECT_EQ(host_.remarks()[0].region, 1u);
+  ASSERT_EQ(host_.Remarks().size(), 1u);
+  EXPECT_EQ(host_.Remarks()[0].region, 1u);
 }
 
 TEST_F(EmbeddedHostTest, spotterOfAMissingFileSendsNothing) {
   const std::string gone = folder_.Path("gone.wav");
   RegionSpotter spotter(gone.c_str(), 0, 10, host_);
   EXPECT_EQ(spotter.SpotRegion(0, 0, 1, "gone", false), fnfErr);
-  EXPECT_TRUE(host_.session().regions().empty());
+  EXPECT_TRUE(session_.Regions().empty());
 }
 
 }  // namespace

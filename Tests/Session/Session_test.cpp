@@ -37,7 +37,7 @@ std::vector<Piece> Pieces(const Session& session, std::int64_t track = 0) {
 
 TEST(Session, holdsNothingAtFirst) {
   const Session session;
-  EXPECT_TRUE(session.regions().empty());
+  EXPECT_TRUE(session.Regions().empty());
   EXPECT_TRUE(session.Tracks().empty());
   EXPECT_TRUE(session.Visible(0).empty());
   const SessionSummary summary = session.Summary();
@@ -81,7 +81,7 @@ TEST(Session, laterRegionCoversWhatLiesUnderIt) {
     Session session;
     for (const auto& [position, length] : row.regions) session.Place(Region(position, length));
     EXPECT_EQ(Pieces(session), row.visible) << row.rule;
-    EXPECT_EQ(session.regions().size(), row.regions.size()) << row.rule;
+    EXPECT_EQ(session.Regions().size(), row.regions.size()) << row.rule;
   }
 }
 
@@ -90,10 +90,10 @@ TEST(Session, keepsEveryRegionInOrderOfArrival) {
   EXPECT_EQ(session.Place(Region(500, 10, 3)), 0u);
   EXPECT_EQ(session.Place(Region(0, 0, 1)), 1u);
   EXPECT_EQ(session.Place(Region(495, 100, 3)), 2u);
-  ASSERT_EQ(session.regions().size(), 3u);
-  EXPECT_EQ(session.regions()[0].position, 500);
-  EXPECT_EQ(session.regions()[1].track, 1);
-  EXPECT_EQ(session.regions()[2].end(), 595);
+  ASSERT_EQ(session.Regions().size(), 3u);
+  EXPECT_EQ(session.Regions()[0].position, 500);
+  EXPECT_EQ(session.Regions()[1].track, 1);
+  EXPECT_EQ(session.Regions()[2].End(), 595);
 }
 
 TEST(Session, tracksRiseAndDoNotCoverEachOther) {
@@ -133,10 +133,10 @@ TEST(Session, summarySpansNegativePositionsAndIgnoresNegativeLengths) {
 }
 
 TEST(Session, endStaysInsideSixtyFourBits) {
-  EXPECT_EQ(Region(kMax - 10, 10).end(), kMax);
-  EXPECT_EQ(Region(kMax - 10, 11).end(), kMax);
-  EXPECT_EQ(Region(kMin + 10, -11).end(), kMin);
-  EXPECT_EQ(Region(kMin, 5).end(), kMin + 5);
+  EXPECT_EQ(Region(kMax - 10, 10).End(), kMax);
+  EXPECT_EQ(Region(kMax - 10, 11).End(), kMax);
+  EXPECT_EQ(Region(kMin + 10, -11).End(), kMin);
+  EXPECT_EQ(Region(kMin, 5).End(), kMin + 5);
   Session session;
   session.Place(Region(kMax - 1, 4));
   session.Place(Region(kMax, 4));
@@ -151,7 +151,7 @@ TEST(Session, endStaysInsideSixtyFourBits) {
 class SampleModel {
  public:
   void Place(const SessionRegion& region, std::size_t index) {
-    for (std::int64_t at = region.position; at < region.end(); ++at)
+    for (std::int64_t at = region.position; at < region.End(); ++at)
       heard_[region.track][at] = index;
   }
   /// Runs of one region. A region that is placed twice side by side has two indexes, so that a run

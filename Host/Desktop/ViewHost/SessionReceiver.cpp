@@ -15,7 +15,7 @@ std::int32_t SessionReceiver::Send(const RegionMessage& message) {
   {
     const std::lock_guard lock(mutex_);
     status = host_.Send(message);
-    if (host_.session().regions().size() > taken_ && !announced_) announce = announced_ = true;
+    if (session_.Regions().size() > taken_ && !announced_) announce = announced_ = true;
   }
   // Outside the lock: whoever is told may want to take at once.
   if (announce && arrived_) arrived_();
@@ -24,7 +24,7 @@ std::int32_t SessionReceiver::Send(const RegionMessage& message) {
 
 std::vector<host::SessionRegion> SessionReceiver::TakeNew() {
   const std::lock_guard lock(mutex_);
-  const std::vector<host::SessionRegion>& all = host_.session().regions();
+  const std::vector<host::SessionRegion>& all = session_.Regions();
   std::vector<host::SessionRegion> fresh(all.begin() + static_cast<std::ptrdiff_t>(taken_),
                                          all.end());
   taken_ = all.size();
@@ -34,12 +34,13 @@ std::vector<host::SessionRegion> SessionReceiver::TakeNew() {
 
 host::SessionSummary SessionReceiver::Summary() const {
   const std::lock_guard lock(mutex_);
-  return host_.session().Summary();
+  return session_.Summary();
 }
 
 void SessionReceiver::Clear() {
   const std::lock_guard lock(mutex_);
-  host_ = host::EmbeddedHost();
+  session_ = host::Session();
+  host_ = host::EmbeddedHost(session_);
   taken_ = 0;
   announced_ = false;
 }

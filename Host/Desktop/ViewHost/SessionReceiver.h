@@ -31,7 +31,8 @@ class SessionReceiver : public RegionHost {
  private:
   std::function<void()> arrived_;
   mutable std::mutex mutex_;
-  host::EmbeddedHost host_;
+  host::Session session_;
+  host::EmbeddedHost host_{session_};
   std::size_t taken_ = 0;   ///< regions handed out by TakeNew
   bool announced_ = false;  ///< a notice is out that TakeNew has not answered
 };
