@@ -30,7 +30,7 @@ std::optional<int> ParseCommandLine(std::vector<std::string> arguments, ShellOpt
                "velmora-desktop");
   app.footer(kExamples);
   app.add_option("PROJECT.adl", options.project, "AES31-3 project to open");
-  app.add_option("--bundle", options.bundle, "The view's bundle, if not beside the program")
+  app.add_option("--bundle", options.bundle, "Take the view from this bundle")
       ->type_name("PATH");
   app.add_option("--snapshot", options.snapshot, "Draw the window to a picture and end")
       ->type_name("FILE.png");

@@ -9,7 +9,7 @@ namespace velmora::desktop {
 /// What the program was asked to do.
 struct ShellOptions {
   std::string project;  ///< absolute path of the ADL file, empty for none
-  std::string bundle;  ///< absolute path of the view's bundle, empty for the one beside the program
+  std::string bundle;  ///< absolute path of the view's bundle, empty for the program's own
   std::string snapshot;  ///< absolute path of the picture to draw before ending, empty for none
   bool spot = false;     ///< start a spot as soon as the project is loaded
 };

@@ -19,10 +19,15 @@ namespace {
 
 constexpr int kNoWindow = 4;  // no display, or no view to show
 
-// The folder of the program, where its bundle and theme lie.
-std::string ProgramFolder() {
+// The path of the bundle or the theme: beside the program, as it is built, or where an install puts it.
+// Both places are told from the program's own, so the tree may be moved.
+std::string PathOfResource(const char* name) {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
+  const std::filesystem::path folder =
+      std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  const std::filesystem::path beside = folder / name;
+  if (std::filesystem::exists(beside, error)) return beside.string();
+  return (folder / VELMORA_INSTALLED_RESOURCES / name).lexically_normal().string();
 }
 
 // The toolkit takes any bare word among the arguments for a document to open, so it sees none.
@@ -56,8 +61,7 @@ int main(int argc, char** argv) {
   ShellOptions options;
   const auto status = velmora::desktop::ParseCommandLine({argv + 1, argv + argc}, options);
   if (status) return *status;
-  const std::string folder = ProgramFolder();
-  if (options.bundle.empty()) options.bundle = folder + "/Velmora.bundle";
+  if (options.bundle.empty()) options.bundle = PathOfResource("Velmora.bundle");
 
   NSAutoreleasePool* pool = [NSAutoreleasePool new];
   HideArguments(argv);
@@ -65,7 +69,7 @@ int main(int argc, char** argv) {
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
   [[NSUserDefaults standardUserDefaults] registerDefaults:[DesktopTheme userDefaults]];
   Connect();
-  [DesktopTheme installWithBundleAtPath:StringOf(folder + "/VelmoraDesktop.theme")];
+  [DesktopTheme installWithBundleAtPath:StringOf(PathOfResource("VelmoraDesktop.theme"))];
   [DesktopTheme installIcon];
 
   ShellController* shell = [[ShellController alloc] initWithShellOptions:options];
