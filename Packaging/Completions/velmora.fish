@@ -1,0 +1,36 @@
+# What fish offers after "velmora".
+
+function __velmora_project
+    __fish_complete_suffix .adl
+end
+
+set -l commands info spot
+set -l alone "not __fish_seen_subcommand_from $commands"
+set -l info "__fish_seen_subcommand_from info"
+set -l spot "__fish_seen_subcommand_from spot"
+
+complete -c velmora -f
+complete -c velmora -s h -l help -d "Print what is taken"
+complete -c velmora -n $alone -l version -d "Print the version"
+complete -c velmora -n $alone -a info -d "Show what a project holds"
+complete -c velmora -n $alone -a spot -d "Prepare the audio and place every cut"
+complete -c velmora -n "not $alone" -k -a "(__velmora_project)"
+
+complete -c velmora -n $info -l json -d "As one JSON object"
+
+complete -c velmora -n $spot -l position -x -a "project offset start first" -d "Where the project lands"
+complete -c velmora -n $spot -l offset -x -d "How far --position offset moves it"
+complete -c velmora -n $spot -l start -x -d "Where the first cut lands"
+complete -c velmora -n $spot -l skip-tracks -x -d "Tracks to leave out"
+complete -c velmora -n $spot -l only-tracks -x -d "The only tracks to place"
+complete -c velmora -n $spot -l skip-events -x -d "Events to leave out"
+complete -c velmora -n $spot -l only-events -x -d "The only events to place"
+complete -c velmora -n $spot -l depth -x -a "16 24" -d "Bits per sample"
+complete -c velmora -n $spot -l fades -d "Make fade and crossfade pieces"
+complete -c velmora -n $spot -l gain -d "Make files with the project's gains in them"
+complete -c velmora -n $spot -l copy-to -x -a "(__fish_complete_directories)" -d "Copy all audio into this folder"
+complete -c velmora -n $spot -l session-rate -x -d "The session's sample rate in Hz"
+complete -c velmora -n $spot -l session-frame-rate -x -a "24 25 29.97 29.97df 30 30df 23.976" -d "The session's frame rate"
+complete -c velmora -n $spot -l host -x -a embedded -d "Where the regions go"
+complete -c velmora -n $spot -l json -d "Tell every step as JSON Lines"
+complete -c velmora -n $spot -l quiet -d "No progress bar"

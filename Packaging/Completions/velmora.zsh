@@ -1,0 +1,50 @@
+#compdef velmora
+
+_velmora_info() {
+  _arguments -s \
+    '(- *)'{-h,--help}'[print what the command takes]' \
+    '--json[as one JSON object]' \
+    '*:project:_files -g "*.(#i)adl"'
+}
+
+_velmora_spot() {
+  _arguments -s \
+    '(- *)'{-h,--help}'[print what the command takes]' \
+    '--position[where the project lands]:position:(project offset start first)' \
+    '--offset[how far --position offset moves it]:[+-]HH\:MM\:SS\:FF: ' \
+    '--start[where the first cut lands with --position start]:HH\:MM\:SS\:FF: ' \
+    '(--only-tracks)--skip-tracks[tracks to leave out]:numbers such as 1,3-5: ' \
+    '(--skip-tracks)--only-tracks[the only tracks to place]:numbers such as 1,3-5: ' \
+    '(--only-events)--skip-events[events to leave out]:numbers such as 0,3-5: ' \
+    '(--skip-events)--only-events[the only events to place]:numbers such as 0,3-5: ' \
+    '--depth[bits per sample]:bits:(16 24)' \
+    '--fades[make fade and crossfade pieces]' \
+    "--gain[make files with the project's gains in them]" \
+    '--copy-to[copy all audio into this folder]:folder:_files -/' \
+    "--session-rate[the session's sample rate]:Hz: " \
+    "--session-frame-rate[the session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
+    '--host[where the regions go]:host:(embedded)' \
+    '--json[tell every step as JSON Lines]' \
+    '--quiet[no progress bar]' \
+    '*:project:_files -g "*.(#i)adl"'
+}
+
+_velmora() {
+  local curcontext=$curcontext state line
+  _arguments -C \
+    '(- *)'{-h,--help}'[print what the program takes]' \
+    '(- *)--version[print the version]' \
+    '1: :->command' \
+    '*:: :->rest'
+  case $state in
+    command)
+      local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut')
+      _describe command commands
+      ;;
+    rest)
+      (( $+functions[_velmora_$words[1]] )) && _velmora_$words[1]
+      ;;
+  esac
+}
+
+_velmora "$@"
