@@ -10,6 +10,8 @@
 
 namespace velmora {
 
+class OutputFile;
+
 /// What CopyTo answers.
 enum CopyStatus : std::int32_t {
   CopyDone = 0,
@@ -35,6 +37,11 @@ class AES31BWF {
   /// @param bitDepth   bits per sample
   /// @param frames     sample frames that will be written
   AES31BWF(const char* path, std::uint32_t sampleRate, std::uint32_t channels,
+           std::int32_t bitDepth, std::int32_t frames);
+
+  /// The same in a file whose name is settled when it is created. Whether the file is kept is left
+  /// to the caller.
+  AES31BWF(OutputFile& file, std::uint32_t sampleRate, std::uint32_t channels,
            std::int32_t bitDepth, std::int32_t frames);
 
   virtual ~AES31BWF();
@@ -74,6 +81,10 @@ class AES31BWF {
   /// @return 0 done, 1 no memory, 2 a stream that is not open, a read or a write error
   virtual std::int32_t ConvertInto(AES31BWF* target, bool applyGain, double gain);
 
+  /// The same copy into a file whose name is settled when it is created. The file is kept once
+  /// there is something to write into it.
+  std::int32_t CopyInto(OutputFile& target, std::int32_t bitDepth);
+
   /// True once something could not be written, also if only closing showed it. The system log has
   /// been told path and cause.
   bool WriteFailed() const { return writeFailed_; }
@@ -98,13 +109,15 @@ class AES31BWF {
   void ReadFormatChunk();
   void ReadBextChunk(std::int32_t size, std::int64_t bytesLeft);
   void KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64_t bytesLeft);
-  void WriteHeader();
+  void DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels, std::int32_t bitDepth,
+                     std::int32_t frameCount);
+  void CreateIn(OutputFile& file);
   /// False if this or an earlier write failed.
   bool WriteBytes(const void* bytes, std::size_t count);
   bool Flush();
   void NoteWriteError();
-  std::int32_t CopyBytes(const char* target);
-  std::int32_t CopyConverted(const char* target, std::int32_t bitDepth);
+  std::int32_t CopyBytes(OutputFile& target);
+  std::int32_t CopyConverted(OutputFile& target, std::int32_t bitDepth);
 
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;

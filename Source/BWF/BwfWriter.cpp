@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "BWF/AES31BWF.h"
+#include "BWF/OutputFile.h"
 #include "BWF/SampleCodec.h"
 #include "Base/Wrapping.h"
 
@@ -41,33 +42,11 @@ class HeaderBytes {
   std::string bytes_;
 };
 
-}  // namespace
-
-AES31BWF::AES31BWF(const char* filePath, std::uint32_t sampleRate, std::uint32_t channels,
-                   std::int32_t bitDepth, std::int32_t frameCount)
-    : path(filePath) {
-  bytesPerSample = bitDepth / 8;
-  const std::uint32_t frameBytes = static_cast<std::uint32_t>(bytesPerSample) * channels;
-  frames = static_cast<std::uint64_t>(frameCount);
-  format.formatTag = kIntegerPcm;
-  format.channels = static_cast<std::uint16_t>(channels);
-  format.samplesPerSec = sampleRate;
-  format.avgBytesPerSec = sampleRate * frameBytes;
-  format.blockAlign = static_cast<std::uint16_t>(frameBytes);
-  format.bitsPerSample = static_cast<std::uint16_t>(bitDepth);
-  dataSize_ = static_cast<std::uint32_t>(frameCount) * frameBytes;
-
-  stream = CreateFile(filePath);
-  if (stream == nullptr) return;
-  hasBext = hasFormat = hasData = true;
-  WriteHeader();
-}
-
 /// All sizes are final: they come from the declared frames, and closing the file patches nothing.
-void AES31BWF::WriteHeader() {
+std::string HeaderOf(const BwfFormat& format, std::uint32_t dataSize) {
   HeaderBytes header;
   header.Code("RIFF");
-  header.U32(dataSize_ + kRiffOverhead);
+  header.U32(dataSize + kRiffOverhead);
   header.Code("WAVE");
   header.Code("bext");
   header.U32(kBextBodyBytes);
@@ -81,9 +60,49 @@ void AES31BWF::WriteHeader() {
   header.U16(format.blockAlign);
   header.U16(format.bitsPerSample);
   header.Code("data");
-  header.U32(dataSize_);
-  dataOffset = static_cast<std::int64_t>(header.Bytes().size());
-  WriteBytes(header.Bytes().data(), header.Bytes().size());
+  header.U32(dataSize);
+  return header.Bytes();
+}
+
+}  // namespace
+
+AES31BWF::AES31BWF(const char* filePath, std::uint32_t sampleRate, std::uint32_t channels,
+                   std::int32_t bitDepth, std::int32_t frameCount)
+    : path(filePath) {
+  DeclareFrames(sampleRate, channels, bitDepth, frameCount);
+  NamedFile file(filePath);
+  CreateIn(file);
+}
+
+AES31BWF::AES31BWF(OutputFile& file, std::uint32_t sampleRate, std::uint32_t channels,
+                   std::int32_t bitDepth, std::int32_t frameCount)
+    : path(file.Path()) {
+  DeclareFrames(sampleRate, channels, bitDepth, frameCount);
+  CreateIn(file);
+}
+
+void AES31BWF::DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels,
+                             std::int32_t bitDepth, std::int32_t frameCount) {
+  bytesPerSample = bitDepth / 8;
+  const std::uint32_t frameBytes = static_cast<std::uint32_t>(bytesPerSample) * channels;
+  frames = static_cast<std::uint64_t>(frameCount);
+  format.formatTag = kIntegerPcm;
+  format.channels = static_cast<std::uint16_t>(channels);
+  format.samplesPerSec = sampleRate;
+  format.avgBytesPerSec = sampleRate * frameBytes;
+  format.blockAlign = static_cast<std::uint16_t>(frameBytes);
+  format.bitsPerSample = static_cast<std::uint16_t>(bitDepth);
+  dataSize_ = static_cast<std::uint32_t>(frameCount) * frameBytes;
+}
+
+void AES31BWF::CreateIn(OutputFile& file) {
+  const std::string header = HeaderOf(format, dataSize_);
+  stream = file.Create();
+  if (stream == nullptr) return;
+  path = file.Path();
+  hasBext = hasFormat = hasData = true;
+  dataOffset = static_cast<std::int64_t>(header.size());
+  WriteBytes(header.data(), header.size());
 }
 
 bool AES31BWF::WriteBytes(const void* bytes, std::size_t count) {

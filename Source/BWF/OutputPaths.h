@@ -4,29 +4,64 @@
 #include <string>
 #include <unordered_map>
 
+#include "BWF/OutputFile.h"
+
 namespace velmora {
+
+/// A new file under the first free name of a series: take_Gain.wav, take_Gain.1.wav,
+/// take_Gain.2.wav and on.
+///
+/// A name counts as free if the folder holds it in no form. Looking a name up reserves nothing, so
+/// the name is settled when the file is created: that is done exclusively and never through a link,
+/// and goes on to the next number if the name has appeared meanwhile. Two runs into one folder can
+/// therefore never share a file. A name that an error hides is passed over too, since it may be
+/// taken; where all of some neighbours are hidden, the fault is the folder's, and the first of them
+/// stands for all.
+class NewFile : public OutputFile {
+ public:
+  /// Removes the file if it was created but not kept: a name taken in vain is given back.
+  ~NewFile() override;
+
+  [[nodiscard]] FileStream Create() override;
+  void Keep() override { created_ = false; }
+
+ private:
+  friend class OutputNames;
+  /// @param number where the series stands, moved on to the name that is taken; must outlive this
+  NewFile(std::string base, std::string extension, std::uint64_t& number);
+
+  /// Takes the first free name from `number_` on.
+  void GoToFreeName();
+  void GoTo(std::uint64_t number);
+
+  std::string base_;
+  std::string extension_;
+  std::uint64_t& number_;
+  bool created_ = false;  ///< and not kept yet
+};
 
 /// Finds free names for the files of one run. It remembers where each series of numbers stood, so
 /// that a run costs time in proportion to the files that it makes.
-///
-/// Names run take_Gain.wav, take_Gain.1.wav, take_Gain.2.wav and on.
 class OutputNames {
  public:
-  /// A name for a file made from `source`: `folder`/stem, `suffix`, extension. With a null folder
-  /// the file lies beside the source, and the whole name but its extension stands in for the stem.
-  std::string Find(const std::string& source, const char* folder, const char* suffix);
+  /// A file made from `source`: `folder`/stem, `suffix`, extension. With a null folder it lies
+  /// beside the source, and the whole name but its extension stands in for the stem. This object
+  /// must outlive the file's.
+  [[nodiscard]] NewFile New(const std::string& source, const char* folder, const char* suffix);
+
+  /// The name that such a file would have now.
+  [[nodiscard]] std::string Find(const std::string& source, const char* folder, const char* suffix);
 
  private:
-  std::string FreeName(const std::string& base, const std::string& extension);
-
   std::unordered_map<std::string, std::uint64_t> lastNumber_;  ///< by base, NUL, extension
 };
 
-/// The stem: from after the last `/` to before the first `.` that follows. Stem and extension follow
-/// different rules on purpose, so a name with two dots loses its middle.
+/// The stem: from after the last `/` to before the first `.` that follows. Stem and extension
+/// follow different rules on purpose, so a name with two dots loses its middle.
 std::string CopyBaseName(const char* path);
 
-/// True for whatever opens for reading, a folder too. Never blocks.
+/// True for whatever opens for reading, a folder too. Never blocks. Not the rule for new files: a
+/// name that does not open may be held all the same.
 bool FileExists(const char* path);
 
 }  // namespace velmora

@@ -2,31 +2,48 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace velmora {
 namespace {
 
-/// False for a file that is no wave file, or from which frames are wanted and which has gone since
-/// the project was loaded. An open one keeps its position.
-bool OpenForFrames(AES31BWF* file, std::int64_t frames) {
-  if (file == nullptr || !file->IsValid()) return false;
-  if (file->stream == nullptr && frames > 0) file->OpenAtData();
-  return file->stream != nullptr || frames <= 0;
+bool IsWave(AES31BWF* file) {
+  return file != nullptr && file->IsValid();
 }
+
+/// Closes a file that is read on every way out of a renderer.
+class ClosingSource {
+ public:
+  explicit ClosingSource(AES31BWF& file) : file_(file) {}
+  ~ClosingSource() { file_.CloseFile(); }
+  ClosingSource(const ClosingSource&) = delete;
+  ClosingSource& operator=(const ClosingSource&) = delete;
+
+  /// False if frames are wanted and the file has gone since the project was loaded. An open one
+  /// keeps its position.
+  bool OpenFor(std::int64_t frames) {
+    if (file_.stream == nullptr && frames > 0) file_.OpenAtData();
+    return file_.stream != nullptr || frames <= 0;
+  }
+
+ private:
+  AES31BWF& file_;
+};
 
 /// A new file in the format of `model`; null if it cannot be created, or if a length from the
 /// project is too long for a wave file that can be read back: it would fill a disk with silence.
-std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, const char* path, std::int64_t frames) {
+std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, OutputFile& file, std::int64_t frames) {
   constexpr std::int64_t kLargestDataBytes = std::numeric_limits<std::int32_t>::max();
   // Bits are rounded up to bytes when they are written; a depth of 0 writes none, but takes the
   // time.
   const std::int64_t sampleBytes = std::max((model.GetBitsPerSample() + 7) / 8, 1U);
   const std::int64_t frameBytes = sampleBytes * std::max(model.GetChannels(), 1U);
   if (frames > kLargestDataBytes / frameBytes) return nullptr;
-  auto target = std::make_unique<AES31BWF>(path, model.GetSampleRate(), model.GetChannels(),
+  auto target = std::make_unique<AES31BWF>(file, model.GetSampleRate(), model.GetChannels(),
                                            static_cast<std::int32_t>(model.GetBitsPerSample()),
                                            static_cast<std::int32_t>(frames));
   if (!target->IsValid()) return nullptr;
+  file.Keep();
   return target;
 }
 
@@ -36,70 +53,100 @@ std::int32_t FrameAt(std::int64_t first, std::int64_t i) {
                                    static_cast<std::uint64_t>(i));
 }
 
-/// Closes what was written; null if any of it is missing on disk.
+/// Closes what was written; null if there is nothing, or if any of it is missing on disk.
 std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
+  if (target == nullptr) return nullptr;
   target->CloseFile();
   if (target->WriteFailed()) return nullptr;
   return target;
 }
 
-}  // namespace
-
-std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor) {
-  if (!OpenForFrames(source, 1)) return nullptr;
-  source->OpenAtData();
-  std::unique_ptr<AES31BWF> target = CreateLike(*source, path, source->GetFrames());
-  if (target == nullptr) {
-    source->CloseFile();
-    return nullptr;
-  }
-  target->DisableCache();
-  source->DisableCache();
-  const std::int32_t status = source->ConvertInto(target.get(), true, factor);
-  target = Finish(std::move(target));
-  source->CloseFile();
-  return status == 0 ? std::move(target) : nullptr;
-}
-
-std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
-                                         bool rising, std::int64_t first) {
-  if (!OpenForFrames(source, length)) return nullptr;
-  std::unique_ptr<AES31BWF> target = CreateLike(*source, path, length);
+std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int64_t length,
+                                    bool rising, std::int64_t first) {
+  ClosingSource closing(source);
+  if (!closing.OpenFor(length)) return nullptr;
+  std::unique_ptr<AES31BWF> target = CreateLike(source, file, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);
-  const std::uint32_t channels = source->GetChannels();
+  const std::uint32_t channels = source.GetChannels();
   for (std::int64_t i = 0; i < length && !target->WriteFailed(); ++i) {
     const double factor = static_cast<double>(rising ? i : length - i) * step;
     for (std::uint32_t c = 0; c < channels; ++c) {
-      const double sample = source->GetSampleAt(FrameAt(first, i), c);
+      const double sample = source.GetSampleAt(FrameAt(first, i), c);
       target->WriteSample(static_cast<float>(sample * factor));
     }
   }
-  source->CloseFile();
-  return Finish(std::move(target));
+  return target;
 }
 
-std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
-                                              AES31BWF* incoming, std::int64_t firstOutgoing,
-                                              std::int64_t firstIncoming, std::int64_t length) {
-  if (!OpenForFrames(outgoing, length) || !OpenForFrames(incoming, length)) return nullptr;
-  std::unique_ptr<AES31BWF> target = CreateLike(*outgoing, path, length);
+std::unique_ptr<AES31BWF> WriteCrossfade(OutputFile& file, AES31BWF& outgoing, AES31BWF& incoming,
+                                         std::int64_t firstOutgoing, std::int64_t firstIncoming,
+                                         std::int64_t length) {
+  ClosingSource closingIncoming(incoming);  // closed last
+  ClosingSource closingOutgoing(outgoing);
+  if (!closingOutgoing.OpenFor(length) || !closingIncoming.OpenFor(length)) return nullptr;
+  std::unique_ptr<AES31BWF> target = CreateLike(outgoing, file, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);
-  const std::uint32_t channels = outgoing->GetChannels();
+  const std::uint32_t channels = outgoing.GetChannels();
   for (std::int64_t i = 0; i < length && !target->WriteFailed(); ++i) {
     const double outgoingFactor = static_cast<double>(length - i) * step;
     const double incomingFactor = static_cast<double>(i) * step;
     for (std::uint32_t c = 0; c < channels; ++c) {
       // The order of the reads matters where both are one file: see GetSampleAt.
-      const double out = outgoing->GetSampleAt(FrameAt(firstOutgoing, i), c) * outgoingFactor;
-      const double in = incoming->GetSampleAt(FrameAt(firstIncoming, i), c) * incomingFactor;
+      const double out = outgoing.GetSampleAt(FrameAt(firstOutgoing, i), c) * outgoingFactor;
+      const double in = incoming.GetSampleAt(FrameAt(firstIncoming, i), c) * incomingFactor;
       target->WriteSample(static_cast<float>(out + in));
     }
   }
-  outgoing->CloseFile();
-  incoming->CloseFile();
-  return Finish(std::move(target));
+  return target;
+}
+
+}  // namespace
+
+std::unique_ptr<AES31BWF> RenderScaledInto(OutputFile& file, AES31BWF* source, double factor) {
+  if (!IsWave(source)) return nullptr;
+  const ClosingSource closing(*source);
+  source->OpenAtData();
+  if (source->stream == nullptr) return nullptr;
+  std::unique_ptr<AES31BWF> target = CreateLike(*source, file, source->GetFrames());
+  if (target == nullptr) return nullptr;
+  target->DisableCache();
+  source->DisableCache();
+  const std::int32_t status = source->ConvertInto(target.get(), true, factor);
+  target = Finish(std::move(target));
+  return status == 0 ? std::move(target) : nullptr;
+}
+
+std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor) {
+  NamedFile file(path);
+  return RenderScaledInto(file, source, factor);
+}
+
+std::unique_ptr<AES31BWF> RenderFadeInto(OutputFile& file, AES31BWF* source, std::int64_t length,
+                                         bool rising, std::int64_t first) {
+  if (!IsWave(source)) return nullptr;
+  return Finish(WriteFade(file, *source, length, rising, first));
+}
+
+std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
+                                         bool rising, std::int64_t first) {
+  NamedFile file(path);
+  return RenderFadeInto(file, source, length, rising, first);
+}
+
+std::unique_ptr<AES31BWF> RenderCrossfadeInto(OutputFile& file, AES31BWF* outgoing,
+                                              AES31BWF* incoming, std::int64_t firstOutgoing,
+                                              std::int64_t firstIncoming, std::int64_t length) {
+  if (!IsWave(outgoing) || !IsWave(incoming)) return nullptr;
+  return Finish(WriteCrossfade(file, *outgoing, *incoming, firstOutgoing, firstIncoming, length));
+}
+
+std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
+                                              AES31BWF* incoming, std::int64_t firstOutgoing,
+                                              std::int64_t firstIncoming, std::int64_t length) {
+  NamedFile file(path);
+  return RenderCrossfadeInto(file, outgoing, incoming, firstOutgoing, firstIncoming, length);
 }
 
 }  // namespace velmora

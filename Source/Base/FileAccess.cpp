@@ -13,6 +13,9 @@
 namespace velmora {
 namespace {
 
+constexpr mode_t kMode = 0666;  // less the user's mask
+constexpr int kForWriting = O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC;
+
 /// Opening a FIFO for reading blocks until somebody writes, unless told not to.
 int OpenDescriptor(const char* path) {
   return open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -42,12 +45,35 @@ std::int64_t FileSize(std::FILE* stream) {
 }
 
 FileStream CreateFile(const char* path) {
-  constexpr mode_t kMode = 0666;  // less the user's mask
-  const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, kMode);
+  const int descriptor = open(path, kForWriting | O_TRUNC, kMode);
   if (descriptor < 0) return nullptr;
   std::FILE* const stream = fdopen(descriptor, "wb");
   if (stream == nullptr) close(descriptor);
   return FileStream(stream);
+}
+
+FileStream CreateNewFile(const char* path) {
+  // O_EXCL alone follows no link; O_NOFOLLOW says so where a file system does not keep to it.
+  const int descriptor = open(path, kForWriting | O_EXCL | O_NOFOLLOW, kMode);
+  if (descriptor < 0) return nullptr;
+  std::FILE* const stream = fdopen(descriptor, "wb");
+  if (stream == nullptr) {
+    const int error = errno;
+    close(descriptor);
+    RemoveFile(path);
+    errno = error;
+  }
+  return FileStream(stream);
+}
+
+void RemoveFile(const char* path) {
+  unlink(path);
+}
+
+NameState LookUpName(const char* path) {
+  struct stat facts {};
+  if (lstat(path, &facts) == 0) return NameState::Held;
+  return errno == ENOENT ? NameState::Free : NameState::Hidden;
 }
 
 bool OpensForReading(const char* path) {

@@ -13,16 +13,33 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 
 /// Opens a regular file for reading; null for anything else. Never blocks, not even on a FIFO.
 /// errno tells the reason of a null.
-FileStream OpenRegularFile(const char* path);
+[[nodiscard]] FileStream OpenRegularFile(const char* path);
 
 /// Bytes of an open file, -1 if the system cannot tell.
-std::int64_t FileSize(std::FILE* stream);
+[[nodiscard]] std::int64_t FileSize(std::FILE* stream);
 
-/// Creates a file for writing, or empties the one that is there; null if that fails. Never blocks.
-FileStream CreateFile(const char* path);
+/// Creates a file for writing, or empties the one that is there; null if that fails. Follows links
+/// and never blocks.
+[[nodiscard]] FileStream CreateFile(const char* path);
+
+/// Creates a file for writing under a name that nothing holds, not even a link; null if that fails,
+/// and then nothing is left. errno tells the reason of a null, EEXIST for a name that is held.
+[[nodiscard]] FileStream CreateNewFile(const char* path);
+
+/// Removes a file; failure passes.
+void RemoveFile(const char* path);
+
+enum class NameState {
+  Free,
+  Held,    ///< by anything: a file without rights, a folder, a FIFO, a link that leads nowhere
+  Hidden,  ///< an error kept the system from telling
+};
+
+/// Whether a name is there, whatever it stands for. Opens nothing and follows no link at its end.
+[[nodiscard]] NameState LookUpName(const char* path);
 
 /// True for whatever opens for reading, a folder too. Never blocks.
-bool OpensForReading(const char* path);
+[[nodiscard]] bool OpensForReading(const char* path);
 
 /// Tells the system log that a file came out short; `error` is the errno of the failed write.
 void LogWriteError(const char* path, int error);

@@ -7,10 +7,15 @@
 
 namespace velmora {
 
-std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path) {
+std::unique_ptr<AES31BWF> RenderGainInto(OutputFile& file, const AES31Event& event) {
   if (!event.gain.present) return nullptr;
   const double factor = std::pow(10.0, event.gain.gainDb / 20.0);
-  return RenderScaledFile(path, event.sourceFile, factor);
+  return RenderScaledInto(file, event.sourceFile, factor);
+}
+
+std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path) {
+  NamedFile file(path);
+  return RenderGainInto(file, event);
 }
 
 std::string BuildCopyPath(const AES31Event& event, const char* folder) {

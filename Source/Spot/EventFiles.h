@@ -5,16 +5,19 @@
 
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
+#include "BWF/OutputFile.h"
 
 namespace velmora {
 
 // What a spot makes of an event's source file.
 
-/// The event's whole source file under the event's gain, as RenderScaledFile does it. Null also for
-/// an event without gain or source.
+/// The event's whole source file under the event's gain, as RenderScaledInto does it. Null also for
+/// an event without gain or source. A path is created, or emptied if it is there.
+std::unique_ptr<AES31BWF> RenderGainInto(OutputFile& file, const AES31Event& event);
 std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* path);
 
-/// A free name in `folder` for a copy of the event's source. Not reserved.
+/// A free name in `folder` for a copy of the event's source, as OutputNames finds it. Not reserved:
+/// what must not be shared with another run is made as a NewFile.
 std::string BuildCopyPath(const AES31Event& event, const char* folder);
 
 /// A free name for a file derived from the event's source, `suffix` after its stem; beside the
@@ -22,6 +25,6 @@ std::string BuildCopyPath(const AES31Event& event, const char* folder);
 std::string BuildDerivedPath(const AES31Event& event, const char* folder, const char* suffix);
 
 /// The path of the event's source file; empty if it has none.
-std::string SourcePath(const AES31Event& event);
+[[nodiscard]] std::string SourcePath(const AES31Event& event);
 
 }  // namespace velmora

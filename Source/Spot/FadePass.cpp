@@ -64,32 +64,34 @@ bool SpotPasses::ContinuesCrossfade(const AES31Event& previous, const AES31Event
 
 void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {
   if (event.sourceFile == nullptr) return;
-  const std::string path = DerivedPath(event, "_FadeIn");
+  NewFile target = DerivedFile(event, "_FadeIn");
   const std::int64_t length = AdlToSamples(event.infade.length);
-  SpotPiece(index, event, RegionPiece::FadeIn,
-            RenderFadeFile(path.c_str(), event.sourceFile, length, true, FirstSample(event)), path,
+  std::unique_ptr<AES31BWF> file =
+      RenderFadeInto(target, event.sourceFile, length, true, FirstSample(event));
+  SpotPiece(index, event, RegionPiece::FadeIn, std::move(file), target.Path(),
             AdlToSamples(event.cut.destIn), length);
 }
 
 void SpotPasses::MakeCrossfade(std::int32_t index, const AES31Event& previous,
                                const AES31Event& event) {
   if (previous.sourceFile == nullptr || event.sourceFile == nullptr) return;
-  const std::string path = DerivedPath(event, "_XFade");
+  NewFile target = DerivedFile(event, "_XFade");
   const std::int64_t length = AdlToSamples(event.infade.length);
-  SpotPiece(index, event, RegionPiece::Crossfade,
-            RenderCrossfadeFile(path.c_str(), previous.sourceFile, event.sourceFile,
-                                FirstSampleOfTail(previous, length), FirstSample(event), length),
-            path, AdlToSamples(event.cut.destIn), length);
+  std::unique_ptr<AES31BWF> file =
+      RenderCrossfadeInto(target, previous.sourceFile, event.sourceFile,
+                          FirstSampleOfTail(previous, length), FirstSample(event), length);
+  SpotPiece(index, event, RegionPiece::Crossfade, std::move(file), target.Path(),
+            AdlToSamples(event.cut.destIn), length);
 }
 
 void SpotPasses::MakeFadeOut(std::int32_t index, const AES31Event& event) {
   if (event.sourceFile == nullptr) return;
-  const std::string path = DerivedPath(event, "_FadeOut");
+  NewFile target = DerivedFile(event, "_FadeOut");
   const std::int64_t length = AdlToSamples(event.outfade.length);
-  SpotPiece(index, event, RegionPiece::FadeOut,
-            RenderFadeFile(path.c_str(), event.sourceFile, length, false,
-                           FirstSampleOfTail(event, length)),
-            path, WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
+  std::unique_ptr<AES31BWF> file =
+      RenderFadeInto(target, event.sourceFile, length, false, FirstSampleOfTail(event, length));
+  SpotPiece(index, event, RegionPiece::FadeOut, std::move(file), target.Path(),
+            WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
 }
 
 void SpotPasses::SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,

@@ -1,7 +1,7 @@
 #include "Spot/SpotOptions.h"
 
-#include "Timecode/AdlTime.h"
 #include "Base/Wrapping.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora {
 

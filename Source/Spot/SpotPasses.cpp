@@ -50,11 +50,12 @@ void SpotPasses::PrepareDepth(std::int32_t index, AES31Event& event) {
   AES31BWF& source = *event.sourceFile;
   const bool copy = options_.copySource != 0;
   if (!copy && std::cmp_equal(source.GetBitsPerSample(), options_.bitDepth)) return;
-  const std::string path = copy ? names_.Find(SourcePath(event), options_.copyFolder.c_str(), "")
-                                : names_.Find(SourcePath(event), nullptr, options_.depthSuffix.c_str());
-  const std::int32_t status = source.CopyTo(path.c_str(), options_.bitDepth);
-  observer_.FileMade(FilePass::Depth, index, path, status);
-  if (status == CopyDone) SetRenderedFile(event, std::make_unique<AES31BWF>(path.c_str()));
+  const char* const folder = copy ? options_.copyFolder.c_str() : nullptr;
+  const char* const suffix = copy ? "" : options_.depthSuffix.c_str();
+  NewFile target = names_.New(SourcePath(event), folder, suffix);
+  const std::int32_t status = source.CopyInto(target, options_.bitDepth);
+  observer_.FileMade(FilePass::Depth, index, target.Path(), status);
+  if (status == CopyDone) SetRenderedFile(event, std::make_unique<AES31BWF>(target.Path().c_str()));
 }
 
 bool SpotPasses::GainPass() {
@@ -71,9 +72,9 @@ bool SpotPasses::GainPass() {
 /// The gain file comes from the source, so it keeps the source's depth and takes the place of what
 /// the depth pass made.
 void SpotPasses::PrepareGain(std::int32_t index, AES31Event& event) {
-  const std::string path = DerivedPath(event, "_Gain");
-  std::unique_ptr<AES31BWF> file = RenderGainFile(event, path.c_str());
-  observer_.FileMade(FilePass::Gain, index, path, file != nullptr ? CopyDone : CopyFailed);
+  NewFile target = DerivedFile(event, "_Gain");
+  std::unique_ptr<AES31BWF> file = RenderGainInto(target, event);
+  observer_.FileMade(FilePass::Gain, index, target.Path(), file != nullptr ? CopyDone : CopyFailed);
   if (file != nullptr) SetRenderedFile(event, std::move(file));
 }
 
@@ -136,9 +137,9 @@ std::int32_t SpotPasses::Send(RegionSpotter& spotter, const AES31Event& event,
                             options_.relativeTrack);
 }
 
-std::string SpotPasses::DerivedPath(const AES31Event& event, const char* suffix) {
+NewFile SpotPasses::DerivedFile(const AES31Event& event, const char* suffix) {
   const bool toFolder = options_.copySource != 0;
-  return names_.Find(SourcePath(event), toFolder ? options_.copyFolder.c_str() : nullptr, suffix);
+  return names_.New(SourcePath(event), toFolder ? options_.copyFolder.c_str() : nullptr, suffix);
 }
 
 }  // namespace velmora

@@ -52,7 +52,8 @@ class SpotPasses {
 
   std::int32_t Send(RegionSpotter& spotter, const AES31Event& event, std::int64_t position,
                     const std::string& name);
-  std::string DerivedPath(const AES31Event& event, const char* suffix);
+  /// A file derived from the event's source, in the copy folder if there is one.
+  NewFile DerivedFile(const AES31Event& event, const char* suffix);
 
   const SpotProject& project_;
   const SpotOptions& options_;

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdio>
 
-#include "Timecode/AdlTime.h"
 #include "Base/Wrapping.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora {
 

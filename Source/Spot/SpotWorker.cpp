@@ -2,8 +2,8 @@
 
 #include <new>
 
-#include "Spot/SpotPasses.h"
 #include "Base/Wrapping.h"
+#include "Spot/SpotPasses.h"
 
 namespace velmora {
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "BWF/AES31BWF.h"
-#include "BwfReference.h"
+#include "Support/BwfReference.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 

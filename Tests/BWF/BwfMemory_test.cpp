@@ -12,11 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "BwfReference.h"
-#include "Spot/EventFiles.h"
+#include "Support/BwfReference.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -163,12 +161,10 @@ TEST_F(BwfMemory, copyOfTheSameDepthIsBounded) {
 
 TEST_F(BwfMemory, conversionAndRenderersHoldNoMoreThanTheirBlocks) {
   AES31BWF source(folder.Write("long.wav", PlainWave({}, Ints(1 << 20, 0x4000))).c_str());
-  AES31Event event{};
-  event.sourceFile = &source;
-  event.gain.present = true;
   constexpr std::size_t kBlocks = 400 * 1024;
   EXPECT_LT(BytesFor([&] { EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone); }), kBlocks);
-  EXPECT_LT(BytesFor([&] { EXPECT_NE(RenderGainFile(event, target.c_str()), nullptr); }), kBlocks);
+  EXPECT_LT(BytesFor([&] { EXPECT_NE(RenderScaledFile(target.c_str(), &source, 0.5), nullptr); }),
+            kBlocks);
   EXPECT_LT(BytesFor([&] {
               EXPECT_NE(RenderFadeFile(target.c_str(), &source, 1 << 20, true, 0), nullptr);
             }),
@@ -196,14 +192,11 @@ TEST_F(BwfMemory, conversionWithoutMemoryGivesOneAndLeavesTheHeader) {
   EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone);
 }
 
-TEST_F(BwfMemory, gainRendererWithoutMemoryGivesNullAndLeavesTheHeader) {
+TEST_F(BwfMemory, scalingRendererWithoutMemoryGivesNullAndLeavesTheHeader) {
   AES31BWF source(folder.Write("source.wav", PlainWave({}, {1, 2})).c_str());
-  AES31Event event{};
-  event.sourceFile = &source;
-  event.gain.present = true;
   {
     ScarceMemory scarce(30000);
-    EXPECT_EQ(RenderGainFile(event, target.c_str()), nullptr);
+    EXPECT_EQ(RenderScaledFile(target.c_str(), &source, 0.5), nullptr);
   }
   EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 16, 2));
 }

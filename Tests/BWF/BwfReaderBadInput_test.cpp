@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "BWF/AES31BWF.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {

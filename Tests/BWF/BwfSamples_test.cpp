@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "BWF/AES31BWF.h"
-#include "BwfReference.h"
+#include "Support/BwfReference.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {

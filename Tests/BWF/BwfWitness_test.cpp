@@ -10,11 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "BwfReference.h"
-#include "Spot/EventFiles.h"
+#include "Support/BwfReference.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -145,11 +143,7 @@ TEST_F(BwfWitness, othersReadWhatWeRender) {
   const Ints noise = Noise(2000, 24);
   AES31BWF source(
       folder.Write("source.wav", PlainWave({.channels = 2, .bits = 24}, noise)).c_str());
-  AES31Event event{};
-  event.sourceFile = &source;
-  event.gain.present = true;
-  event.gain.gainDb = -6.0;
-  ASSERT_NE(RenderGainFile(event, target.c_str()), nullptr);
+  ASSERT_NE(RenderScaledFile(target.c_str(), &source, 0.5), nullptr);
   ExpectSeen(target, stereo, 1000, TemporaryFolder::Read(target).substr(kHeaderBytes));
   ASSERT_NE(RenderFadeFile(target.c_str(), &source, 480, true, 100), nullptr);
   ExpectSeen(target, stereo, 480, TemporaryFolder::Read(target).substr(kHeaderBytes));

@@ -7,14 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "BwfReference.h"
-#include "Spot/EventFiles.h"
+#include "Support/BwfReference.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {
@@ -48,14 +46,6 @@ struct Operation {
   bool (*failed)(AES31BWF& source, const std::string& target);
 };
 
-AES31Event GainEvent(AES31BWF& source) {
-  AES31Event event{};
-  event.sourceFile = &source;
-  event.gain.present = true;
-  event.gain.gainDb = -6.0;
-  return event;
-}
-
 constexpr Operation kOperations[] = {
     {"copyOfTheSameDepth",
      [](AES31BWF& source, const std::string& target) {
@@ -76,9 +66,9 @@ constexpr Operation kOperations[] = {
        AES31BWF file(target.c_str(), 48000, 1, 16, source.GetFrames());
        return file.IsValid() && !file.CopyFrames(&source, 0) && file.WriteFailed();
      }},
-    {"gainRenderer",
+    {"scalingRenderer",
      [](AES31BWF& source, const std::string& target) {
-       return RenderGainFile(GainEvent(source), target.c_str()) == nullptr;
+       return RenderScaledFile(target.c_str(), &source, 0.5) == nullptr;
      }},
     {"fadeRenderer",
      [](AES31BWF& source, const std::string& target) {
@@ -185,7 +175,7 @@ TEST_F(BwfWriteErrors, goodWritesLogNothing) {
 TEST_F(BwfWriteErrors, targetThatCannotBeCreatedFailsEveryOperation) {
   AES31BWF source(Source(kFew).c_str());
   const std::string target = folder.Path("missing/x.wav");
-  EXPECT_EQ(RenderGainFile(GainEvent(source), target.c_str()), nullptr);
+  EXPECT_EQ(RenderScaledFile(target.c_str(), &source, 0.5), nullptr);
   EXPECT_EQ(RenderFadeFile(target.c_str(), &source, 2, true, 0), nullptr);
   EXPECT_EQ(RenderCrossfadeFile(target.c_str(), &source, &source, 0, 1, 2), nullptr);
 }

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "BWF/AES31BWF.h"
-#include "BwfReference.h"
+#include "Support/BwfReference.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {

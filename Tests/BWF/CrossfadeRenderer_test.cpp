@@ -9,7 +9,7 @@
 
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "BwfReference.h"
+#include "Support/BwfReference.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 

@@ -6,14 +6,9 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
-#include <vector>
 
-#include "ADL/AES31Event.h"
-#include "BWF/AES31BWF.h"
-#include "Spot/EventFiles.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
-#include "Support/WaveBytes.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {
@@ -77,20 +72,9 @@ TEST(FileExists, doesNotBlockOnAFifo) {
 
 TEST(FileExists, makesNothing) {
   TemporaryFolder folder;
-  FileExists(folder.Path("missing").c_str());
+  EXPECT_FALSE(FileExists(folder.Path("missing").c_str()));
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
-
-// An event whose source has the given path. The file need not exist: a name is all that is asked.
-class Named {
- public:
-  explicit Named(const std::string& path) : file_(path.c_str()) { event_.sourceFile = &file_; }
-  const AES31Event& operator*() const { return event_; }
-
- private:
-  AES31BWF file_;
-  AES31Event event_{};
-};
 
 struct PathRow {
   const char* rule;
@@ -133,92 +117,95 @@ constexpr PathRow kPathRows[] = {
 TEST(OutputPaths, composeFolderStemSuffixAndExtension) {
   for (const PathRow& row : kPathRows) {
     SCOPED_TRACE(row.rule);
-    Named event(row.source);
-    EXPECT_EQ(BuildDerivedPath(*event, row.folder, row.suffix), row.derived);
-    EXPECT_EQ(OutputNames().Find(SourcePath(*event), row.folder, row.suffix), row.derived);
+    EXPECT_EQ(OutputNames().Find(row.source, row.folder, row.suffix), row.derived);
     if (row.copy == nullptr) continue;
-    EXPECT_EQ(BuildCopyPath(*event, row.folder), row.copy);
-    EXPECT_EQ(OutputNames().Find(SourcePath(*event), row.folder, ""), row.copy);
+    EXPECT_EQ(OutputNames().Find(row.source, row.folder, ""), row.copy);
   }
 }
 
 TEST(OutputPaths, haveNoLengthLimit) {
   const std::string deep = "/no-y/" + std::string(9000, 'd');
-  Named event("/no-x/" + std::string(9000, 'n') + ".wav");
-  EXPECT_EQ(BuildCopyPath(*event, deep.c_str()), deep + "/" + std::string(9000, 'n') + ".wav");
-  EXPECT_EQ(BuildDerivedPath(*event, nullptr, "_Gain"),
+  const std::string source = "/no-x/" + std::string(9000, 'n') + ".wav";
+  EXPECT_EQ(OutputNames().Find(source, deep.c_str(), ""),
+            deep + "/" + std::string(9000, 'n') + ".wav");
+  EXPECT_EQ(OutputNames().Find(source, nullptr, "_Gain"),
             "/no-x/" + std::string(9000, 'n') + "_Gain.wav");
 }
 
 class FreeName : public testing::Test {
  protected:
+  /// The name that a new run finds first.
+  std::string First(const char* suffix = "") const {
+    return OutputNames().Find(source, root.c_str(), suffix);
+  }
   void Make(const std::string& path) { std::filesystem::copy(folder.Write("seed", ""), path); }
 
   TemporaryFolder folder;
   const std::string root = folder.Path();
-  Named event{root + "/src/a.wav"};
+  const std::string source = root + "/src/a.wav";
 };
 
 TEST_F(FreeName, numbersRunFromOneBehindAPoint) {
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.wav");
+  EXPECT_EQ(First(), root + "/a.wav");
   Make(root + "/a.wav");
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.1.wav");
+  EXPECT_EQ(First(), root + "/a.1.wav");
   Make(root + "/a.1.wav");
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.2.wav");
+  EXPECT_EQ(First(), root + "/a.2.wav");
 }
 
 TEST_F(FreeName, derivedNamesRunAlike) {
   Make(root + "/a_Gain.wav");
-  EXPECT_EQ(BuildDerivedPath(*event, root.c_str(), "_Gain"), root + "/a_Gain.1.wav");
+  EXPECT_EQ(First("_Gain"), root + "/a_Gain.1.wav");
   Make(root + "/a_Gain.1.wav");
-  EXPECT_EQ(BuildDerivedPath(*event, root.c_str(), "_Gain"), root + "/a_Gain.2.wav");
-  EXPECT_EQ(BuildDerivedPath(*event, root.c_str(), "_XFade"), root + "/a_XFade.wav");
+  EXPECT_EQ(First("_Gain"), root + "/a_Gain.2.wav");
+  EXPECT_EQ(First("_XFade"), root + "/a_XFade.wav");
 }
 
 TEST_F(FreeName, firstGapIsTaken) {
   Make(root + "/a.wav");
   Make(root + "/a.2.wav");
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.1.wav");
+  EXPECT_EQ(First(), root + "/a.1.wav");
 }
 
 TEST_F(FreeName, isNotReserved) {
   OutputNames names;
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.wav");
-    EXPECT_EQ(names.Find(SourcePath(*event), root.c_str(), ""), root + "/a.wav");
+    EXPECT_EQ(First(), root + "/a.wav");
+    EXPECT_EQ(names.Find(source, root.c_str(), ""), root + "/a.wav");
   }
   EXPECT_FALSE(std::filesystem::exists(root + "/a.wav"));
 }
 
-TEST_F(FreeName, foldersAndFifosTakeNamesToo) {
+TEST_F(FreeName, foldersFifosAndLinksTakeNamesToo) {
   std::filesystem::create_directory(root + "/a.wav");
   Fifo(folder, "a.1.wav");
+  std::filesystem::create_symlink("nowhere", root + "/a.2.wav");
   Watchdog watchdog;
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.2.wav");
+  EXPECT_EQ(First(), root + "/a.3.wav");
 }
 
 TEST_F(FreeName, numbersHaveNoUpperLimit) {
   Make(root + "/a.wav");
   for (int i = 1; i < 300; ++i) Make(root + "/a." + std::to_string(i) + ".wav");
-  EXPECT_EQ(BuildCopyPath(*event, root.c_str()), root + "/a.300.wav");
+  EXPECT_EQ(First(), root + "/a.300.wav");
 }
 
 TEST_F(FreeName, oneRunKeepsItsSeriesApart) {
   OutputNames names;
-  Named sameStem(root + "/other/a.b.wav");
-  Named otherExtension(root + "/src/a.aif");
-  const auto next = [&](const Named& of) {
-    const std::string path = names.Find(SourcePath(*of), root.c_str(), "");
+  const std::string sameStem = root + "/other/a.b.wav";
+  const std::string otherExtension = root + "/src/a.aif";
+  const auto next = [&](const std::string& of) {
+    const std::string path = names.Find(of, root.c_str(), "");
     Make(path);
     return path.substr(root.size() + 1);
   };
-  EXPECT_EQ(next(event), "a.wav");
-  EXPECT_EQ(next(event), "a.1.wav");
+  EXPECT_EQ(next(source), "a.wav");
+  EXPECT_EQ(next(source), "a.1.wav");
   EXPECT_EQ(next(sameStem), "a.2.wav");
   EXPECT_EQ(next(otherExtension), "a.aif");
-  EXPECT_EQ(next(event), "a.3.wav");
+  EXPECT_EQ(next(source), "a.3.wav");
   EXPECT_EQ(next(otherExtension), "a.1.aif");
-  EXPECT_EQ(names.Find(SourcePath(*event), root.c_str(), "_Gain"), root + "/a_Gain.wav");
+  EXPECT_EQ(names.Find(source, root.c_str(), "_Gain"), root + "/a_Gain.wav");
 }
 
 TEST_F(FreeName, oneRunGivesTheNamesThatSingleSearchesGive) {
@@ -226,8 +213,8 @@ TEST_F(FreeName, oneRunGivesTheNamesThatSingleSearchesGive) {
   for (const int taken : {0, 3, 4}) Make(root + "/a." + std::to_string(taken) + ".wav");
   Make(root + "/a.wav");
   for (int i = 0; i < 8; ++i) {
-    const std::string expected = BuildCopyPath(*event, root.c_str());
-    ASSERT_EQ(names.Find(SourcePath(*event), root.c_str(), ""), expected);
+    const std::string expected = First();
+    ASSERT_EQ(names.Find(source, root.c_str(), ""), expected);
     Make(expected);
   }
   EXPECT_TRUE(std::filesystem::exists(root + "/a.10.wav"));
@@ -238,7 +225,7 @@ TEST_F(FreeName, secondRunMakesANewSeriesAndOverwritesNothing) {
   for (int run = 0; run < 2; ++run) {
     OutputNames names;
     for (int i = 0; i < 3; ++i) {
-      const std::string path = names.Find(SourcePath(*event), root.c_str(), "");
+      const std::string path = names.Find(source, root.c_str(), "");
       ASSERT_FALSE(std::filesystem::exists(path));
       Make(path);
     }
@@ -260,7 +247,7 @@ TEST_F(FreeName, oneRunCostsTimeInProportionToItsFiles) {
   double looking = 0;
   for (int i = 0; i < kFiles; ++i) {
     const double before = ProcessorSeconds();
-    const std::string path = names.Find(SourcePath(*event), root.c_str(), "_XFade");
+    const std::string path = names.Find(source, root.c_str(), "_XFade");
     const double between = ProcessorSeconds();
     FileExists(path.c_str());
     searching += between - before;

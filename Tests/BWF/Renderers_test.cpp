@@ -11,13 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
-#include "BwfReference.h"
-#include "Spot/EventFiles.h"
-#include "Support/TemporaryFolder.h"
+#include "Support/BwfReference.h"
+#include "Support/RendererFixture.h"
+#include "Support/SystemConditions.h"
 #include "Support/WaveBytes.h"
-#include "SystemConditions.h"
 
 namespace velmora::test {
 namespace {
@@ -26,113 +24,7 @@ using Ints = std::vector<std::int32_t>;
 constexpr std::int32_t kMostNegative = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kOne = 0x7FFFFFFF;  // decodes as exactly 1.0
 
-class Renderer : public testing::Test {
- protected:
-  std::string Source(const WaveFormat& format, const Ints& samples) {
-    return folder.Write("source.wav", PlainWave(format, samples));
-  }
-  std::string TargetBytes() const { return TemporaryFolder::Read(target); }
-  Ints TargetSamples(std::int32_t bits) const {
-    return PcmSamples(bits, TargetBytes(), kHeaderBytes);
-  }
-  // What a caller may count on: closed, valid, readable, and on disk after it is gone.
-  void ExpectUsable(std::unique_ptr<AES31BWF> file) {
-    ASSERT_NE(file, nullptr);
-    EXPECT_TRUE(file->IsValid());
-    EXPECT_EQ(file->stream, nullptr);
-    EXPECT_EQ(file->GetPath(), target);
-    EXPECT_FALSE(file->WriteFailed());
-    if (file->GetFrames() > 0) {
-      const auto bits = static_cast<std::int32_t>(file->GetBitsPerSample());
-      EXPECT_EQ(file->GetSampleAt(0, 0), Decoded(TargetSamples(bits).at(0), bits));
-    }
-    file.reset();
-    EXPECT_TRUE(std::filesystem::exists(target));
-  }
-
-  TemporaryFolder folder;
-  const std::string target = folder.Path("target.wav");
-};
-
-class GainRenderer : public Renderer {
- protected:
-  std::unique_ptr<AES31BWF> Render(AES31BWF* source, double gainDb, bool present = true) {
-    AES31Event event{};
-    event.sourceFile = source;
-    event.gain.present = present;
-    event.gain.gainDb = gainDb;
-    return RenderGainFile(event, target.c_str());
-  }
-};
-
-TEST_F(GainRenderer, zeroDecibelsStillTakeTheFloatRoad) {
-  AES31BWF source(Source({.channels = 2}, {32767, -32768, 1, 100}).c_str());
-  ExpectUsable(Render(&source, 0.0));
-  EXPECT_EQ(source.stream, nullptr);
-  EXPECT_EQ(TargetBytes(), WrittenHeader(48000, 2, 16, 2) + PcmBytes(16, {32766, -32767, 0, 99}));
-}
-
-TEST_F(GainRenderer, minusSixDecibelsInDoubles) {
-  AES31BWF source(Source({.bits = 24}, {6404384, 7413043, 4342220, -6404384}).c_str());
-  ExpectUsable(Render(&source, -6.0));
-  // The factor 0.5011872336272722; as a float it would give 3209794, 3715321 and 2176265.
-  EXPECT_EQ(TargetSamples(24), (Ints{3209795, 3715322, 2176265, -3209795}));
-}
-
-TEST_F(GainRenderer, twentyDecibelsAreTenfoldAndWrap) {
-  AES31BWF source(Source({}, {1000, 3276, 3277, -4000, 20000}).c_str());
-  ExpectUsable(Render(&source, 20.0));
-  EXPECT_EQ(TargetSamples(16), (Ints{9999, 32759, 32769 - 65536, 65536 - 39998, 199993 - 196608}));
-}
-
-TEST_F(GainRenderer, absurdLevelsAreSilenceOrTheMostNegative) {
-  AES31BWF source(Source({.bits = 32}, {0x40000000, 0, -0x40000000}).c_str());
-  ExpectUsable(Render(&source, -1e6));
-  EXPECT_EQ(TargetSamples(32), (Ints{0, 0, 0}));
-  ExpectUsable(Render(&source, 400.0));
-  EXPECT_EQ(TargetSamples(32), (Ints{kMostNegative, 0, kMostNegative}));
-  ExpectUsable(Render(&source, 1e6));
-  EXPECT_EQ(TargetSamples(32), (Ints{kMostNegative, kMostNegative, kMostNegative}));
-}
-
-TEST_F(GainRenderer, takesTheWholeSourceWhereverItsStreamStands) {
-  AES31BWF source(Source({.sampleRate = 44100}, {0x1000, 0x2000, 0x4000}).c_str());
-  source.GetSampleAt(2, 0);
-  ExpectUsable(Render(&source, 0.0));
-  EXPECT_EQ(TargetBytes(), WrittenHeader(44100, 1, 16, 3) + PcmBytes(16, {0x0FFF, 0x1FFF, 0x3FFF}));
-}
-
-TEST_F(GainRenderer, longFileComesWhole) {
-  Ints samples;
-  Ints expected;
-  for (std::int32_t i = 0; i < 50001; ++i) {
-    samples.push_back(i - 25000);
-    expected.push_back(Encoded(
-        static_cast<float>(static_cast<double>(Decoded(i - 25000, 16)) * 0.5011872336272722), 16));
-  }
-  AES31BWF source(Source({.channels = 3}, samples).c_str());
-  ExpectUsable(Render(&source, -6.0));
-  EXPECT_TRUE(TargetBytes() == WrittenHeader(48000, 3, 16, 16667) + PcmBytes(16, expected));
-}
-
-TEST_F(GainRenderer, givesNullAndNoFileWithoutGainOrSource) {
-  AES31BWF source(Source({}, {1, 2}).c_str());
-  AES31BWF invalid(folder.Write("text.wav", "text").c_str());
-  EXPECT_EQ(Render(&source, -6.0, false), nullptr);
-  EXPECT_EQ(Render(nullptr, -6.0, false), nullptr);
-  EXPECT_EQ(Render(nullptr, -6.0), nullptr);
-  EXPECT_EQ(Render(&invalid, -6.0), nullptr);
-  EXPECT_FALSE(std::filesystem::exists(target));
-}
-
-TEST_F(GainRenderer, sourceThatVanishedGivesNull) {
-  const std::string path = Source({}, {1, 2});
-  AES31BWF source(path.c_str());
-  std::filesystem::remove(path);
-  EXPECT_EQ(Render(&source, -6.0), nullptr);
-}
-
-class FadeRenderer : public Renderer {};
+class FadeRenderer : public RendererTest {};
 
 TEST_F(FadeRenderer, rampsOfTwoFrames) {
   AES31BWF source(Source({.bits = 32}, {kOne, kOne}).c_str());
@@ -310,6 +202,69 @@ TEST_F(FadeRenderer, depthsBetweenBytesComeToAnEnd) {
                         .c_str());
     RenderFadeFile(target.c_str(), &source, 12, true, -1);
     RenderCrossfadeFile(target.c_str(), &source, &source, 0, 3, 12);
+  }
+}
+
+/// Each row makes a piece of two files at a path, in one of the ways there are.
+struct ClosingRow {
+  const char* renderer;
+  std::unique_ptr<AES31BWF> (*render)(const char* path, AES31BWF& first, AES31BWF& second);
+};
+
+constexpr ClosingRow kClosingRows[] = {
+    {"scaling", [](const char* path, AES31BWF& first,
+                   AES31BWF&) { return RenderScaledFile(path, &first, 0.5); }},
+    {"fade", [](const char* path, AES31BWF& first,
+                AES31BWF&) { return RenderFadeFile(path, &first, 2, true, 0); }},
+    {"crossfade",
+     [](const char* path, AES31BWF& first, AES31BWF& second) {
+       return RenderCrossfadeFile(path, &first, &second, 0, 0, 2);
+     }},
+};
+
+class ClosedSources : public RendererTest {
+ protected:
+  AES31BWF first{folder.Write("first.wav", PlainWave({}, {1, 2})).c_str()};
+  AES31BWF second{folder.Write("second.wav", PlainWave({}, {3, 4})).c_str()};
+};
+
+TEST_F(ClosedSources, whenTheTargetIsMade) {
+  for (const ClosingRow& row : kClosingRows) {
+    EXPECT_NE(row.render(target.c_str(), first, second), nullptr) << row.renderer;
+    EXPECT_EQ(first.stream, nullptr) << row.renderer;
+    EXPECT_EQ(second.stream, nullptr) << row.renderer;
+  }
+}
+
+TEST_F(ClosedSources, whenTheTargetCannotBeMade) {
+  for (const ClosingRow& row : kClosingRows) {
+    EXPECT_EQ(row.render(folder.Path("missing/x.wav").c_str(), first, second), nullptr);
+    EXPECT_EQ(first.stream, nullptr) << row.renderer;
+    EXPECT_EQ(second.stream, nullptr) << row.renderer;
+  }
+}
+
+TEST_F(ClosedSources, whenTheLengthIsRefused) {
+  constexpr std::int64_t kTooLong = std::int64_t{1} << 40;
+  EXPECT_EQ(RenderFadeFile(target.c_str(), &first, kTooLong, true, 0), nullptr);
+  EXPECT_EQ(first.stream, nullptr);
+  EXPECT_EQ(RenderCrossfadeFile(target.c_str(), &first, &second, 0, 0, kTooLong), nullptr);
+  EXPECT_EQ(first.stream, nullptr);
+  EXPECT_EQ(second.stream, nullptr);
+}
+
+TEST_F(ClosedSources, whenTheOtherOneHasGone) {
+  std::filesystem::remove(folder.Path("second.wav"));
+  EXPECT_EQ(RenderCrossfadeFile(target.c_str(), &first, &second, 0, 0, 2), nullptr);
+  EXPECT_EQ(first.stream, nullptr);
+  EXPECT_EQ(RenderCrossfadeFile(target.c_str(), &second, &first, 0, 0, 2), nullptr);
+  EXPECT_EQ(first.stream, nullptr);
+}
+
+TEST_F(ClosedSources, whenACopyCannotBeMade) {
+  for (const std::int32_t depth : {-1, 24}) {
+    EXPECT_EQ(first.CopyTo(folder.Path("missing/x.wav").c_str(), depth), CopyTargetNotCreated);
+    EXPECT_EQ(first.stream, nullptr) << depth;
   }
 }
 
