@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "ADL/ShiftJis.h"
+#include "Model/ProjectSummary.h"
 #include "Program/ExitStatus.h"
 #include "Program/TextTable.h"
 
@@ -28,14 +28,8 @@ int RunInfo(const InfoArguments& arguments) {
 void ComplainAboutLoad(const std::string& path, const ViewModel& model) {
   std::cerr << "velmora: " << model.errorMessage << ' ' << Printable(path);
   if (model.loadFailure) {
-    const LoadFailure& failure = *model.loadFailure;
-    if (failure.line > 0) std::cerr << ", line " << failure.line;
-    std::cerr << ": ";
-    if (!failure.section.empty()) {
-      std::cerr << '<' << Printable(ShiftJisToUtf8(failure.section.c_str())) << "> ("
-                << Printable(ShiftJisToUtf8(failure.label.c_str())) << "): ";
-    }
-    std::cerr << failure.reason;
+    const bool hasPlace = model.loadFailure->line > 0;
+    std::cerr << (hasPlace ? ", " : ": ") << Printable(FailureText(*model.loadFailure));
   }
   std::cerr << '\n';
 }

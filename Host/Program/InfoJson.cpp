@@ -60,10 +60,20 @@ void WriteTables(JsonObjectWriter& json, std::ostream& out, const ViewModel& mod
 Json FailureJson(const ViewModel& model) {
   if (!model.loadFailure) return nullptr;
   const LoadFailure& failure = *model.loadFailure;
-  return {{"line", failure.line},
+  return {{"code", NameOf(failure.code)},
+          {"line", failure.line},
           {"section", ProjectText(failure.section.c_str())},
           {"label", ProjectText(failure.label.c_str())},
           {"reason", failure.reason}};
+}
+
+void WriteDiagnostics(JsonObjectWriter& json, const ViewModel& model) {
+  json.Array("diagnostics", model.loadDiagnostics.size(), [&model](std::size_t i) -> Json {
+    const LoadDiagnostic& diagnostic = model.loadDiagnostics[i];
+    return {{"code", NameOf(diagnostic.code)},
+            {"line", diagnostic.line},
+            {"text", ProjectText(diagnostic.text.c_str())}};
+  });
 }
 
 Json SourceJson(std::int32_t index, const AES31SourceFile& source) {
@@ -119,6 +129,7 @@ void PrintInfoJson(const InfoArguments& arguments, const ViewModel& model, std::
                             : arguments.project.substr(0, arguments.project.rfind('/')));
   json.Member("ok", model.project != nullptr);
   json.Member("message", model.errorMessage);
+  WriteDiagnostics(json, model);
   json.Member("failure", FailureJson(model));
   WriteContents(json, model.project.get());
   json.Member("firstEvent", ProjectText(model.firstEvent));

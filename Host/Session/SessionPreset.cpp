@@ -49,6 +49,7 @@ std::vector<float> OfferedSampleRates() {
 }
 
 std::string SampleRateName(double hertz) {
+  hertz = ExactSampleRate(hertz);  // a session's 32-bit float and the project's rate read alike
   char text[64];
   const bool whole = std::abs(hertz - std::round(hertz)) < 0.0005;
   std::snprintf(text, sizeof text, whole ? "%.0f Hz" : "%.3f Hz", hertz);

@@ -10,9 +10,9 @@
 #include <utility>
 
 #include "ADL/AdlScanner.h"
-#include "Base/Text.h"
 #include "Base/FileAccess.h"
 #include "Base/FileNames.h"
+#include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora {
@@ -21,80 +21,83 @@ namespace {
 /// Short enough for a string to hold it without asking for memory.
 constexpr const char* kNoMemory = "out of memory";
 
-/// The line, from 1, on which a byte of a file stands; line ends are LF, CR LF or CR. The file is
-/// read again because the scanner has cut the block's own line ends away.
-std::int64_t LineAt(const std::string& path, std::int64_t offset) {
-  const FileStream stream = OpenRegularFile(path.c_str());
-  std::int64_t line = 1;
-  int previous = 0;
-  for (std::int64_t i = 0; stream != nullptr && i < offset; ++i) {
-    const int byte = std::getc(stream.get());
-    if (byte == EOF) break;
-    if (byte == '\r' || (byte == '\n' && previous != '\r')) ++line;
-    previous = byte;
-  }
-  return line;
-}
-
-const char* Printable(const char* text) {
-  return text != nullptr ? text : "(null)";
+/// Tells a file that is no regular one from one that does not open, by the errno of its opening.
+bool IsNoRegularFile(int error) {
+  return error == EISDIR || error == ENODEV || error == ENXIO;
 }
 
 }  // namespace
 
 AES31Project::AES31Project(const char* path, const char* searchFolder, bool* ok)
-    : folder(searchFolder != nullptr ? searchFolder : FolderOf(path)), path_(path) {
+    : folder(searchFolder != nullptr ? searchFolder : FolderOf(path)) {
   *ok = false;
   try {
-    if (!LoadBlock()) return;
-    AdlScanner(buffer, bufferEnd, refLists, comments).Scan(sections);
+    if (!LoadBlock(path)) return;
+    lines_ = LineMap(buffer, static_cast<std::size_t>(bufferEnd - buffer));
+    if (!AdlScanner(buffer, bufferEnd, refLists, comments).Scan(sections)) {
+      diagnostics.push_back({LoadDiagnosticCode::NoAdl, 0, "The file does not begin with <ADL>"});
+    }
     if (!AES31Project::CheckSections()) return;
     AES31Project::ResolveSources();
     AES31Project::LinkEvents();
     *ok = true;
   } catch (const std::bad_alloc&) {
-    FailWhole(kNoMemory);
+    FailWhole(LoadFailureCode::OutOfMemory, kNoMemory);
   }
 }
 
 AES31Project::~AES31Project() = default;
 
-bool AES31Project::LoadBlock() {
-  const FileStream stream = OpenRegularFile(path_.c_str());
+bool AES31Project::LoadBlock(const char* path) {
+  const FileStream stream = OpenRegularFile(path);
   if (stream == nullptr) {
-    return FailWhole(std::string("the file cannot be opened: ") +
-                     (errno == ENODEV ? "not a regular file" : std::strerror(errno)));
+    const int error = errno;
+    return FailWhole(
+        IsNoRegularFile(error) ? LoadFailureCode::FileNotRegular : LoadFailureCode::FileNotOpened,
+        std::string("the file cannot be opened: ") +
+            (error == ENODEV ? "not a regular file" : std::strerror(error)));
   }
   const std::int64_t fileSize = FileSize(stream.get());
-  if (fileSize < 0) return FailWhole("the size of the file cannot be told");
+  if (fileSize < 0) {
+    return FailWhole(LoadFailureCode::FileNotRead, "the size of the file cannot be told");
+  }
   constexpr std::int64_t kLargestBlock = std::numeric_limits<std::ptrdiff_t>::max();
-  if (fileSize >= kLargestBlock) return FailWhole(kNoMemory);
+  if (fileSize >= kLargestBlock) return FailWhole(LoadFailureCode::OutOfMemory, kNoMemory);
   const auto size = static_cast<std::size_t>(fileSize);
   block_.reset(new (std::nothrow) char[size + 1]);
-  if (block_ == nullptr) return FailWhole(kNoMemory);
+  if (block_ == nullptr) return FailWhole(LoadFailureCode::OutOfMemory, kNoMemory);
   buffer = block_.get();
   bufferEnd = buffer + size;
   *bufferEnd = '\0';
   if (std::fread(buffer, 1, size, stream.get()) != size) {
-    return FailWhole("the file cannot be read to its end");
+    return FailWhole(LoadFailureCode::FileNotRead, "the file cannot be read to its end");
   }
   return true;
 }
 
-bool AES31Project::FailAt(const AES31Section& section, const AES31Entry& entry,
-                          std::string reason) {
-  // Sections may come from a caller's own hands.
-  const std::less_equal<const char*> notBehind;
-  const bool fromFile = notBehind(buffer, entry.label) && notBehind(entry.label, bufferEnd);
-  failure = LoadFailure{fromFile ? LineAt(path_, entry.label - buffer) : 0,
-                        section.name != nullptr ? section.name : "",
+bool AES31Project::FailAt(LoadFailureCode code, const AES31Section& section,
+                          const AES31Entry& entry, std::string reason) {
+  failure = LoadFailure{code, LineOf(entry), section.name != nullptr ? section.name : "",
                         entry.label != nullptr ? entry.label : "", std::move(reason)};
   return false;
 }
 
-bool AES31Project::FailWhole(std::string reason) {
-  failure = LoadFailure{0, "", "", std::move(reason)};
+bool AES31Project::FailWhole(LoadFailureCode code, std::string reason) {
+  failure = LoadFailure{code, 0, "", "", std::move(reason)};
   return false;
+}
+
+void AES31Project::Tolerate(LoadDiagnosticCode code, const AES31Entry& entry, std::string text) {
+  std::fprintf(stderr, "%s\n", text.c_str());
+  diagnostics.push_back({code, LineOf(entry), std::move(text)});
+}
+
+/// The line of the entry's label; 0 for one that is not of the file, since sections may come from a
+/// caller's own hands.
+std::int64_t AES31Project::LineOf(const AES31Entry& entry) const {
+  const std::less_equal<const char*> notAfter;
+  const bool isOfFile = notAfter(buffer, entry.label) && notAfter(entry.label, bufferEnd);
+  return isOfFile ? lines_.LineAt(static_cast<std::size_t>(entry.label - buffer)) : 0;
 }
 
 AES31BWF* AES31Project::GetEventFile(std::size_t position) {
@@ -132,11 +135,11 @@ void AES31Project::DumpProject() {
     const char* const name = kProjectConstants[id].displayName;
     const int padding = std::max(kValueColumn - static_cast<int>(std::strlen(name)), 0);
     std::fprintf(stderr, "Const %d\t %s%*s = %s\n", static_cast<int>(id), name, padding, "",
-                 Printable(constants[id]));
+                 TextOrNull(constants[id]));
   }
   for (const auto& [index, source] : sourceFiles) {
-    std::fprintf(stderr, "Source %d: %s / %s\n", index, Printable(source.fValues[0]),
-                 Printable(source.fValues[3]));
+    std::fprintf(stderr, "Source %d: %s / %s\n", index, TextOrNull(source.fValues[0]),
+                 TextOrNull(source.fValues[3]));
   }
   for (std::size_t i = 0; i < events.size(); ++i) {
     const AES31Event& event = events[i];
@@ -144,7 +147,7 @@ void AES31Project::DumpProject() {
         cut;  // whatever the event is: the other kinds' fields end before the two that are shown
     std::memcpy(&cut, &event.cut, sizeof cut);
     std::fprintf(stderr, "Event: %d: %s (%i), channel: %d\n", static_cast<int>(i),
-                 Printable(event.label), cut.sourceIndex, cut.destChannel);
+                 TextOrNull(event.label), cut.sourceIndex, cut.destChannel);
   }
 }
 

@@ -12,6 +12,8 @@
 #include "ADL/AES31Event.h"
 #include "ADL/AES31Section.h"
 #include "ADL/AES31SourceFile.h"
+#include "ADL/LineMap.h"
+#include "ADL/LoadDiagnostic.h"
 #include "ADL/LoadFailure.h"
 #include "ADL/ProjectConstants.h"
 #include "BWF/AES31BWF.h"
@@ -21,7 +23,7 @@ namespace velmora {
 /// A loaded ADL project (AES31-3). Constructing it does the whole load; it owns the file's bytes,
 /// to which every text in it points, and the wave files that it opened.
 ///
-/// Oddities of a file are told on standard error, a line each, and do not stop the load.
+/// Oddities of a file do not stop the load. `diagnostics` has them, and standard error a line each.
 class AES31Project {
  public:
   /// Loads the file at `path` and looks for its audio below `searchFolder`, or below the file's own
@@ -62,33 +64,38 @@ class AES31Project {
   /// Prints constants, sources and events to standard error.
   virtual void DumpProject();
 
-  std::array<const char*, kProjectConstants.size()> constants{};  ///< raw values, by id; null if
-                                                                  ///< the file gave none
-  std::map<std::int32_t, AES31SourceFile> sourceFiles;            ///< by (Index) number
-  std::vector<AES31Event> events;                                 ///< by rising entry number
-  std::vector<AES31Section> sections;                             ///< the scanned tree
-  std::vector<std::vector<AES31Section>> refLists;                ///< one for each <REF> block
-  std::vector<const char*> comments;   ///< from every level, in file order
-  char* buffer = nullptr;              ///< first byte of the file block
+  /// Raw values, by id; null if the file gave none.
+  std::array<const char*, kProjectConstants.size()> constants{};
+  std::map<std::int32_t, AES31SourceFile> sourceFiles;  ///< by (Index) number
+  std::vector<AES31Event> events;                       ///< by rising entry number
+  std::vector<AES31Section> sections;                   ///< the scanned tree
+  std::vector<std::vector<AES31Section>> refLists;      ///< one for each <REF> block
+  std::vector<const char*> comments;                    ///< from every level, in file order
+  char* buffer = nullptr;                               ///< first byte of the file block
   char* bufferEnd = nullptr;           ///< one past the file's last byte, where a spare NUL stands
   std::string folder;                  ///< in which audio is looked for, without a slash at its end
   std::optional<LoadFailure> failure;  ///< set when `ok` is false
+  std::vector<LoadDiagnostic> diagnostics;  ///< oddities that did not stop the load, in file order
 
  private:
   enum class Checks { Off, On };
 
-  bool LoadBlock();
+  bool LoadBlock(const char* path);
   bool WalkSections(Checks checks);
   bool ReadConstants(const AES31Section& section);
   bool WalkSourceIndex(const AES31Section& section, Checks checks);
   bool WalkEventList(const AES31Section& section, Checks checks);
-  std::string FindSource(const char* location) const;
+  [[nodiscard]] std::string FindSource(const char* location) const;
   /// Each notes the failure and answers false.
-  bool FailAt(const AES31Section& section, const AES31Entry& entry, std::string reason);
-  bool FailWhole(std::string reason);
+  bool FailAt(LoadFailureCode code, const AES31Section& section, const AES31Entry& entry,
+              std::string reason);
+  bool FailWhole(LoadFailureCode code, std::string reason);
+  /// Notes an oddity and tells it on standard error.
+  void Tolerate(LoadDiagnosticCode code, const AES31Entry& entry, std::string text);
+  [[nodiscard]] std::int64_t LineOf(const AES31Entry& entry) const;
 
   std::unique_ptr<char[]> block_;
-  std::string path_;
+  LineMap lines_;
   std::vector<std::unique_ptr<AES31BWF>> openedFiles_;  ///< every file that a source ever had
 };
 

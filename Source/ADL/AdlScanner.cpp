@@ -28,8 +28,10 @@ bool StartsExactly(const char* begin, const char* end, const char* prefix) {
 
 }  // namespace
 
-void AdlScanner::Scan(std::vector<AES31Section>& sections) {
+bool AdlScanner::Scan(std::vector<AES31Section>& sections) {
+  if (!StartsWith(TokenAt(begin_), "<ADL>")) return false;
   ScanSection(sections, begin_, "ADL", 0);
+  return true;
 }
 
 char* AdlScanner::ScanSection(std::vector<AES31Section>& sections, char* at, const char* tag,

@@ -19,8 +19,9 @@ class AdlScanner {
              std::vector<const char*>& comments)
       : begin_(begin), end_(end), refLists_(refLists), comments_(comments) {}
 
-  /// Scans the block's outer section into `sections`.
-  void Scan(std::vector<AES31Section>& sections);
+  /// Scans the block's outer section into `sections`. False if the block does not begin with the
+  /// tag <ADL>: it is no ADL then, and nothing of it is read.
+  bool Scan(std::vector<AES31Section>& sections);
 
  private:
   /// Nesting of <REF> blocks from which on one counts as damaged: it bounds the stack.

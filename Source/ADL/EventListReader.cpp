@@ -1,9 +1,11 @@
 // The EVENT_LIST section: (Entry) opens an event, and all up to the next (Entry) belongs to it.
 
 #include <array>
-#include <cstdio>
+#include <cstring>
 #include <map>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "ADL/AES31Project.h"
 #include "Base/Text.h"
@@ -156,9 +158,7 @@ struct WorkingEvent {
         FillGain(event, values);
         break;
       case LineKind::Rem:
-        break;
       case LineKind::Unknown:
-        std::fprintf(stderr, "Encountered unexpected label: %s\n", entry.label);
         break;
     }
     if (!form.isEdit) return;
@@ -168,19 +168,32 @@ struct WorkingEvent {
   }
 };
 
-/// What is wrong with a line; empty if nothing is.
-std::string ComplaintAbout(const AES31Entry& entry, const LineForm& form) {
-  std::string complaint = form.label;
+struct Complaint {
+  LoadFailureCode code;
+  std::string reason;
+};
+
+/// Tells a fade length that only has another separator before its frames from any other text.
+LoadFailureCode FadeFault(const char* length) {
+  constexpr std::size_t kSeparatorAt = 8;
+  std::string text(length, strnlen(length, kTimestampLength));
+  if (text.size() < kTimestampLength) return LoadFailureCode::FadeForm;
+  text[kSeparatorAt] = ';';
+  return AdlIsTimestamp(text.c_str()) ? LoadFailureCode::FadeSeparator : LoadFailureCode::FadeForm;
+}
+
+/// What is wrong with a line.
+std::optional<Complaint> ComplaintAbout(const AES31Entry& entry, const LineForm& form) {
   if (entry.values.size() < form.needs) {
-    return complaint.append(" needs at least ")
-        .append(std::to_string(form.needs))
-        .append(" values");
+    return Complaint{LoadFailureCode::ValuesMissing, std::string(form.label) + " needs at least " +
+                                                         std::to_string(form.needs) + " values"};
   }
   if (IsFade(form.kind) && !AdlIsTimestamp(entry.values[0])) {
-    return complaint.append(
-        " has a length that is no timestamp with \";\" or \",\" for its frames");
+    return Complaint{FadeFault(entry.values[0]),
+                     std::string(form.label) +
+                         " has a length that is no timestamp with \";\" or \",\" for its frames"};
   }
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace
@@ -206,25 +219,32 @@ bool AES31Project::WalkEventList(const AES31Section& section, Checks checks) {
     if (EqualsIgnoringCase(entry.label, "Entry")) {
       store();
       if (checked && entry.values.empty()) {
-        return FailAt(section, entry, "Entry has no number");
+        return FailAt(LoadFailureCode::IndexMissing, section, entry, "Entry has no number");
       }
       working = {};
       working.event.entryNumber = Values(entry).Int(0);
       entrySeen = true;
     } else if (!entrySeen) {
-      std::fprintf(stderr, "Found unexpected entry: %s\n", entry.label);
+      Tolerate(LoadDiagnosticCode::UnexpectedEntry, entry,
+               std::string("Found unexpected entry: ") + TextOrNull(entry.label));
     } else {
       const LineForm& form = FormOf(entry, working.editSeen);
       if (checked) {
-        std::string complaint = ComplaintAbout(entry, form);
-        if (!complaint.empty()) return FailAt(section, entry, std::move(complaint));
+        std::optional<Complaint> complaint = ComplaintAbout(entry, form);
+        if (complaint) {
+          return FailAt(complaint->code, section, entry, std::move(complaint->reason));
+        }
+      }
+      if (form.kind == LineKind::Unknown) {
+        Tolerate(LoadDiagnosticCode::UnexpectedLabel, entry,
+                 std::string("Encountered unexpected label: ") + TextOrNull(entry.label));
       }
       working.Take(entry, form, checked);
     }
   }
   store();
 
-  events.reserve(events.size() + byNumber.size());
+  // Without a reserve, which would move all events once for each section of a file that has many.
   for (const auto& [number, event] : byNumber) events.push_back(event);
   return true;
 }

@@ -1,7 +1,7 @@
 // The walk over the sections of a project, with its constants.
 
 #include <algorithm>
-#include <cstdio>
+#include <string>
 
 #include "ADL/AES31Project.h"
 #include "Base/Text.h"
@@ -51,8 +51,9 @@ bool AES31Project::ReadConstants(const AES31Section& section) {
       return EqualsIgnoringCase(entry.label, candidate.keyword);
     });
     if (constant == last || entry.values.empty()) {
-      std::fprintf(stderr, "Found unknown identifier: %s in section %s\n", entry.label,
-                   section.name);
+      Tolerate(LoadDiagnosticCode::UnknownIdentifier, entry,
+               std::string("Found unknown identifier: ") + TextOrNull(entry.label) +
+                   " in section " + section.name);
       continue;
     }
     constants[static_cast<std::size_t>(constant - kProjectConstants.begin())] = entry.values[0];

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
+#include <string>
 
 #include "ADL/AES31Project.h"
 #include "Base/Text.h"
@@ -41,20 +41,25 @@ bool AES31Project::WalkSourceIndex(const AES31Section& section, Checks checks) {
     const std::size_t count = entry.values.size();
     if (EqualsIgnoringCase(entry.label, "Index")) {
       store();
-      if (checked && count == 0) return FailAt(section, entry, "Index has no number");
+      if (checked && count == 0) {
+        return FailAt(LoadFailureCode::IndexMissing, section, entry, "Index has no number");
+      }
       number = count > 0 ? ToInt32(entry.values[0]) : 0;
       record = {};
       indexSeen = true;
     } else if (!indexSeen) {
-      std::fprintf(stderr, "Found unexpected entry: %s\n", entry.label);
+      Tolerate(LoadDiagnosticCode::UnexpectedEntry, entry,
+               std::string("Found unexpected entry: ") + TextOrNull(entry.label));
     } else if (EqualsIgnoringCase(entry.label, "F")) {
-      if (checked && count < 4) return FailAt(section, entry, "F needs at least 4 values");
+      if (checked && count < 4) {
+        return FailAt(LoadFailureCode::ValuesMissing, section, entry, "F needs at least 4 values");
+      }
       // A fifth value without a sixth is passed over.
       StoreValues(entry, !checked || count >= record.fValues.size() ? record.fValues.size() : 4,
                   record.fValues);
     } else if (EqualsIgnoringCase(entry.label, "T")) {
       if (checked && count < record.tValues.size()) {
-        return FailAt(section, entry, "T needs at least 5 values");
+        return FailAt(LoadFailureCode::ValuesMissing, section, entry, "T needs at least 5 values");
       }
       StoreValues(entry, record.tValues.size(), record.tValues);
     }

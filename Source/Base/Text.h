@@ -4,18 +4,23 @@
 
 namespace velmora {
 
-constexpr char LowerCase(char c) {
+[[nodiscard]] constexpr char LowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 /// Texts of a project compare without regard to the case of ASCII letters, in any locale.
 /// A null text equals nothing.
-bool EqualsIgnoringCase(const char* a, const char* b);
+[[nodiscard]] bool EqualsIgnoringCase(const char* a, const char* b);
 
 /// `atoi`, but with numbers beyond 32 bits counting as the nearest; null counts as 0.
-std::int32_t ToInt32(const char* text);
+[[nodiscard]] std::int32_t ToInt32(const char* text);
 
 /// `atof` with a decimal point in every locale; null counts as 0.0.
-double ToDouble(const char* text);
+[[nodiscard]] double ToDouble(const char* text);
+
+/// The text, or "(null)" for a null one: what a line for people shows of it.
+[[nodiscard]] constexpr const char* TextOrNull(const char* text) {
+  return text != nullptr ? text : "(null)";
+}
 
 }  // namespace velmora

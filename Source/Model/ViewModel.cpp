@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <limits>
 #include <map>
 #include <new>
 #include <utility>
@@ -11,9 +10,10 @@
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
 #include "Base/Text.h"
+#include "Base/Wrapping.h"
+#include "Model/ProjectSummary.h"
 #include "Spot/SpotWorker.h"
 #include "Timecode/AdlTime.h"
-#include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {
@@ -23,17 +23,6 @@ constexpr std::int32_t kSpacer = -1;
 /// The constant behind each row of the project table.
 constexpr auto kRowConstants =
     std::to_array<std::int32_t>({5, 6, 7, 8, 9, kSpacer, 15, 17, 18, 19, 20, 22, 23});
-
-/// The earliest and the latest of the stamps it is shown; of equal ones the first stays.
-struct Span {
-  const char* first = nullptr;
-  const char* last = nullptr;
-
-  void Include(const AES31Cut& cut) {
-    if (first == nullptr || AdlDifference(first, cut.destIn) < 0) first = cut.destIn;
-    if (last == nullptr || AdlDifference(last, cut.destOut) > 0) last = cut.destOut;
-  }
-};
 
 std::string SourceName(const AES31Event& event) {
   return event.sourceFile != nullptr ? FileNameOf(event.sourceFile->GetPath()) : std::string();
@@ -61,6 +50,9 @@ bool ViewModel::LoadFile(const std::string& path) {
   } catch (const std::bad_alloc&) {  // the view's event loop has no use for an exception
     firstEvent = lastEvent = nullptr;
     project.reset();
+    loadDiagnostics.clear();
+    // Texts so short need no memory.
+    loadFailure = LoadFailure{LoadFailureCode::OutOfMemory, 0, "", "", "out of memory"};
     errorMessage = "File NG.";
     return false;
   }
@@ -76,6 +68,7 @@ bool ViewModel::Load(const std::string& path) {
   project = OpenProject(path, ok);
   errorMessage.clear();
   loadFailure = project->failure;
+  loadDiagnostics = project->diagnostics;
   if (!ok) {
     project.reset();
     errorMessage = "File NG.";
@@ -109,26 +102,18 @@ void ViewModel::FillProjectInfomation() {
 }
 
 bool ViewModel::FindSpan() {
-  minTrack = std::numeric_limits<std::int32_t>::max();
-  maxTrack = std::numeric_limits<std::int32_t>::min();
-  bool found = false;
-  Span span;
-  for (const AES31Event& event : project->events) {
-    if (!IsCut(event)) continue;
-    found = true;
-    span.Include(event.cut);
-    minTrack = std::min(minTrack, event.cut.destChannel);
-    maxTrack = std::max(maxTrack, event.cut.destChannel);
-  }
-  firstEvent = span.first;
-  lastEvent = span.last;
-  return found && firstEvent != nullptr && lastEvent != nullptr;
+  const CutSpan span = SpanOfCuts(*project);
+  minTrack = span.minTrack;
+  maxTrack = span.maxTrack;
+  firstEvent = span.earliest != nullptr ? span.earliest->destIn : nullptr;
+  lastEvent = span.latest != nullptr ? span.latest->destOut : nullptr;
+  return firstEvent != nullptr && lastEvent != nullptr;
 }
 
 /// Every number from the lowest track to the highest has a row; one that no cut uses shows the
 /// whole project's span.
 void ViewModel::FillTracks() {
-  std::map<std::int32_t, Span> spans;
+  std::map<std::int32_t, CutSpan> spans;
   for (const AES31Event& event : project->events) {
     if (IsCut(event)) spans[event.cut.destChannel].Include(event.cut);
   }
@@ -137,8 +122,8 @@ void ViewModel::FillTracks() {
   trackEnable.Fill(trackCount, true);
   for (const auto& [track, span] : spans) {
     const std::int32_t row = WrapSubtract(track, minTrack);
-    trackStart.Set(row, TimestampTimecode(span.first));
-    trackEnd.Set(row, TimestampTimecode(span.last));
+    trackStart.Set(row, TimestampTimecode(span.earliest->destIn));
+    trackEnd.Set(row, TimestampTimecode(span.latest->destOut));
   }
 }
 

@@ -41,7 +41,8 @@ class ViewModel {
   bool HasCuts() const { return project != nullptr && firstEvent != nullptr; }
 
   std::shared_ptr<AES31Project> project;   ///< null before the first load and after a failed one
-  std::optional<LoadFailure> loadFailure;  ///< of the last load
+  std::optional<LoadFailure> loadFailure;  ///< of the last load; set if that failed
+  std::vector<LoadDiagnostic> loadDiagnostics;  ///< of the last load, also of one that failed
   std::array<std::string, 13> ProjectInfomation;
   std::int32_t TrackNo = 0;
   std::int32_t numEvents = 0;

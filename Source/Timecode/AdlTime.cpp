@@ -12,7 +12,6 @@
 namespace velmora {
 namespace {
 
-constexpr std::size_t kTimestampLength = 16;
 constexpr std::size_t kFrameRateMarkAt = 2;
 constexpr std::size_t kFrameSeparatorAt = 8;
 constexpr std::size_t kSampleRateMarkAt = 11;

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace velmora {
+
+/// Characters of a timestamp.
+inline constexpr std::size_t kTimestampLength = 16;
 
 /// Timestamps of AES31-3: sixteen characters, read by position.
 ///

@@ -79,7 +79,7 @@ inline constexpr auto kFrameRateCodes = std::to_array<FrameRateCode>({
 });
 
 /// The entry of a frame-rate mark, null for any other character.
-constexpr const FrameRateMark* FindFrameRateMark(char mark) {
+[[nodiscard]] constexpr const FrameRateMark* FindFrameRateMark(char mark) {
   for (const FrameRateMark& row : kFrameRateMarks) {
     if (row.mark == mark) return &row;
   }
@@ -102,9 +102,18 @@ inline constexpr auto kSampleRateByCode = [] {
 }  // namespace detail
 
 /// Samples per second that a mark names, 0.0 for any other character.
-constexpr double SampleRateOfMark(char mark) {
+[[nodiscard]] constexpr double SampleRateOfMark(char mark) {
   const auto code = static_cast<unsigned char>(mark);
   return code < detail::kAsciiCodes ? detail::kSampleRateByCode[code] : 0.0;
+}
+
+/// The rate of a timestamp's mark to which `hz` is as close as a host tells it, in a 32-bit float;
+/// `hz` itself if there is none.
+[[nodiscard]] constexpr double ExactSampleRate(double hz) {
+  for (const SampleRateMark& row : kSampleRateMarks) {
+    if (static_cast<float>(row.hz) == static_cast<float>(hz)) return row.hz;
+  }
+  return hz;
 }
 
 }  // namespace velmora

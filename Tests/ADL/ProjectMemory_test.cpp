@@ -3,8 +3,13 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
+#include <map>
 #include <new>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "LoadedProject.h"
 
@@ -73,11 +78,63 @@ TEST(ProjectMemory, fileThatCannotBeHeldFails) {
   EXPECT_FALSE(loading.ok);
   EXPECT_GT(refusals, 0) << "the file's size was not asked of this program's allocator";
   ASSERT_TRUE(loading->failure.has_value());
+  EXPECT_EQ(loading->failure->code, LoadFailureCode::OutOfMemory);
   EXPECT_EQ(loading->failure->line, 0);
   EXPECT_EQ(loading->failure->section, "");
   EXPECT_EQ(loading->failure->label, "");
   EXPECT_NE(loading->failure->reason, "");
   EXPECT_TRUE(loading->sections.empty());
+}
+
+std::optional<LoadFailureCode> CodeOf(const std::string& path) {
+  const Loading loading(path);
+  if (!loading->failure) return std::nullopt;
+  return loading->failure->code;
+}
+
+// Here rather than beside the other failures, because only this program can run out of memory.
+TEST(LoadFailureCodes, everyOneHasANameOfItsOwnAndCanBeProvoked) {
+  const TemporaryFolder folder;
+  const auto file = [&folder](const char* name, const std::string& adl) {
+    return folder.Write(name, adl);
+  };
+  const std::string huge = folder.Write("huge.adl", "<ADL> ");
+  ASSERT_EQ(truncate(huge.c_str(), off_t{1024} * 1024 * 1024), 0);
+  using Code = LoadFailureCode;
+  std::map<Code, std::vector<std::string>> paths;
+  paths[Code::FileNotOpened] = {folder.Path("absent.adl"), folder.Path(std::string(300, 'n'))};
+  paths[Code::FileNotRegular] = {folder.Path(), "/dev/null"};
+  // A kernel file claims a page and holds a few bytes.
+  const std::string kernelFile = "/sys/kernel/mm/transparent_hugepage/enabled";
+  paths[Code::FileNotRead] = {};
+  if (std::filesystem::exists(kernelFile)) paths[Code::FileNotRead].push_back(kernelFile);
+  paths[Code::OutOfMemory] = {huge};
+  paths[Code::IndexMissing] = {file("index.adl", WithSources("(Index)")),
+                               file("entry.adl", WithEvents("(Entry) (Rem)"))};
+  paths[Code::ValuesMissing] = {file("f.adl", WithSources("(Index) 1 (F) a b c")),
+                                file("t.adl", WithSources("(Index) 1 (T) a b c d")),
+                                file("cut.adl", WithEvents("(Entry) 1 (Cut) I 1 1 1 a b c")),
+                                file("fade.adl", WithEvents("(Entry) 1 (Infade) _ a 0 0"))};
+  paths[Code::FadeSeparator] = {
+      file("colon.adl", WithEvents("(Entry) 1 (Infade) 00=00:01:00/0000 a 0 0 0")),
+      file("long.adl", WithEvents("(Entry) 1 (Outfade) 00=00:01|00/0000x a 0 0 0"))};
+  paths[Code::FadeForm] = {
+      file("none.adl", WithEvents("(Entry) 1 (Outfade) _ a 0 0 0")),
+      file("hours.adl", WithEvents("(Entry) 1 (Infade) 30=00:01:00/0000 a 0 0 0")),
+      file("short.adl", WithEvents("(Entry) 1 (Infade) 00=00:01 a 0 0 0"))};
+
+  std::set<std::string> names;
+  for (std::size_t i = 0; i < kLoadFailures.size(); ++i) {
+    const LoadFailureKind& kind = kLoadFailures[i];
+    EXPECT_EQ(static_cast<std::size_t>(kind.code), i) << kind.name;
+    EXPECT_STREQ(NameOf(kind.code), kind.name);
+    EXPECT_TRUE(names.insert(kind.name).second) << kind.name;
+    EXPECT_STRNE(kind.meaning, "") << kind.name;
+    ASSERT_TRUE(paths.contains(kind.code)) << kind.name;
+    for (const std::string& path : paths[kind.code]) {
+      EXPECT_EQ(CodeOf(path), kind.code) << kind.name << ", " << path;
+    }
+  }
 }
 
 // Neither a count nor an index of the file makes memory be asked for in its proportion.

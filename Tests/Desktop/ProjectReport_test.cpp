@@ -140,7 +140,8 @@ TEST_F(ProjectReportTest, aRemainderThatTheTimebaseDropsIsTold) {
 TEST_F(ProjectReportTest, aFailedLoadTellsLineAndReason) {
   ProjectFacts facts;
   facts.path = "/projects/Demo.adl";
-  facts.failure = LoadFailure{12, "EVENT_LIST", "Infade", "the length is no timestamp"};
+  facts.failure = LoadFailure{LoadFailureCode::FadeForm, 12, "EVENT_LIST", "Infade",
+                              "the length is no timestamp"};
   const auto items = DescribeProject(facts, {});
   ASSERT_EQ(items.size(), 1U);
   EXPECT_EQ(items[0].severity, Severity::Problem);

@@ -75,8 +75,8 @@ class Rendering:
 
     def project(self, told):
         self.heading("project")
-        self.members({key: told[key] for key in ("path", "folder", "ok", "message", "failure", "firstEvent",
-                                                 "lastEvent", "minTrack", "maxTrack", "trackCount", "totalStart",
+        self.members({key: told[key] for key in ("path", "folder", "ok", "message", "diagnostics", "failure",
+                                                 "firstEvent", "lastEvent", "minTrack", "maxTrack", "trackCount", "totalStart",
                                                  "totalEnd")})
         self.heading("constants")
         self.members(told["constants"])

@@ -12,8 +12,8 @@ CONSTANTS = ["ADL_ID", "ADL_UID", "VER_ADL_VERSION", "VER_CREATOR", "VER_CRTR",
              "SYS_SRC_OFFSET", "SYS_BIT_DEPTH", "SYS_AUD_CODEC", "SYS_XFADE_LEN", "SYS_GAIN",
              "SEQ_TITLE", "SEQ_DESCRIPT", "SEQ_SAMPLE_RATE", "SEQ_FRAME_RATE", "SEQ_ADL_LEVEL",
              "SEQ_CLEAN", "SEQ_SORT", "SEQ_MULTICHAN", "SEQ_DEST_START"]
-KEYS = ["path", "folder", "ok", "message", "failure", "constants", "sources", "events", "sections", "refLists",
-        "comments", "firstEvent", "lastEvent", "minTrack", "maxTrack", "trackCount", "totalStart", "totalEnd", "tables"]
+KEYS = ["path", "folder", "ok", "message", "diagnostics", "failure", "constants", "sources", "events", "sections",
+        "refLists", "comments", "firstEvent", "lastEvent", "minTrack", "maxTrack", "trackCount", "totalStart", "totalEnd", "tables"]
 SOURCE_KEYS = ["index", "f", "t", "file"]
 FILE_KEYS = ["path", "valid", "sampleRate", "channels", "bitsPerSample", "formatTag", "frames"]
 EVENT_KEYS = ["index", "entryNumber", "label", "edit", "infade", "outfade", "xfade", "gain", "sourceFile",
@@ -52,11 +52,14 @@ class InfoTest(ProgramTest):
         """What holds of every object, whatever the project."""
         self.assertEqual(list(told), KEYS)
         self.assertEqual(list(told["constants"]), CONSTANTS)
-        self.check_types(told, {"path": str, "folder": str, "ok": bool, "message": str, "sources": list,
-                                "events": list, "sections": list, "refLists": list, "comments": list,
+        self.check_types(told, {"path": str, "folder": str, "ok": bool, "message": str, "diagnostics": list,
+                                "sources": list, "events": list, "sections": list, "refLists": list, "comments": list,
                                 "minTrack": int, "maxTrack": int, "trackCount": int, "tables": dict})
         for text in [*told["constants"].values(), told["firstEvent"], told["lastEvent"], *told["comments"]]:
             self.assertIsInstance(text, (str, type(None)))
+        for diagnostic in told["diagnostics"]:
+            self.assertEqual(list(diagnostic), ["code", "line", "text"])
+            self.check_types(diagnostic, {"code": str, "line": int, "text": str})
         for source in told["sources"]:
             self.assertEqual(list(source), SOURCE_KEYS)
             self.assertEqual((len(source["f"]), len(source["t"])), (6, 5))
@@ -183,46 +186,76 @@ class Form(InfoTest):
                 self.assertEqual(set(told["constants"].values()), {None})
 
 
+class Diagnostics(InfoTest):
+    """Oddities that the load tolerates stand in the object, with code, line and the words of standard error."""
+
+    def told_of(self, adl, status=ALL_DONE):
+        return [(entry["code"], entry["line"], entry["text"]) for entry in self.info_of(adl, status)["diagnostics"]]
+
+    def test_soundProjectHasNone(self):
+        self.assertEqual(self.told_of(b"<ADL>\n<EVENT_LIST>\n(Entry) 1 (Vid) a b c d\n</EVENT_LIST>\n</ADL>"), [])
+
+    def test_eachWithItsLine(self):
+        self.assertEqual(self.told_of(b"<ADL>\n<PROJECT>\n(PROJ_TITEL) x\n</PROJECT>\n<SOURCE_INDEX>\n(F) a\n"
+                                      b"</SOURCE_INDEX>\n<EVENT_LIST>\n(Entry) 1\n(Fader) 1\n</EVENT_LIST>\n</ADL>"),
+                         [("unknown-identifier", 3, "Found unknown identifier: PROJ_TITEL in section PROJECT"),
+                          ("unexpected-entry", 6, "Found unexpected entry: F"),
+                          ("unexpected-label", 10, "Encountered unexpected label: Fader")])
+
+    def test_textWithoutAnAdl(self):
+        self.assertEqual(self.told_of(b"hello"), [("no-adl", 0, "The file does not begin with <ADL>")])
+
+    def test_ofALoadThatFails(self):
+        self.assertEqual(self.told_of(b"<ADL>\n<EVENT_LIST>\n(x)\n(Entry)\n</EVENT_LIST>\n", DOES_NOT_LOAD),
+                         [("unexpected-entry", 3, "Found unexpected entry: x")])
+
+    def test_fileThatDoesNotOpenHasNone(self):
+        self.assertEqual(self.info(self.folder / "gone.adl", DOES_NOT_LOAD)["diagnostics"], [])
+
+
 class Failure(InfoTest):
     """A load that fails still gives the whole object, and tells line, section, label and reason."""
 
-    def fail_at(self, body, line, section, label):
+    def fail_at(self, body, code, line, section, label):
         told = self.info_of(body, DOES_NOT_LOAD)
         self.assertEqual((told["ok"], told["message"]), (False, "File NG."))
         failure = told["failure"]
-        self.assertEqual(list(failure), ["line", "section", "label", "reason"])
-        self.assertEqual((failure["line"], failure["section"], failure["label"]), (line, section, label))
+        self.assertEqual(list(failure), ["code", "line", "section", "label", "reason"])
+        self.assertEqual((failure["code"], failure["line"], failure["section"], failure["label"]),
+                         (code, line, section, label))
         self.assertTrue(failure["reason"])
         self.assertEqual((told["sources"], told["events"]), ([], []))
 
     def test_failures(self):
         cases = {
+            "fadeWithAnotherSeparator": (b"<ADL>\n<EVENT_LIST>\n(Entry) 1\n(Infade) 00=00:01:00/0000 x 0 0 0\n"
+                                         b"</EVENT_LIST>\n", "fade-separator", 4, "EVENT_LIST", "Infade"),
             "cutOfSevenValues": (b"<ADL>\n<EVENT_LIST>\n(Entry) 1\n (Cut) I 1 1 1 a b c\n</EVENT_LIST>\n</ADL>",
-                                 4, "EVENT_LIST", "Cut"),
+                                 "values-missing", 4, "EVENT_LIST", "Cut"),
             "fadeOfAnotherForm": (b"<ADL>\n<EVENT_LIST>\n(Entry) 1\n\n(infade) _ x 0 0 0\n</EVENT_LIST>\n</ADL>",
-                                  5, "EVENT_LIST", "infade"),
-            "gainOfOneValue": (b"<ADL>\n<EVENT_LIST>\n(Entry) 1 (Gain) 1\n</EVENT_LIST>\n</ADL>", 3, "EVENT_LIST", "Gain"),
+                                  "fade-form", 5, "EVENT_LIST", "infade"),
+            "gainOfOneValue": (b"<ADL>\n<EVENT_LIST>\n(Entry) 1 (Gain) 1\n</EVENT_LIST>\n</ADL>", "values-missing", 3, "EVENT_LIST", "Gain"),
             "entryWithoutNumber": (b"<ADL>\n<EVENT_LIST>\n(Entry)\n(Cut) I 1 1 1 a b c d\n</EVENT_LIST>\n</ADL>",
-                                   3, "EVENT_LIST", "Entry"),
+                                   "index-missing", 3, "EVENT_LIST", "Entry"),
             "fileOfThreeValues": (b'<ADL>\n<SOURCE_INDEX>\n(Index) 1\n(F) "a/b" _ x\n</SOURCE_INDEX>\n</ADL>',
-                                  4, "SOURCE_INDEX", "F"),
+                                  "values-missing", 4, "SOURCE_INDEX", "F"),
             "takeOfFourValues": (b'<ADL>\n<SOURCE_INDEX>\n(Index) 1\n(T) a b c d\n</SOURCE_INDEX>\n</ADL>',
-                                 4, "SOURCE_INDEX", "T"),
+                                 "values-missing", 4, "SOURCE_INDEX", "T"),
             "indexWithoutNumber": (b'<ADL>\n<SOURCE_INDEX>\n(Index)\n(F) "a/b" _ x y\n</SOURCE_INDEX>\n</ADL>',
-                                   3, "SOURCE_INDEX", "Index"),
+                                   "index-missing", 3, "SOURCE_INDEX", "Index"),
             "linesOfCarriageReturnAndLineFeed": (b"<ADL>\r\n<EVENT_LIST>\r\n(Entry) 1\r\n(Gain) 1\r\n</EVENT_LIST>\r\n",
-                                                 4, "EVENT_LIST", "Gain"),
+                                                 "values-missing", 4, "EVENT_LIST", "Gain"),
             "lineBehindAQuotedLineFeed": (b'<ADL>\n<PROJECT>\n(PROJ_NOTES) "a\nb\nc"\n</PROJECT>\n<EVENT_LIST>\n'
-                                          b"(Entry) 1 (Gain) 1\n</EVENT_LIST>\n", 8, "EVENT_LIST", "Gain"),
+                                          b"(Entry) 1 (Gain) 1\n</EVENT_LIST>\n", "values-missing", 8, "EVENT_LIST", "Gain"),
         }
-        for name, (content, line, section, label) in cases.items():
+        for name, (content, code, line, section, label) in cases.items():
             with self.subTest(name):
-                self.fail_at(content, line, section, label)
+                self.fail_at(content, code, line, section, label)
 
     def test_fileThatIsNotThere(self):
         told = self.info(self.folder / "gone.adl", DOES_NOT_LOAD)
         self.assertEqual((told["ok"], told["message"]), (False, "File NG."))
-        self.assertEqual(told["failure"]["line"], 0)
+        self.assertEqual((told["failure"]["code"], told["failure"]["line"]), ("file-not-opened", 0))
         self.assertTrue(told["failure"]["reason"])
 
     def test_textSaysFileNgThenLineAndReason(self):

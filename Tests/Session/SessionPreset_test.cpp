@@ -67,5 +67,12 @@ TEST(SampleRateName, showsFractionsOnlyWhereThereAreAny) {
   EXPECT_EQ(SampleRateName(44144.1), "44144.100 Hz");
 }
 
+// A host tells its rate as a 32-bit float, which lies a thousandth of a hertz beside this one.
+TEST(SampleRateName, ofAPulledRateIsThatOfTheProject) {
+  constexpr float kAsAHostTells = 47952.048F;
+  EXPECT_EQ(SampleRateName(48000.0 * 1000.0 / 1001.0), "47952.048 Hz");
+  EXPECT_EQ(SampleRateName(kAsAHostTells), "47952.048 Hz");
+}
+
 }  // namespace
 }  // namespace velmora::host

@@ -95,7 +95,10 @@ ProjectFacts GatherFacts(const std::string& path, const AES31Project* project,
   facts.path = path;
   facts.failure = failure;
   if (project == nullptr) {
-    if (!facts.failure) facts.failure = LoadFailure{0, "", "", "the file cannot be read"};
+    if (!facts.failure) {
+      facts.failure =
+          LoadFailure{LoadFailureCode::FileNotRead, 0, "", "", "the file cannot be read"};
+    }
     return facts;
   }
   const char* earliest = nullptr;

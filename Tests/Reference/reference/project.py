@@ -19,8 +19,9 @@ CONSTANT_NAMES = [name for _, names in CONSTANTS for name in names]
 
 
 class LoadFailure(Exception):
-    def __init__(self, section, label):
+    def __init__(self, code, section, label):
         super().__init__()
+        self.code = code
         self.section = section
         self.label = label
         self.line = 0
@@ -71,10 +72,14 @@ class _Line:
 
     def need(self, section, count):
         if len(self.values) < count:
-            self.fail(section)
+            self.fail('values-missing', section)
 
-    def fail(self, section):
-        failure = LoadFailure(section, self.label)
+    def need_number(self, section):
+        if not self.values:
+            self.fail('index-missing', section)
+
+    def fail(self, code, section):
+        failure = LoadFailure(code, section, self.label)
         failure.line = self.line
         raise failure
 
@@ -118,19 +123,29 @@ def _xfade(values):
             'xfadeText5': values[5], 'xfadeNumber0': atoi(values[0]), 'xfadeNumber4': atoi(values[4])}
 
 
+def _fade_fault(length):
+    """What a fade length lacks: its separator alone, or the form of a timestamp."""
+    mended = length[:8] + b';' + length[9:16]
+    return 'fade-separator' if len(length) >= 16 and timecode.is_timestamp(mended) else 'fade-form'
+
+
 class Project:
-    """Loads at once. `failure` is null or tells what ended the load; `said` are the lines for standard error."""
+    """Loads at once. `failure` is null or tells what ended the load; `said` are the lines for standard error, and
+    `diagnostics` the same as (code, line, text), with what standard error does not hear of."""
 
     def __init__(self, path):
         self.path = path
         self.folder = path.rsplit(b'/', 1)[0] if b'/' in path else path
         self.said = []
+        self.diagnostics = []
         self.failure = None
         self.constants = {name: None for name in CONSTANT_NAMES}
         self.sources = {}
         self.events = []
         with open(path, 'rb') as file:
             self.scanner = Scanner(file.read())
+        if not self.scanner.block.lower().startswith(b'<adl>'):
+            self.diagnostics.append(('no-adl', 0, b'The file does not begin with <ADL>'))
         self.scanner.run()
         try:
             self._read_sections()
@@ -140,6 +155,10 @@ class Project:
         for index in sorted(self.sources):
             self._find(self.sources[index])
         self._link()
+
+    def _tell(self, code, line, text):
+        self.said.append(text)
+        self.diagnostics.append((code, line.line, text))
 
     def tree(self, sections):
         return [(self.scanner.text(section.name),
@@ -163,21 +182,22 @@ class Project:
         for line in lines:
             known = next((label for label in labels if line.is_label(label.encode())), None)
             if known is None or not line.values:
-                self.said.append(b'Found unknown identifier: %s in section %s' % (line.label, name))
+                self._tell('unknown-identifier', line,
+                           b'Found unknown identifier: %s in section %s' % (line.label, name))
             else:
                 self.constants[known] = line.values[0]
 
     def _until(self, keyword, lines, at):
         """The first position from `at` on with that label; what is passed over is told."""
         while at < len(lines) and not lines[at].is_label(keyword):
-            self.said.append(b'Found unexpected entry: %s' % lines[at].label)
+            self._tell('unexpected-entry', lines[at], b'Found unexpected entry: %s' % lines[at].label)
             at += 1
         return at
 
     def _read_sources(self, name, lines):
         at = self._until(b'Index', lines, 0)
         while at < len(lines):
-            lines[at].need(name, 1)
+            lines[at].need_number(name)
             index = atoi(lines[at].values[0])
             source = Source()
             at += 1
@@ -197,7 +217,7 @@ class Project:
         found = {}
         at = self._until(b'Entry', lines, 0)
         while at < len(lines):
-            lines[at].need(name, 1)
+            lines[at].need_number(name)
             event = Event(atoi(lines[at].values[0]))
             at += 1
             edited = False
@@ -222,7 +242,7 @@ class Project:
         if line.is_label(b'Infade') or line.is_label(b'Outfade'):
             line.need(name, 5)
             if not timecode.is_timestamp(values[0]):
-                line.fail(name)
+                line.fail(_fade_fault(values[0]), name)
             if line.is_label(b'Infade'):
                 event.infade = _fade(event.infade, values)
             else:
@@ -234,7 +254,7 @@ class Project:
             line.need(name, 2)
             event.gain = {'present': True, 'gainNumber': atoi(values[0]), 'gainDb': atof(values[1])}
         elif not line.is_label(b'Rem'):
-            self.said.append(b'Encountered unexpected label: %s' % line.label)
+            self._tell('unexpected-label', line, b'Encountered unexpected label: %s' % line.label)
         return edited
 
     def _find(self, source):

@@ -158,7 +158,9 @@ def info(model):
     failure = project.failure
     return {
         'path': path_text(project.path), 'folder': path_text(project.folder), 'ok': held, 'message': model.message,
-        'failure': None if held else {'line': failure.line, 'section': _plain(failure.section),
+        'diagnostics': [{'code': code, 'line': line, 'text': project_text(text)}
+                        for code, line, text in project.diagnostics],
+        'failure': None if held else {'code': failure.code, 'line': failure.line, 'section': _plain(failure.section),
                                       'label': _plain(failure.label)},
         'constants': {name: _plain(project.constants[name]) if held else None for name in CONSTANT_NAMES},
         'sources': [{'index': index, 'f': _plain(source.f), 't': _plain(source.t), 'file': _file(source.file)}
