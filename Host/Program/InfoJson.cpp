@@ -6,7 +6,8 @@
 #include "ADL/ShiftJis.h"
 #include "Model/Tables.h"
 #include "Program/InfoCommand.h"
-#include "Program/JsonForms.h"
+#include "Program/JsonObjectWriter.h"
+#include "Program/ProjectJson.h"
 
 namespace velmora::program {
 namespace {

@@ -2,8 +2,12 @@
 
 #include <ostream>
 
+#include "Program/MessageJson.h"
+
 namespace velmora::program {
 namespace {
+
+using host::Json;
 
 const char* NameOf(FilePass pass) {
   switch (pass) {
@@ -51,7 +55,7 @@ Json OptionsJson(const SpotOptions& options) {
 
 /// A script may follow a long run, so no line waits for the next.
 void JsonSpotReport::Write(const Json& line) {
-  out_ << JsonObjectWriter::Text(line) << '\n' << std::flush;
+  out_ << host::JsonText(line) << '\n' << std::flush;
 }
 
 void JsonSpotReport::Warning(const std::string& text) {

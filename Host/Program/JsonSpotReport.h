@@ -3,8 +3,8 @@
 #include <iosfwd>
 #include <string>
 
-#include "Program/JsonForms.h"
 #include "Program/SpotReport.h"
+#include "Session/JsonText.h"
 
 namespace velmora::program {
 
@@ -25,7 +25,7 @@ class JsonSpotReport : public SpotReport {
                    std::int32_t status) override;
 
  private:
-  void Write(const Json& line);
+  void Write(const host::Json& line);
 
   const MessageTap& tap_;
   std::ostream& out_;

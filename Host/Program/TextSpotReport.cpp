@@ -6,6 +6,8 @@
 #include <map>
 #include <ostream>
 
+#include "Base/FileNames.h"
+#include "Base/Text.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
@@ -26,10 +28,6 @@ std::string PositionText(const SpotOptions& options) {
     default:
       return "not moved";
   }
-}
-
-std::string FileNameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
 }
 
 std::string AudioText(const SpotOptions& options) {

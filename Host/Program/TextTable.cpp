@@ -3,12 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <ostream>
 #include <utility>
 
-#include "Program/JsonForms.h"
+#include "Base/Utf8.h"
 
 namespace velmora::program {
 namespace {
@@ -18,8 +17,8 @@ constexpr const char* kRed = "\x1b[31m";
 constexpr const char* kPlain = "\x1b[0m";
 
 /// East Asian wide and full-width characters (Unicode Standard Annex 11), by their large blocks.
-bool IsWide(std::uint32_t character) {
-  constexpr std::pair<std::uint32_t, std::uint32_t> kWide[] = {
+bool IsWide(char32_t character) {
+  constexpr std::pair<char32_t, char32_t> kWide[] = {
       {0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0x33FF}, {0x3400, 0x4DBF},
       {0x4E00, 0x9FFF}, {0xA000, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
       {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x20000, 0x3FFFD},
@@ -27,16 +26,6 @@ bool IsWide(std::uint32_t character) {
   return std::any_of(std::begin(kWide), std::end(kWide), [character](const auto& block) {
     return block.first <= character && character <= block.second;
   });
-}
-
-bool IsContinuation(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
-std::uint32_t LeadBits(unsigned char lead) {
-  if (lead < 0x80) return lead;
-  if (lead < 0xE0) return lead & 0x1FU;
-  return lead < 0xF0 ? lead & 0x0FU : lead & 0x07U;
 }
 
 }  // namespace
@@ -53,28 +42,18 @@ bool ShowsColours(int descriptor) {
 
 std::size_t DisplayWidth(std::string_view utf8) {
   std::size_t width = 0;
-  for (std::size_t i = 0; i < utf8.size();) {
-    std::uint32_t character = LeadBits(static_cast<unsigned char>(utf8[i++]));
-    while (i < utf8.size() && IsContinuation(utf8[i])) {
-      character = character << 6 | (static_cast<unsigned char>(utf8[i++]) & 0x3FU);
-    }
-    width += IsWide(character) ? 2 : 1;
-  }
+  for (std::size_t at = 0; at < utf8.size();) width += IsWide(NextCharacter(utf8, at)) ? 2 : 1;
   return width;
 }
 
 std::string Printable(std::string_view text) {
-  std::string line = ValidUtf8(std::string(text));
+  std::string line = ValidUtf8(text);
   for (char& c : line) {
     const auto code = static_cast<unsigned char>(c);
     if (code < 0x20 || code == 0x7F) c = ' ';
   }
   line.erase(line.find_last_not_of(' ') + 1);
   return line;
-}
-
-std::string Counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 void TextTable::Add(std::vector<std::string> cells, bool alarming) {

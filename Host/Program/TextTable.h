@@ -21,9 +21,6 @@ std::size_t DisplayWidth(std::string_view utf8);
 /// U+FFFD.
 std::string Printable(std::string_view text);
 
-/// "1 region", "2 regions".
-std::string Counted(std::size_t count, const std::string& noun);
-
 enum class Align { Left, Right };
 
 /// Rows of texts with a heading, in aligned columns.

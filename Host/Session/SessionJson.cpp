@@ -1,14 +1,13 @@
 #include "Session/SessionJson.h"
 
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string_view>
 #include <unordered_map>
 
+#include "Session/JsonText.h"
+
 namespace velmora::host {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 Json SummaryJson(const SessionSummary& summary) {
   return {{"tracks", summary.tracks},
@@ -33,10 +32,6 @@ Json PieceJson(const VisiblePiece& piece) {
   return {{"region", piece.region}, {"position", piece.position}, {"end", piece.end}};
 }
 
-void WriteValue(std::ostream& out, const Json& value) {
-  out << value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 /// An array with one element a line. Only one element at a time is held as JSON, so that a long
 /// session costs no second copy of itself.
 template <class Elements, class ToJson>
@@ -45,7 +40,7 @@ void WriteArray(std::ostream& out, const Elements& elements, ToJson toJson) {
   out << '[';
   for (const auto& element : elements) {
     out << separator << "        ";
-    WriteValue(out, toJson(element));
+    out << JsonText(toJson(element));
     separator = ",\n";
   }
   out << (elements.empty() ? "]" : "\n      ]");
@@ -60,13 +55,12 @@ bool WriteSessionJson(const Session& session, std::ostream& out) {
   }
 
   out << "{\n  \"summary\": ";
-  WriteValue(out, SummaryJson(session.Summary()));
+  out << JsonText(SummaryJson(session.Summary()));
   out << ",\n  \"tracks\": [";
   std::string_view separator = "\n";
   for (const std::int64_t track : session.Tracks()) {
     out << separator << "    {\n      \"track\": ";
-    WriteValue(out, track);
-    out << ",\n      \"regions\": ";
+    out << track << ",\n      \"regions\": ";
     WriteArray(out, byTrack[track],
                [&](std::size_t index) { return RegionJson(index, session.Regions()[index]); });
     out << ",\n      \"visible\": ";

@@ -35,4 +35,8 @@ double ToDouble(const char* text) {
   return plain != nullptr ? strtod_l(text, nullptr, plain) : std::strtod(text, nullptr);
 }
 
+std::string Counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 }  // namespace velmora

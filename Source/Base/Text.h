@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace velmora {
 
@@ -22,5 +24,8 @@ namespace velmora {
 [[nodiscard]] constexpr const char* TextOrNull(const char* text) {
   return text != nullptr ? text : "(null)";
 }
+
+/// "1 region", "2 regions".
+[[nodiscard]] std::string Counted(std::size_t count, const std::string& noun);
 
 }  // namespace velmora

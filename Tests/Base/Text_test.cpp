@@ -125,5 +125,11 @@ TEST(ToDouble, hasADecimalPointInEveryLocale) {
   std::setlocale(LC_ALL, "C");
 }
 
+TEST(Counted, isPluralForAllButOne) {
+  EXPECT_EQ(Counted(0, "region"), "0 regions");
+  EXPECT_EQ(Counted(1, "region"), "1 region");
+  EXPECT_EQ(Counted(2, "region"), "2 regions");
+}
+
 }  // namespace
 }  // namespace velmora

@@ -5,6 +5,7 @@
 
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
+#include "Base/Text.h"
 #include "Session/SessionClock.h"
 #include "Spot/SpotOptions.h"
 #include "Timecode/AdlTime.h"
@@ -13,10 +14,6 @@ namespace velmora::desktop {
 namespace {
 
 constexpr std::size_t kNamedFiles = 3;  // in the status line; the rest are a click away
-
-std::string Plural(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
 
 /// The project's name in a sentence; a path that ends with a slash has none but itself.
 std::string ProjectName(const ProjectFacts& facts) {
@@ -56,7 +53,7 @@ std::string FailureText(const ProjectFacts& facts) {
 
 std::string MissingText(const ProjectFacts& facts) {
   std::string text = std::to_string(facts.missing.size()) + " of " +
-                     Plural(facts.sources, "audio file") + " missing: ";
+                     Counted(facts.sources, "audio file") + " missing: ";
   for (std::size_t i = 0; i < std::min(kNamedFiles, facts.missing.size()); ++i) {
     if (i > 0) text += ", ";
     text += facts.missing[i];
@@ -133,12 +130,12 @@ std::vector<StatusItem> DescribeProject(const ProjectFacts& facts,
   if (!facts.missing.empty()) items.push_back({Severity::Problem, MissingText(facts)});
   DescribeRates(facts, session, items);
   if (facts.missing.empty()) {
-    items.push_back({Severity::Quiet, Plural(facts.cuts, "cut") + " from " +
-                                          Plural(facts.sources, "audio file") + ", all found"});
+    items.push_back({Severity::Quiet, Counted(facts.cuts, "cut") + " from " +
+                                          Counted(facts.sources, "audio file") + ", all found"});
   }
   // The view lists these in red like cuts whose file is missing.
   if (facts.others > 0) {
-    items.push_back({Severity::Quiet, Plural(facts.others, "event") +
+    items.push_back({Severity::Quiet, Counted(facts.others, "event") +
                                           " without audio, listed in red but not missed"});
   }
   return items;
@@ -146,8 +143,8 @@ std::vector<StatusItem> DescribeProject(const ProjectFacts& facts,
 
 std::string DescribeSession(const host::SessionSummary& summary) {
   if (summary.regions == 0) return {};
-  return Plural(summary.regions, "region") + " on " + Plural(summary.tracks, "track") + " from " +
-         Plural(summary.files, "file");
+  return Counted(summary.regions, "region") + " on " + Counted(summary.tracks, "track") + " from " +
+         Counted(summary.files, "file");
 }
 
 std::string MissingList(const ProjectFacts& facts) {

@@ -1,48 +1,12 @@
-#include "Program/JsonForms.h"
+#include "Program/ProjectJson.h"
 
-#include <array>
 #include <cmath>
+#include <utility>
 
 #include "ADL/ShiftJis.h"
-#include "Embedded/AliasRecord.h"
 
 namespace velmora::program {
 namespace {
-
-std::string CodeText(std::uint32_t code) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(code >> shift & 0xFF);
-  return text;
-}
-
-std::string Hex(const std::vector<std::uint8_t>& bytes) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  std::string hex;
-  hex.reserve(bytes.size() * 2);
-  for (const std::uint8_t byte : bytes) {
-    hex += kDigits[byte >> 4];
-    hex += kDigits[byte & 0xF];
-  }
-  return hex;
-}
-
-Json ParameterJson(const RegionParameter& parameter) {
-  Json json = {{"key", CodeText(parameter.key)},
-               {"type", CodeText(parameter.type)},
-               {"hex", Hex(parameter.data)}};
-  host::AliasRecord alias;
-  if (parameter.key == FourCharCode("FILE") &&
-      host::DecodeAlias(parameter.data, alias) == host::AliasStatus::Ok) {
-    json["path"] = alias.path;
-  }
-  return json;
-}
-
-Json ParametersJson(const std::vector<RegionParameter>& parameters) {
-  Json json = Json::array();
-  for (const RegionParameter& parameter : parameters) json.push_back(ParameterJson(parameter));
-  return json;
-}
 
 Json EditJson(const AES31Event& event) {
   switch (KindOf(event)) {
@@ -115,11 +79,6 @@ Json GainJson(const AES31Gain& gain) {
 
 }  // namespace
 
-std::string ValidUtf8(const std::string& text) {
-  // The library mends texts only on their way out, and gives them their quotes.
-  return Json::parse(JsonObjectWriter::Text(text)).get<std::string>();
-}
-
 Json ProjectText(const char* text) {
   if (text == nullptr) return nullptr;
   return ShiftJisToUtf8(text);
@@ -167,15 +126,6 @@ Json EventJson(const AES31Event& event, std::size_t index) {
           {"sourceFile", PathText(event.sourceFile != nullptr ? event.sourceFile->GetPath() : "")},
           {"sourceStart", ProjectText(event.sourceStart)},
           {"sourceLength", ProjectText(event.sourceLength)}};
-}
-
-Json MessageJson(const RegionMessage& message) {
-  return {
-      {"class", CodeText(message.eventClass)},   {"id", CodeText(message.eventId)},
-      {"target", CodeText(message.target)},      {"returnId", message.returnId},
-      {"transactionId", message.transactionId},  {"sendMode", message.sendMode},
-      {"timeout", message.timeoutTicks},         {"parameters", ParametersJson(message.parameters)},
-      {"region", ParametersJson(message.region)}};
 }
 
 }  // namespace velmora::program
