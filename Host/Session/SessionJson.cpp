@@ -60,7 +60,7 @@ bool WriteSessionJson(const Session& session, std::ostream& out) {
   std::string_view separator = "\n";
   for (const std::int64_t track : session.Tracks()) {
     out << separator << "    {\n      \"track\": ";
-    out << track << ",\n      \"regions\": ";
+    out << JsonText(track) << ",\n      \"regions\": ";
     WriteArray(out, byTrack[track],
                [&](std::size_t index) { return RegionJson(index, session.Regions()[index]); });
     out << ",\n      \"visible\": ";
