@@ -13,6 +13,10 @@ program_packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-d
 # shellcheck disable=SC2034
 view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xdotool fonts-dejavu-core
   fonts-ipafont-gothic)
+# What packages are made with, and what tests of them use: the desktop's own tools, and all that the package asks for.
+# shellcheck disable=SC2034
+packaging_packages=(dpkg-dev file man-db desktop-file-utils shared-mime-info xdg-utils libfile-mimeinfo-perl
+  gnustep-back0.29)
 
 # Words to put before cmake: the build runs the test programs to list their tests.
 run_under=()
