@@ -27,6 +27,7 @@ id (*originalProgressInit)(id, SEL, NSCoder*);
 id (*originalFontInit)(id, SEL, NSCoder*);
 void (*originalTableDealloc)(id, SEL);
 void (*originalTile)(id, SEL);
+void (*originalAlignCenter)(id, SEL, id);
 NSInteger (*originalRunModal)(id, SEL);
 NSImage* (*originalImageNamed)(id, SEL, NSString*);
 
@@ -86,6 +87,20 @@ id InitFont(id self, SEL selector, NSCoder* coder) {
   return bold;
 }
 
+// Aligning changes only text that stands there. An empty view is to remember it for what will be
+// typed.
+void AlignCenter(id self, SEL selector, id sender) {
+  originalAlignCenter(self, selector, sender);
+  if ([[self textStorage] length] > 0) return;
+  NSMutableDictionary* typing = [[[self typingAttributes] mutableCopy] autorelease];
+  NSParagraphStyle* paragraph = [typing objectForKey:NSParagraphStyleAttributeName];
+  if (paragraph == nil) paragraph = [NSParagraphStyle defaultParagraphStyle];
+  NSMutableParagraphStyle* centered = [[paragraph mutableCopy] autorelease];
+  [centered setAlignment:NSCenterTextAlignment];
+  [typing setObject:centered forKey:NSParagraphStyleAttributeName];
+  [self setTypingAttributes:typing];
+}
+
 // An alert's headline is one line, and what does not fit is cut; only the text below it wraps.
 NSInteger RunModal(id self, SEL selector) {
   if ([[self informativeText] length] == 0) {
@@ -131,6 +146,7 @@ NSImage* FindImage(id self, SEL selector, NSString* name) {
   originalProgressInit =
       Exchange([NSProgressIndicator class], @selector(initWithCoder:), InitProgress);
   originalFontInit = Exchange([NSFont class], @selector(initWithCoder:), InitFont);
+  originalAlignCenter = Exchange([NSTextView class], @selector(alignCenter:), AlignCenter);
   originalRunModal = Exchange([NSAlert class], @selector(runModal), RunModal);
   originalImageNamed =
       Exchange(object_getClass([NSImage class]), @selector(imageNamed:), FindImage);

@@ -7,6 +7,10 @@
 // A timecode entry field that behaves like a calculator's display: digits enter at the right, and
 // nothing but the keys of a timecode does anything. Giving up the focus commits the text: it is
 // limited, shown in its final form, and handed to a plain field from which a spot reads it.
+//
+// The text always has its 12 characters. A text view has many doors to its text beside the
+// keyboard: the clipboard, drag and drop, services, input methods, menu commands. Each of them
+// either types its characters through the rules of the keys, one by one, or does nothing.
 @interface TextView : NSTextView {
   CTimeCode* settingTime;       // the last committed value
   NSTextField* orgTextField;    // receives the committed text; not owned

@@ -2,8 +2,16 @@
 
 #include <string>
 
-#import "View/CTimeCode.h"
 #include "Timecode/TimecodeEntry.h"
+#import "View/CTimeCode.h"
+
+@interface TextView (Typing)
+- (void)showText:(const char*)text;
+- (const char*)shownText;
+- (void)typeKeys:(const std::string&)keys;
+- (void)typeText:(id)text;
+- (void)typeFromPasteboard:(NSPasteboard*)board;
+@end
 
 @implementation TextView
 
@@ -27,14 +35,6 @@
   [super dealloc];
 }
 
-- (void)showText:(const char*)text {
-  [self setString:[NSString stringWithCString:text encoding:NSUTF8StringEncoding]];
-}
-
-- (const char*)shownText {
-  return [[[self textStorage] string] UTF8String];
-}
-
 - (void)keyDown:(NSEvent*)event {
   if (!enable) return;
   const char* characters = [[event characters] UTF8String];
@@ -46,10 +46,7 @@
 }
 
 - (void)timeDataOperation:(char)key {
-  const std::string before = [self shownText];
-  const velmora::EntryResult result = velmora::TimeDataOperation(before, key, [settingTime value]);
-  if (result.text != before) [self showText:result.text.c_str()];
-  if (result.leave) [dummyTextField becomeFirstResponder];
+  [self typeKeys:std::string(1, key)];
 }
 
 - (BOOL)resignFirstResponder {
@@ -74,6 +71,139 @@
 
 - (void)setEnabled:(BOOL)flag {
   enable = flag;
+}
+
+// The platform asks this before each change that the user makes. The first text is put in from
+// outside; from then on the text changes by the rules of the keys alone.
+
+- (BOOL)shouldChangeTextInRange:(NSRange)range replacementString:(NSString*)replacement {
+  return [[self string] length] == 0;
+}
+
+- (BOOL)shouldChangeTextInRanges:(NSArray*)ranges replacementStrings:(NSArray*)replacements {
+  return [[self string] length] == 0;
+}
+
+// What types. Input methods and services use the longer forms.
+
+- (void)insertText:(id)text {
+  if ([[self string] length] == 0) {
+    [super insertText:text];
+  } else {
+    [self typeText:text];
+  }
+}
+
+- (void)insertText:(id)text replacementRange:(NSRange)range {
+  [self insertText:text];
+}
+
+- (void)paste:(id)sender {
+  [self typeFromPasteboard:[NSPasteboard generalPasteboard]];
+}
+
+- (void)pasteAsPlainText:(id)sender {
+  [self paste:sender];
+}
+
+- (void)pasteAsRichText:(id)sender {
+  [self paste:sender];
+}
+
+- (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board {
+  [self typeFromPasteboard:board];
+  return YES;
+}
+
+- (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
+  return [self readSelectionFromPasteboard:board];
+}
+
+// What does nothing.
+
+- (void)setMarkedText:(id)text selectedRange:(NSRange)selected {
+}
+
+- (void)setMarkedText:(id)text selectedRange:(NSRange)selected replacementRange:(NSRange)replaced {
+}
+
+- (void)complete:(id)sender {
+}
+
+- (void)cut:(id)sender {
+}
+
+- (void)delete:(id)sender {
+}
+
+- (void)undo:(id)sender {
+}
+
+- (void)redo:(id)sender {
+}
+
+- (void)updateDragTypeRegistration {
+  [self unregisterDraggedTypes];
+}
+
+- (BOOL)prepareForDragOperation:(id<NSDraggingInfo>)drag {
+  return NO;
+}
+
+- (BOOL)performDragOperation:(id<NSDraggingInfo>)drag {
+  return NO;
+}
+
+// Menus show what there is to choose.
+- (BOOL)validateUserInterfaceItem:(id<NSValidatedUserInterfaceItem>)item {
+  const SEL dead[] = {@selector(cut:), @selector(delete:), @selector(undo:), @selector(redo:)};
+  for (const SEL action : dead) {
+    if (sel_isEqual([item action], action)) return NO;
+  }
+  if (sel_isEqual([item action], @selector(paste:))) return enable;
+  return [super validateUserInterfaceItem:item];
+}
+
+@end
+
+@implementation TextView (Typing)
+
+- (void)showText:(const char*)text {
+  [self setString:[NSString stringWithCString:text encoding:NSUTF8StringEncoding]];
+}
+
+- (const char*)shownText {
+  return [[[self textStorage] string] UTF8String];
+}
+
+// Ends at the first key that gives the focus away. The text is shown once, since a clipboard may
+// hold millions of characters.
+- (void)typeKeys:(const std::string&)keys {
+  const std::string before = [self shownText];
+  velmora::EntryResult result{before, false};
+  for (const char key : keys) {
+    result = velmora::TimeDataOperation(result.text, key, [settingTime value]);
+    if (result.leave) break;
+  }
+  if (result.text != before) [self showText:result.text.c_str()];
+  if (result.leave) [dummyTextField becomeFirstResponder];
+}
+
+// Types a string or an attributed one. Text that does not come by the keyboard can reach an entry
+// without the focus, which would not commit it: it is dropped.
+- (void)typeText:(id)text {
+  if (!enable || [[self window] firstResponder] != self) return;
+  NSString* string = [text respondsToSelector:@selector(string)] ? [text string] : text;
+  std::string keys;
+  for (NSUInteger i = 0; i < [string length]; ++i) {
+    const unichar character = [string characterAtIndex:i];
+    if (character < 0x80) keys += static_cast<char>(character);  // no key has more than one byte
+  }
+  [self typeKeys:keys];
+}
+
+- (void)typeFromPasteboard:(NSPasteboard*)board {
+  [self typeText:[board stringForType:NSStringPboardType]];
 }
 
 @end

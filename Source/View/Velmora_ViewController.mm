@@ -1,12 +1,12 @@
 #import "View/Velmora_ViewController.h"
 
-#import "View/TextConversion.h"
+#include "Base/SystemLog.h"
 #include "Model/ViewModel.h"
+#include "Spot/SpotQueue.h"
+#import "View/TextConversion.h"
+#import "View/TextView.h"
 #import "View/myImageView.h"
 #import "View/spotThreadClass.h"
-#include "Base/SystemLog.h"
-#include "Spot/SpotQueue.h"
-#import "View/TextView.h"
 
 static void LogLine(const std::string& line) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -70,8 +70,8 @@ static void LogLine(const std::string& line) {
   offsetTimeText = [self timecodeEntryAt:35 plainField:timeOffset signed:YES text:@"+00:00:00:00"];
   startTimeText = [self timecodeEntryAt:13 plainField:timeStart signed:NO text:@" 00:00:00:00"];
   [_trackTableView setAllowsColumnSelection:NO];
-  [self fillTables];
   [trackOffsetComboBox selectItemAtIndex:3];
+  [self fillTables];
   [self connectKeyLoop];
 }
 
@@ -100,10 +100,10 @@ static void LogLine(const std::string& line) {
                                                    :(dummyTextField)];
   // clang-format on
   [entry setFont:font];
+  [entry alignCenter:self];
   [entry SetUseSign:useSign];
   [[timeCodeSetBaseBox contentView] addSubview:entry];
   [entry insertText:text];
-  [entry alignCenter:self];  // aligns the text that stands there
   return entry;
 }
 

@@ -1,10 +1,10 @@
 #include <string>
 #include <vector>
 
+#include "Model/ViewModel.h"
 #import "View/ModelColumn.h"
 #import "View/TextConversion.h"
 #import "View/Velmora_ViewController.h"
-#include "Model/ViewModel.h"
 
 static NSString* const kOn = @"1";
 static NSString* const kOff = @"0";

@@ -1,17 +1,17 @@
 #include <string>
 #include <vector>
 
-#import "View/TextConversion.h"
-#import "View/Velmora_ViewController.h"
 #include "Model/ViewModel.h"
-#import "View/spotThreadClass.h"
-#include "View/HostInterfaces.h"
-#import "View/VelmoraHostConnection.h"
 #include "Spot/SpotChoices.h"
-#include "Spot/SpotRequest.h"
 #include "Spot/SpotQueue.h"
+#include "Spot/SpotRequest.h"
 #include "Timecode/AdlTime.h"
+#include "View/HostInterfaces.h"
+#import "View/TextConversion.h"
 #import "View/TextView.h"
+#import "View/VelmoraHostConnection.h"
+#import "View/Velmora_ViewController.h"
+#import "View/spotThreadClass.h"
 
 // Where the bundle's own resources are found.
 static NSString* const kBundleIdentifier = @"org.velmora.VelmoraGUI";

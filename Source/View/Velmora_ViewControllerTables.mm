@@ -1,7 +1,7 @@
 #include "Model/Tables.h"
+#include "Model/ViewModel.h"
 #import "View/TextConversion.h"
 #import "View/Velmora_ViewController.h"
-#include "Model/ViewModel.h"
 
 static std::string Identifier(NSTableView* tableView) {
   return TextFromString([tableView identifier]);

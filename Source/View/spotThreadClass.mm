@@ -3,9 +3,9 @@
 #include <string>
 #include <utility>
 
+#include "Spot/SpotQueue.h"
 #import "View/TextConversion.h"
 #import "View/Velmora_ViewController.h"
-#include "Spot/SpotQueue.h"
 
 static NSString* const kCurrentWorker = @"spotThreadClass";
 

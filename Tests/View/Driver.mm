@@ -107,15 +107,15 @@ void MoveTo(ScreenPoint place) {
 }
 
 // The main thread has seen the press before the release comes, however busy the machine is.
-void Press() {
-  RunXdotool({"mousedown", "1"});
+void Press(const std::string& button = "1") {
+  RunXdotool({"mousedown", button});
   Pause(kHoldSeconds);
   OnMain([] {});
   Pause(kHoldSeconds);
 }
 
-void Release() {
-  RunXdotool({"mouseup", "1"});
+void Release(const std::string& button = "1") {
+  RunXdotool({"mouseup", button});
   Pause(kHoldSeconds);
   OnMain([] {});
 }
@@ -162,6 +162,13 @@ void Click(NSView* view, NSRect place) {
 void Click(NSView* view) {
   const NSRect bounds = Ask([&] { return [view bounds]; });
   Click(view, bounds);
+}
+
+void MiddleClick(NSView* view) {
+  const NSRect bounds = Ask([&] { return [view bounds]; });
+  MoveTo(PlaceOnScreen(view, NSMakePoint(NSMidX(bounds), NSMidY(bounds))));
+  Press("2");
+  Release("2");
 }
 
 void Drag(NSView* view, NSPoint from, NSPoint to) {

@@ -1,5 +1,7 @@
 // The two timecode entries, by the keyboard.
 
+#include <cmath>
+
 #import "View/Checks.h"
 #import "View/Driver.h"
 #include "View/GatedHost.h"
@@ -22,6 +24,18 @@ bool IsTinted(TextView* entry) {
                                            blue:1.0
                                           alpha:1.0];
     return [[entry backgroundColor] isEqual:tint] == YES;
+  });
+}
+
+// Where the characters are drawn, against the middle of the entry.
+bool IsCentered(TextView* entry) {
+  return Ask([&] {
+    NSLayoutManager* const layout = [entry layoutManager];
+    const NSRange glyphs = NSMakeRange(0, [layout numberOfGlyphs]);
+    const NSRect drawn = [layout boundingRectForGlyphRange:glyphs
+                                           inTextContainer:[entry textContainer]];
+    const CGFloat middle = NSMidX(drawn) + [entry textContainerOrigin].x;
+    return NSWidth(drawn) > 40 && std::abs(middle - NSMidX([entry bounds])) < 2;
   });
 }
 
@@ -59,10 +73,13 @@ void TypesOffset() {
   StartShell();
   TextView* const entry = OffsetEntry();
   NSTextField* const plain = [Controller() timeOffset];
+  CheckTrue("the first text is centred", IsCentered(entry));
+  CheckTrue("that of the start time too", IsCentered(StartEntry()));
   Enter(entry, "the offset");
 
   Keys({"1", "2", "3"});
   Check("digits enter at the right", "+00:00:01:23", EntryText(entry));
+  CheckTrue("and stay centred", IsCentered(entry));
   CheckIgnored(entry, "+00:00:01:23");
   Key("minus");
   Check("a minus takes the sign's place", "-00:00:01:23", EntryText(entry));

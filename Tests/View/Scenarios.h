@@ -15,6 +15,7 @@ std::vector<Scenario> TroubleScenarios();
 std::vector<Scenario> TableScenarios();
 std::vector<Scenario> EntryScenarios();
 std::vector<Scenario> EditScenarios();
+std::vector<Scenario> PasteScenarios();
 std::vector<Scenario> SpotScenarios();
 std::vector<Scenario> AbortScenarios();
 std::vector<Scenario> ShellScenarios();

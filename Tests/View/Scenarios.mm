@@ -6,8 +6,8 @@ const std::vector<Scenario>& AllScenarios() {
   static const std::vector<Scenario> all = [] {
     std::vector<Scenario> scenarios;
     for (const auto& part : {LoadingScenarios(), TroubleScenarios(), TableScenarios(),
-                             EntryScenarios(), EditScenarios(), SpotScenarios(), AbortScenarios(),
-                             ShellScenarios(), ProgramScenarios()}) {
+                             EntryScenarios(), EditScenarios(), PasteScenarios(), SpotScenarios(),
+                             AbortScenarios(), ShellScenarios(), ProgramScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;
