@@ -5,10 +5,9 @@
 if(APPLE)
   enable_language(OBJCXX)
 else()
-  # The class library is built for gcc's runtime, and CMake would take clang++ if it found one.
+  # One compiler for both languages. Left alone, CMake would take clang++ wherever it found one.
   if(NOT CMAKE_OBJCXX_COMPILER)
-    find_program(VELMORA_GNU_OBJCXX NAMES g++ REQUIRED)
-    set(CMAKE_OBJCXX_COMPILER ${VELMORA_GNU_OBJCXX})
+    set(CMAKE_OBJCXX_COMPILER ${CMAKE_CXX_COMPILER})
   endif()
   enable_language(OBJCXX)
 endif()
@@ -22,14 +21,25 @@ if(APPLE)
   target_compile_options(velmora_objcxx INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20>)
   target_link_libraries(velmora_objcxx INTERFACE "-framework AppKit" "-framework Foundation")
 else()
-  # Without -fobjc-call-cxx-cdtors the C++ members of objects would never be constructed. The headers
-  # are not ours, hence -isystem; their own warnings would drown all others.
+  # Without -fobjc-call-cxx-cdtors g++ would never construct the C++ members of objects; clang does so
+  # anyway. The class library is built for gcc's runtime, whose headers only gcc finds by itself.
+  if(CMAKE_OBJCXX_COMPILER_ID STREQUAL "GNU")
+    set(runtime -fgnu-runtime -fobjc-call-cxx-cdtors)
+  else()
+    set(runtime -fobjc-runtime=gcc)
+    find_program(VELMORA_GCC gcc REQUIRED)
+    execute_process(COMMAND ${VELMORA_GCC} -print-file-name=include/objc
+        OUTPUT_VARIABLE headers OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/gcc-headers)
+    file(CREATE_LINK ${headers} ${PROJECT_BINARY_DIR}/gcc-headers/objc SYMBOLIC)
+    target_include_directories(velmora_objcxx SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/gcc-headers)
+  endif()
   target_compile_options(velmora_objcxx INTERFACE
-      -fgnu-runtime -fobjc-exceptions -fexceptions -fobjc-call-cxx-cdtors
-      -fconstant-string-class=NSConstantString -fno-strict-aliasing -pthread
-      $<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20>)
+      -fexceptions -fno-strict-aliasing -pthread
+      "$<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20;-fobjc-exceptions;-fconstant-string-class=NSConstantString;${runtime}>")
   target_compile_definitions(velmora_objcxx INTERFACE
       GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_GUI_LIBRARY=1 GNU_RUNTIME=1 _NATIVE_OBJC_EXCEPTIONS)
+  # The headers are not ours, hence SYSTEM; their own warnings would drown all others.
   find_path(VELMORA_GNUSTEP_HEADERS AppKit/AppKit.h
       PATHS /usr/include/GNUstep /usr/local/include/GNUstep REQUIRED)
   target_include_directories(velmora_objcxx SYSTEM INTERFACE ${VELMORA_GNUSTEP_HEADERS})

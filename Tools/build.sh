@@ -8,7 +8,8 @@ root=$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")
 # The tests and benchmarks are configured in the same build folder as the programs, so their libraries
 # are needed too.
 # shellcheck disable=SC2034  # used where this file is sourced
-program_packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
+program_packages=(g++ cmake ninja-build python3 libgtest-dev libbenchmark-dev libcli11-dev
+  nlohmann-json3-dev)
 # What the view needs to be built, shown and driven.
 # shellcheck disable=SC2034
 view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xdotool fonts-dejavu-core
@@ -17,8 +18,19 @@ view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xd
 # shellcheck disable=SC2034
 packaging_packages=(dpkg-dev file man-db desktop-file-utils shared-mime-info xdg-utils libfile-mimeinfo-perl
   gnustep-back0.29)
+# clang builds for the sanitizers, and the sources are held against its formatter and its checker.
+# shellcheck disable=SC2034
+checker_packages=(clang libclang-rt-dev clang-format clang-tidy)
 
-# Words to put before cmake: the build runs the test programs to list their tests.
+# Where a compiler cache is installed it is used, unless somebody has chosen another launcher.
+# What it may take on trust lets it keep precompiled headers.
+if command -v ccache >/dev/null && [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER+set} ]]; then
+  export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  export CMAKE_OBJC_COMPILER_LAUNCHER=ccache CMAKE_OBJCXX_COMPILER_LAUNCHER=ccache
+fi
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
+
+# Words to put before cmake and ctest, say: nice.
 run_under=()
 
 say() { printf '%s\n' "$*" >&2; }
@@ -54,6 +66,15 @@ install_packages() {
     apt-get install -q -y --no-install-recommends "${missing[@]}" >&2
 }
 
+# folder_of PRESET: where it is built. The view is built beside the portable part, with the same flags.
+folder_of() {
+  case $1 in
+    view) echo build/release ;;
+    view-asan) echo build/asan ;;
+    *) echo "build/$1" ;;
+  esac
+}
+
 # build PRESET [TARGET...]: configures where that is due, then builds; silent when nothing is to be done.
 # The lock keeps two of these scripts out of one build folder.
 build() {
@@ -67,9 +88,16 @@ build() {
 
 # Ninja itself notices when a CMakeLists.txt has changed. It does not notice changed presets, nor
 # that the checkout was copied together with its build folder, whose files name the old place.
+# A folder that has the view keeps it when the portable part alone is asked for.
 configure() {
-  local preset=$1 stamp=build/$1/.configured-in
-  if [[ -f $stamp && $(<"$stamp") == "$root" && ! CMakePresets.json -nt $stamp ]]; then
+  local preset=$1 folder stamp found=
+  folder=$(folder_of "$preset")
+  stamp=$folder/.configured-in
+  [[ -f $stamp ]] && found=$(<"$stamp")
+  case $found in
+    *" view" | *" view-asan") preset=${found##* } ;;
+  esac
+  if [[ $found == "$root $preset" && ! CMakePresets.json -nt $stamp ]]; then
     return 0
   fi
   say "$preset: configuring"
@@ -78,12 +106,13 @@ configure() {
     cat "$log" >&2
     return 1
   fi
-  printf '%s\n' "$root" >"$stamp"
+  printf '%s\n' "$root $preset" >"$stamp"
 }
 
 build_targets() {
-  local preset=$1 targets=()
+  local folder targets=()
+  folder=$(folder_of "$1")
   shift
   (($#)) && targets=(--target "$@")
-  "${run_under[@]}" cmake --build "build/$preset" -j2 "${targets[@]}" 2>&1 | sed -u '/^ninja: no work to do\.$/d' >&2
+  "${run_under[@]}" cmake --build "$folder" -j2 "${targets[@]}" 2>&1 | sed -u '/^ninja: no work to do\.$/d' >&2
 }

@@ -1,7 +1,5 @@
 #include "ADL/AES31Event.h"
 
-#include <atomic>
-
 #include "Base/Text.h"
 
 namespace velmora {
@@ -22,12 +20,12 @@ bool IsCut(const AES31Event& event) {
 }
 
 bool IsOn(const std::int32_t& box) {
-  // C++20 has no atomic view of a constant.
-  return std::atomic_ref(const_cast<std::int32_t&>(box)).load(std::memory_order_relaxed) != 0;
+  // The compilers' own function: not every standard library of C++20 has std::atomic_ref yet.
+  return __atomic_load_n(&box, __ATOMIC_RELAXED) != 0;
 }
 
 void SetBox(std::int32_t& box, bool on) {
-  std::atomic_ref(box).store(on ? 1 : 0, std::memory_order_relaxed);
+  __atomic_store_n(&box, on ? 1 : 0, __ATOMIC_RELAXED);
 }
 
 }  // namespace velmora

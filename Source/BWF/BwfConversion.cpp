@@ -113,7 +113,7 @@ std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
 std::int32_t AES31BWF::CopyConverted(OutputFile& file, std::int32_t bitDepth) {
   constexpr std::uint64_t kLargestDataBytes = std::numeric_limits<std::uint32_t>::max() - 1024;
   const std::uint64_t frameBytes =
-      std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8, 1);
+      std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8U, 1U);
   if (frames > kLargestDataBytes / std::max<std::uint64_t>(frameBytes, 1)) return CopyFailed;
   AES31BWF target(file, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
   if (!target.IsValid()) return CopyTargetNotCreated;

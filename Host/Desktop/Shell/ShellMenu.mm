@@ -17,12 +17,13 @@ void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count)
       [menu addItem:[NSMenuItem separatorItem]];
       continue;
     }
-    NSMenuItem* item = [menu addItemWithTitle:items[i].title
+    // GNUstep's header says id <NSMenuItem>, which clang takes for another type.
+    NSMenuItem* item = (NSMenuItem*)[menu addItemWithTitle:items[i].title
                                        action:items[i].action
                                 keyEquivalent:items[i].key];
     [item setTarget:items[i].target];
   }
-  NSMenuItem* entry = [bar addItemWithTitle:title action:NULL keyEquivalent:@""];
+  NSMenuItem* entry = (NSMenuItem*)[bar addItemWithTitle:title action:NULL keyEquivalent:@""];
   [bar setSubmenu:menu forItem:entry];
 }
 
