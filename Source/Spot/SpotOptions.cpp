@@ -13,7 +13,7 @@ std::int64_t Compensation(const SpotOptions& options, const char* firstEvent) {
 
 void ComputePosition(SpotOptions& options, const char* firstEvent) {
   options.timelineOffset = 0;
-  options.relativeTrack = false;
+  options.relativeTrack = options.positionMode == PositionFromFirst;
   if (firstEvent == nullptr) return;
   const std::int64_t first = AdlToSamples(firstEvent);
   const std::int64_t compensation = Compensation(options, firstEvent);
@@ -29,7 +29,6 @@ void ComputePosition(SpotOptions& options, const char* firstEvent) {
       break;
     case PositionFromFirst:
       options.timelineOffset = WrapSubtract<std::int64_t>(0, first);
-      options.relativeTrack = true;
       break;
     default:
       break;

@@ -1,5 +1,6 @@
 #include "Spot/SpotQueue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace velmora {
@@ -11,7 +12,7 @@ constexpr std::int32_t kGivenUp = -128;
 
 }  // namespace
 
-/// What RunSpot sees of the view: nothing is reported any more once the run is aborted.
+/// What RunSpot sees of the view.
 class SpotTask::Observer : public SpotObserver {
  public:
   Observer(SpotTask& run, SpotDisplay& display) : run_(run), display_(display) {}
@@ -54,6 +55,7 @@ SpotTask::~SpotTask() {
 }
 
 bool SpotTask::Execute(RegionHost& host, SpotDisplay& display) {
+  if (!Start()) return false;
   struct Ending {
     SpotTask& run;
     ~Ending() { run.End(); }
@@ -63,19 +65,26 @@ bool SpotTask::Execute(RegionHost& host, SpotDisplay& display) {
   Host guardedHost(*this, host);
   Observer observer(*this, display);
   const SpotProject project{work_.project.get(), work_.numEvents, work_.minTrack, work_.firstEvent};
-  return RunSpot(project, options_, guardedHost, observer) && !aborted_;
+  return RunSpot(project, options_, guardedHost, observer) && !closing_;
+}
+
+/// False if the queue has been closed before the thread came.
+bool SpotTask::Start() {
+  const std::lock_guard lock(shared_->mutex);
+  started_ = true;
+  return !ended_;
 }
 
 bool SpotTask::WaitForTurn() {
   std::unique_lock lock(shared_->mutex);
-  shared_->changed.wait(lock,
-                        [this] { return aborted_ || ended_ || shared_->runs.front() == this; });
-  return !aborted_ && !ended_;
+  shared_->changed.wait(lock, [this] { return aborted_ || shared_->runs.front() == this; });
+  return !aborted_;
 }
 
 void SpotTask::Report(std::int32_t progress, SpotDisplay& display) {
   std::unique_lock lock(shared_->mutex);
-  if (aborted_) return;
+  if (progress < 0) lastReport_ = true;
+  if (!MayShowLocked()) return;
   progress_ = progress;
   reportWaits_ = true;
   lock.unlock();
@@ -84,10 +93,16 @@ void SpotTask::Report(std::int32_t progress, SpotDisplay& display) {
   shared_->changed.wait(lock, [this] { return aborted_ || !reportWaits_; });
 }
 
+/// An abort that comes after the last look at it stops nothing: such a run still tells its end. By
+/// then another run may have been requested, whose state on the display this one must not touch.
+bool SpotTask::MayShowLocked() const {
+  return !aborted_ || (lastReport_ && number_ == shared_->newest);
+}
+
 void SpotTask::DeliverReport(const std::function<void(std::int32_t)>& show) {
   {
     const std::lock_guard lock(shared_->mutex);
-    if (aborted_ || !reportWaits_) return;
+    if (!reportWaits_ || !MayShowLocked()) return;
   }
   struct Release {
     SpotTask& run;
@@ -97,7 +112,7 @@ void SpotTask::DeliverReport(const std::function<void(std::int32_t)>& show) {
       run.shared_->changed.notify_all();
     }
   } release{*this};
-  // The worker stands still and the lock is free: what is shown may abort this very run.
+  // The lock is free: what is shown may abort this very run.
   show(progress_);
 }
 
@@ -114,11 +129,17 @@ void SpotTask::AbortLocked() {
 
 void SpotTask::End() {
   // First the project, which may be deleted here: who waits for the end finds it gone.
-  work_ = {};
+  TakeWork();
   const std::lock_guard lock(shared_->mutex);
   ended_ = true;
   std::erase(shared_->runs, this);
   shared_->changed.notify_all();
+}
+
+/// Under the lock, since the queue takes the work of a run whose thread has not come.
+SharedSpotProject SpotTask::TakeWork() {
+  const std::lock_guard lock(shared_->mutex);
+  return std::exchange(work_, {});
 }
 
 SpotQueue::SpotQueue() : shared_(std::make_shared<SpotTask::Shared>()) {}
@@ -131,6 +152,7 @@ std::shared_ptr<SpotTask> SpotQueue::Request(SharedSpotProject work, SpotOptions
   std::shared_ptr<SpotTask> run(new SpotTask(shared_, std::move(work), std::move(options)));
   const std::lock_guard lock(shared_->mutex);
   shared_->runs.push_back(run.get());
+  run->number_ = ++shared_->newest;
   return run;
 }
 
@@ -141,11 +163,26 @@ bool SpotQueue::Idle() const {
 
 void SpotQueue::Close() {
   std::unique_lock lock(shared_->mutex);
+  ++shared_->newest;  // no run is the latest one any more: none tells its end
   for (SpotTask* run : shared_->runs) {
     run->closing_ = true;
     run->AbortLocked();
   }
+  while (SpotTask* const run = FirstNotStartedLocked()) {
+    run->ended_ = true;
+    std::erase(shared_->runs, run);
+    SharedSpotProject work = std::exchange(run->work_, {});
+    lock.unlock();  // the project may be deleted here, and the run may go
+    work = {};
+    lock.lock();
+  }
   shared_->changed.wait(lock, [this] { return shared_->runs.empty(); });
+}
+
+SpotTask* SpotQueue::FirstNotStartedLocked() const {
+  const auto found = std::find_if(shared_->runs.begin(), shared_->runs.end(),
+                                  [](const SpotTask* run) { return !run->started_; });
+  return found != shared_->runs.end() ? *found : nullptr;
 }
 
 }  // namespace velmora

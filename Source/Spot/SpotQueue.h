@@ -16,14 +16,15 @@
 
 namespace velmora {
 
-// The runs behind a view's spot button, and all that a worker's thread shares with the main thread.
+// The runs that a view's spot button starts, and all that a worker's thread shares with the main
+// thread.
 //
 //   main thread     Request ---- detach a thread ----- DeliverReport ---- Abort ---- Request ...
 //                      |                 |                ^       |          |
 //   worker             '------------> Execute: [wait][ RunSpot, PostReport, ... ] ended
 //   next worker                                              Execute: [ wait          ][ RunSpot
 //
-// - One thread for each run. The manager starts none: the view detaches a thread of its platform,
+// - One thread for each run. The queue starts none: the view detaches a thread of its platform,
 //   and hands it its own shared_ptr to the run, whose Execute is all that this thread calls.
 // - One run works at a time, in the order of the requests. Execute of a later one waits, on its own
 //   thread, until the runs before it have ended. The main thread never waits but in Close.
@@ -77,16 +78,22 @@ class SpotTask {
   /// the wait is over, nor once the run counts as ended.
   ///
   /// Each report counts as made when the main thread has delivered it, or when the run is aborted.
+  /// If the queue was closed before, it touches nothing and returns.
   /// @param host must not wait for the main thread either
-  /// @return false if it was aborted, be it before its work began
+  /// @return false if an abort or a close ended it, be it before its work began. A run that is
+  ///         aborted after its last look at the abort has done all its work, and ends like any
+  ///         other.
   bool Execute(RegionHost& host, SpotDisplay& display);
 
   // The rest is for the main thread.
 
-  /// Delivers the report that waits, if one does and the run is not aborted: calls `show` with the
-  /// steps done, or with -1 at the end, which is the time to bring the controls and the button
-  /// back. Then lets the worker go on. Since Abort is called on this thread too, `show` never runs
-  /// after an abort: an aborted run cannot disturb the state that a later one has set.
+  /// Delivers the report that waits, if one does: calls `show` with the steps done, or with -1 at
+  /// the end, which is the time to bring the controls and the button back. Then lets the worker go
+  /// on.
+  ///
+  /// An aborted run shows no steps any more. It still shows its end if it came there, since the
+  /// abort was too late: whoever aborts without bringing the button back relies on it. It shows
+  /// nothing at all once a later run has been requested, whose state is on display then.
   void DeliverReport(const std::function<void(std::int32_t progress)>& show);
 
   /// Asks this run, and no other, to stop, and does not wait: the worker stops at its next event,
@@ -95,11 +102,11 @@ class SpotTask {
   void Abort();
 
   /// May be read from any thread.
-  bool Aborted() const { return aborted_; }
+  [[nodiscard]] bool Aborted() const { return aborted_; }
 
   /// Steps reported so far, and -1 once the run has reported its end or is aborted: -1 means that
   /// no worker is counting. May be read from any thread.
-  std::int32_t Progress() const { return progress_; }
+  [[nodiscard]] std::int32_t Progress() const { return progress_; }
 
  private:
   friend class SpotQueue;
@@ -107,28 +114,35 @@ class SpotTask {
   class Host;
 
   /// The runs that have not ended, in the order of their requests. Shared with each run, since the
-  /// manager may go while a worker is still on its way out of Execute.
+  /// queue may go while a worker is still on its way out of Execute.
   struct Shared {
     std::mutex mutex;
     std::condition_variable changed;  ///< a run ended, was aborted, or had its report delivered
     std::vector<SpotTask*> runs;
+    std::uint64_t newest = 0;  ///< number of the latest request; a close counts as one
   };
 
   SpotTask(std::shared_ptr<Shared> shared, SharedSpotProject work, SpotOptions options);
 
+  bool Start();
   bool WaitForTurn();
+  bool MayShowLocked() const;
   void Report(std::int32_t progress, SpotDisplay& display);
   void AbortLocked();
   void End();
+  SharedSpotProject TakeWork();
 
   const std::shared_ptr<Shared> shared_;
-  SharedSpotProject work_;  ///< the worker's, from Execute on
+  SharedSpotProject work_;  ///< the worker's, once it has started
   SpotOptions options_;     ///< the worker's, from Execute on
   std::atomic<bool> aborted_ = false;
   std::atomic<bool> closing_ = false;  ///< no message goes out any more
   std::atomic<std::int32_t> progress_ = 0;
   // Guarded by the shared mutex:
+  std::uint64_t number_ = 0;
+  bool started_ = false;
   bool reportWaits_ = false;
+  bool lastReport_ = false;  ///< the run has come to its end and tells it
   bool ended_ = false;
 };
 
@@ -141,21 +155,24 @@ class SpotQueue {
   SpotQueue(const SpotQueue&) = delete;
   SpotQueue& operator=(const SpotQueue&) = delete;
 
-  /// A new run, behind all that have not ended; none of these is aborted by it. The caller starts
+  /// A new run, after all that have not ended; none of these is aborted by it. The caller starts
   /// its thread. With no project the run ends without any call.
-  std::shared_ptr<SpotTask> Request(SharedSpotProject work, SpotOptions options);
+  [[nodiscard]] std::shared_ptr<SpotTask> Request(SharedSpotProject work, SpotOptions options);
 
   /// True when every run has ended.
-  bool Idle() const;
+  [[nodiscard]] bool Idle() const;
 
   /// Aborts all runs and returns when all have ended and hold nothing any more: to be called before
   /// the view goes. Beyond what an abort does, a message not yet sent is given up, or a host that
   /// does not answer would hold the window for minutes; what is left to wait for is one message's
   /// time-out and the file that is just being made. Reports that were posted before may still
-  /// arrive, and show nothing. A run's thread that has not come to Execute yet is waited for.
+  /// arrive, and show nothing. A run whose thread has not come to Execute ends at once: that
+  /// thread may never come.
   void Close();
 
  private:
+  SpotTask* FirstNotStartedLocked() const;
+
   std::shared_ptr<SpotTask::Shared> shared_;
 };
 

@@ -83,6 +83,7 @@ TEST(ComputePosition, nullFirstEventGivesNoDisplacement) {
     options.timelineOffset = 99;
     ComputePosition(options, nullptr);
     EXPECT_EQ(options.timelineOffset, 0) << mode;
+    EXPECT_EQ(options.relativeTrack, mode == PositionFromFirst) << mode;
   }
 }
 

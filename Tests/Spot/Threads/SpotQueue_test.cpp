@@ -108,13 +108,74 @@ TEST_F(SpotQueueTest, abortReleasesAWorkerThatWaitsForItsReport) {
   EXPECT_TRUE(worker->shown.empty());
 }
 
-TEST_F(SpotQueueTest, abortReleasesAWorkerThatWaitsForItsLastReport) {
+/// The steps after which a plain run of three cuts looks at its abort no more.
+constexpr std::int32_t kStepsOfLastLook = 6;
+
+TEST_F(SpotQueueTest, abortAfterTheLastLookEndsAsUsual) {
+  for (const std::int32_t steps : {7, 8, 9, -1}) {
+    SCOPED_TRACE(steps);
+    const auto worker = RequestAndStart();
+    loop.RunUntil([&] { return worker->Posted() == steps && loop.Waiting() == 1; });
+    const std::vector<std::int32_t> shownBefore = worker->shown;
+    worker->run->Abort();
+    EXPECT_TRUE(worker->Join());  // nobody needs to deliver anything for it
+    EXPECT_TRUE(runs.Idle());
+    while (loop.RunOne()) {
+    }
+    std::vector<std::int32_t> expected = shownBefore;
+    expected.push_back(-1);
+    EXPECT_EQ(worker->shown, expected) << "no steps any more, and the end once";
+    EXPECT_EQ(worker->run->Progress(), -1);
+    for (const AES31Event& event : model.project->events) EXPECT_EQ(event.renderedFile, nullptr);
+  }
+}
+
+TEST_F(SpotQueueTest, abortAfterTheLastLookStaysOffTheDisplayOfALaterRun) {
+  for (const std::int32_t steps : {7, 9, -1}) {
+    SCOPED_TRACE(steps);
+    const auto first = RequestAndStart();
+    loop.RunUntil([&] { return first->Posted() == steps && loop.Waiting() == 1; });
+    const std::vector<std::int32_t> shownBefore = first->shown;
+    first->run->Abort();
+    const auto second = Request();
+    EXPECT_TRUE(first->Join());
+    second->Start();
+    RunUntilEnded(second);
+    EXPECT_TRUE(second->Join());
+    EXPECT_EQ(first->shown, shownBefore);
+    EXPECT_EQ(second->shown, kAllReports);
+  }
+}
+
+TEST_F(SpotQueueTest, abortBeforeTheLastLookShowsNoEnd) {
   const auto worker = RequestAndStart();
-  loop.RunUntil([&] { return worker->Posted() == -1 && loop.Waiting() == 1; });
+  loop.RunUntil([&] { return worker->Posted() == kStepsOfLastLook && loop.Waiting() == 1; });
   worker->run->Abort();
   EXPECT_FALSE(worker->Join());
-  loop.RunOne();
-  EXPECT_EQ(worker->shown.back(), 9);  // the aborted run does not bring the button back
+  while (loop.RunOne()) {
+  }
+  EXPECT_EQ(worker->shown.back(), kStepsOfLastLook - 1);
+}
+
+TEST_F(SpotQueueTest, endOfALateAbortIsNotShownAfterAClose) {
+  const auto worker = RequestAndStart();
+  loop.RunUntil([&] { return worker->Posted() == 9 && loop.Waiting() == 1; });
+  worker->run->Abort();
+  EXPECT_TRUE(worker->Join());
+  runs.Close();
+  while (loop.RunOne()) {
+  }
+  EXPECT_EQ(worker->shown.back(), 8);
+}
+
+TEST_F(SpotQueueTest, closeIsNotHeldUpByTheLastReport) {
+  const auto worker = RequestAndStart();
+  loop.RunUntil([&] { return worker->Posted() == -1 && loop.Waiting() == 1; });
+  runs.Close();  // on the thread that would have to deliver it
+  EXPECT_FALSE(worker->Join());
+  while (loop.RunOne()) {
+  }
+  EXPECT_EQ(worker->shown.back(), 9);
 }
 
 TEST_F(SpotQueueTest, aReportMayAbortItsOwnRun) {
@@ -209,7 +270,11 @@ TEST_F(SpotQueueTest, abortAtAnyMomentLeavesOneWorkerAtATime) {
   all.push_back(RequestAndStart());
   RunUntilEnded(all.back());
   for (std::size_t i = 0; i + 1 < all.size(); ++i) {
-    EXPECT_FALSE(all[i]->Join()) << i;
+    const bool completed = all[i]->Join();
+    // Once the last step with a look is shown, the worker may have looked already.
+    if (i != kStepsOfLastLook) {
+      EXPECT_EQ(completed, i > kStepsOfLastLook) << i;
+    }
     EXPECT_EQ(all[i]->shown.size(), i);
   }
   EXPECT_TRUE(all.back()->Join());
@@ -278,7 +343,7 @@ TEST_F(SpotQueueTest, filesRenderedByAnAbortedRunGoWithItsProject) {
   options.bitDepth = 24;
   options.depthSuffix = "_24bit";
   const std::weak_ptr<AES31Project> old = model.project;
-  const auto worker = HeldInFirstMessage(options);  // behind the depth pass
+  const auto worker = HeldInFirstMessage(options);  // after the depth pass
   worker->run->Abort();
   ASSERT_TRUE(model.LoadFile(folder.Path("a.adl")));
   host.Release();
@@ -395,18 +460,33 @@ TEST_F(SpotQueueTest, closeWaitsForAWorkerInsideAMessage) {
   EXPECT_EQ(host.Sent(), 1);
 }
 
-TEST_F(SpotQueueTest, closeWaitsForAThreadThatIsStillOnItsWay) {
-  const auto worker = Request();
-  std::atomic<bool> arrived = false;
-  worker->Start([&] {
-    while (!worker->run->Aborted()) std::this_thread::yield();
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    arrived = true;
+TEST_F(SpotQueueTest, closeDoesNotWaitForThreadsThatHaveNotCome) {
+  const std::weak_ptr<AES31Project> project = model.project;
+  const auto first = HeldInFirstMessage();
+  const auto late = Request();
+  const auto never = Request();
+  model.project.reset();
+  std::thread release([&] {
+    while (!first->run->Aborted()) std::this_thread::yield();
+    host.Release();
   });
   runs.Close();
-  EXPECT_TRUE(arrived);
-  EXPECT_FALSE(worker->Join());
-  EXPECT_TRUE(calls.Order().empty());
+  release.join();
+  EXPECT_TRUE(runs.Idle());
+  EXPECT_TRUE(project.expired()) << "none of them holds it any more";
+  EXPECT_FALSE(first->Join());
+  late->Start();  // comes after all
+  EXPECT_FALSE(late->Join());
+  EXPECT_EQ(calls.Order(), std::vector<int>{1});
+}
+
+TEST_F(SpotQueueTest, closeAndAThreadThatComesMeanwhile) {
+  for (int i = 0; i < 50; ++i) {
+    const auto worker = RequestAndStart();
+    runs.Close();
+    EXPECT_TRUE(runs.Idle());
+    EXPECT_FALSE(worker->Join());
+  }
 }
 
 TEST_F(SpotQueueTest, closeGivesUpTheMessagesOfAHostThatRefuses) {
