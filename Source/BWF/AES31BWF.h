@@ -2,14 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "BWF/BwfRecords.h"
 #include "Base/FileAccess.h"
 
 namespace velmora {
 
+class HeaderReader;
+class KeptChunkFinder;
 class OutputFile;
 
 /// What CopyTo answers.
@@ -63,8 +66,11 @@ class AES31BWF {
   virtual std::uint32_t GetSampleRate();
   virtual std::uint32_t GetBitsPerSample();
   virtual const char* GetPath();
-  /// A kept chunk in file order; null out of range.
+  /// A chunk that is not understood, by its place among these in the file; null out of range, and
+  /// if the file no longer holds it. The file is read when a chunk is asked for the first time, and
+  /// the answer stays until this object goes. Asking in order costs one walk over the file.
   virtual BwfChunk* GetChunk(std::int32_t index);
+  /// How many of these the file holds.
   virtual std::size_t GetChunkCount();
   virtual BwfFormat* GetFormat();
   /// Null if the file has no bext chunk.
@@ -101,14 +107,15 @@ class AES31BWF {
   std::int64_t position = 0;        ///< what GetSampleAt takes for the stream's position
   std::int32_t bytesPerSample = 0;  ///< of one channel's sample in a frame
   std::string path;
-  std::vector<BwfChunk> chunks;  ///< the chunks not understood, in file order
+  /// The chunks not understood that were asked for, by their place among all of these in the file.
+  std::map<std::int32_t, BwfChunk> chunks;
 
  private:
   bool Parse();
-  void WalkChunks();
-  void ReadFormatChunk();
-  void ReadBextChunk(std::int32_t size, std::int64_t bytesLeft);
-  void KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64_t bytesLeft);
+  void WalkChunks(HeaderReader& reader);
+  void ReadFormatChunk(HeaderReader& reader);
+  void ReadBextChunk(HeaderReader& reader);
+  BwfChunk* KeepChunk(std::int32_t index);
   void DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels, std::int32_t bitDepth,
                      std::int32_t frameCount);
   void CreateIn(OutputFile& file);
@@ -119,6 +126,8 @@ class AES31BWF {
   std::int32_t CopyBytes(OutputFile& target);
   std::int32_t CopyConverted(OutputFile& target, std::int32_t bitDepth);
 
+  std::size_t chunkCount_ = 0;
+  std::unique_ptr<KeptChunkFinder> chunkFinder_;  ///< null until a chunk is asked for
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
   bool writeFailed_ = false;

@@ -2,49 +2,32 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "BWF/AES31BWF.h"
+#include "BWF/ChunkWalk.h"
 #include "BWF/SampleCodec.h"
 
 namespace velmora {
 namespace {
 
-// Chunk identifiers as little-endian numbers (RIFF).
-constexpr std::uint32_t kRiff = 0x46464952;
-constexpr std::uint32_t kWave = 0x45564157;
-constexpr std::uint32_t kFmt = 0x20746D66;
-constexpr std::uint32_t kData = 0x61746164;
-constexpr std::uint32_t kBext = 0x74786562;
-
 constexpr std::int32_t kBextFixedBytes = 602;  // EBU Tech 3285
 
-/// A byte of a header; past the end of the file all ones.
-std::uint8_t ReadByte(std::FILE* stream) {
-  return static_cast<std::uint8_t>(std::getc(stream));
-}
-
-template <class Number>
-Number ReadNumber(std::FILE* stream) {
-  std::uint32_t value = 0;
-  for (unsigned i = 0; i < sizeof(Number); ++i) {
-    value |= static_cast<std::uint32_t>(ReadByte(stream)) << (8 * i);
+/// The text at the reader's place, up to its first NUL or to the end of its `size` bytes. Whoever
+/// reads the text sees no more of it, and a chunk may claim gigabytes. It is read in blocks: zeros
+/// that fill up a chunk of common size all stay.
+std::string TextAt(HeaderReader& reader, std::int64_t size) {
+  constexpr std::int64_t kBlockBytes = 4096;
+  std::string text;
+  while (size > 0) {
+    const std::vector<std::uint8_t> block = reader.Bytes(std::min(size, kBlockBytes));
+    text.append(block.begin(), block.end());
+    if (block.empty() || std::find(block.begin(), block.end(), 0) != block.end()) break;
+    size -= kBlockBytes;
   }
-  return static_cast<Number>(value);
-}
-
-template <class Bytes>
-void ReadBytes(std::FILE* stream, Bytes& bytes) {
-  for (auto& byte : bytes) byte = static_cast<typename Bytes::value_type>(ReadByte(stream));
-}
-
-/// A chunk's body, as much of it as the file holds.
-template <class Container>
-Container ReadBody(std::FILE* stream, std::int64_t size, std::int64_t bytesLeft) {
-  Container body(static_cast<std::size_t>(std::clamp<std::int64_t>(bytesLeft, 0, size)), 0);
-  body.resize(std::fread(body.data(), 1, body.size(), stream));
-  return body;
+  return text;
 }
 
 }  // namespace
@@ -56,86 +39,72 @@ AES31BWF::AES31BWF(const char* filePath) : path(filePath) {
   try {
     valid = Parse();
   } catch (const std::bad_alloc&) {
-    chunks.clear();
+    bext.codingHistory = nullptr;
   }
   stream.reset();
   if (!valid) hasData = hasFormat = hasBext = false;
 }
 
 bool AES31BWF::Parse() {
-  if (ReadNumber<std::uint32_t>(stream.get()) != kRiff) return false;
-  riffEnd = std::int64_t{ReadNumber<std::int32_t>(stream.get())} + 8;
-  if (ReadNumber<std::uint32_t>(stream.get()) != kWave) return false;
-  WalkChunks();
+  HeaderReader reader(stream.get());
+  if (reader.LittleEndian<std::uint32_t>() != kRiffId) return false;
+  riffEnd = std::int64_t{reader.LittleEndian<std::int32_t>()} + 8;
+  if (reader.LittleEndian<std::uint32_t>() != kWaveId) return false;
+  WalkChunks(reader);
   if (!hasData || !hasFormat || format.blockAlign == 0 || format.channels == 0) return false;
   frames = dataSize_ / format.blockAlign;
   return true;
 }
 
-/// Goes from chunk to chunk by the sizes alone. No pad byte is skipped behind an odd size: files
-/// with one are not supported, and the writer makes none.
-void AES31BWF::WalkChunks() {
-  const std::int64_t fileSize = FileSize(stream.get());
-  for (;;) {
-    const auto identifier = ReadNumber<std::uint32_t>(stream.get());
-    const auto size = ReadNumber<std::int32_t>(stream.get());
-    const std::int64_t body = ftello(stream.get());
-    // The end of the file reads as a negative size. A negative riffEnd counts as far away.
-    if (size < 0 || static_cast<std::uint64_t>(body) >= static_cast<std::uint64_t>(riffEnd)) return;
-    if (identifier == kFmt) {
-      ReadFormatChunk();
-    } else if (identifier == kData) {
-      dataOffset = body;
-      dataSize_ = static_cast<std::uint32_t>(size);
+void AES31BWF::WalkChunks(HeaderReader& reader) {
+  ChunkWalk walk(riffEnd);
+  ChunkPlace chunk;
+  ChunkPlace lastBext;
+  while (walk.Next(reader, chunk)) {
+    if (chunk.identifier == kFmtId) {
+      ReadFormatChunk(reader);
+    } else if (chunk.identifier == kDataId) {
+      dataOffset = chunk.body;
+      dataSize_ = static_cast<std::uint32_t>(chunk.size);
       hasData = true;
-    } else if (identifier == kBext) {
-      ReadBextChunk(size, fileSize - body);
+    } else if (chunk.identifier == kBextId) {
+      ReadBextChunk(reader);
+      lastBext = chunk;
     } else {
-      KeepChunk(identifier, size, fileSize - body);
+      ++chunkCount_;
     }
-    if (fseeko(stream.get(), body + size, SEEK_SET) != 0) return;
+  }
+  if (lastBext.size > kBextFixedBytes) {
+    reader.GoTo(lastBext.body + kBextFixedBytes);
+    codingHistory_ = TextAt(reader, lastBext.size - kBextFixedBytes);
+    bext.codingHistory = codingHistory_.c_str();
   }
 }
 
-void AES31BWF::ReadFormatChunk() {
-  format.formatTag = ReadNumber<std::uint16_t>(stream.get());
-  format.channels = ReadNumber<std::uint16_t>(stream.get());
-  format.samplesPerSec = ReadNumber<std::uint32_t>(stream.get());
-  format.avgBytesPerSec = ReadNumber<std::uint32_t>(stream.get());
-  format.blockAlign = ReadNumber<std::uint16_t>(stream.get());
-  if (format.formatTag == kIntegerPcm) {
-    format.bitsPerSample = ReadNumber<std::uint16_t>(stream.get());
-  }
+void AES31BWF::ReadFormatChunk(HeaderReader& reader) {
+  format.formatTag = reader.LittleEndian<std::uint16_t>();
+  format.channels = reader.LittleEndian<std::uint16_t>();
+  format.samplesPerSec = reader.LittleEndian<std::uint32_t>();
+  format.avgBytesPerSec = reader.LittleEndian<std::uint32_t>();
+  format.blockAlign = reader.LittleEndian<std::uint16_t>();
+  if (format.formatTag == kIntegerPcm) format.bitsPerSample = reader.LittleEndian<std::uint16_t>();
   // A later fmt chunk may still mend a channel count of 0, so it is judged when all are read.
   bytesPerSample = format.channels != 0 ? format.blockAlign / format.channels : 0;
   hasFormat = true;
 }
 
-void AES31BWF::ReadBextChunk(std::int32_t size, std::int64_t bytesLeft) {
-  ReadBytes(stream.get(), bext.description);
-  ReadBytes(stream.get(), bext.originator);
-  ReadBytes(stream.get(), bext.originatorReference);
-  ReadBytes(stream.get(), bext.originationDate);
-  ReadBytes(stream.get(), bext.originationTime);
-  bext.timeReferenceLow = ReadNumber<std::uint32_t>(stream.get());
-  bext.timeReferenceHigh = ReadNumber<std::uint32_t>(stream.get());
-  bext.version = ReadNumber<std::uint16_t>(stream.get());
-  ReadBytes(stream.get(), bext.umidAndReserved);
-  bext.codingHistory = nullptr;
-  if (size > kBextFixedBytes) {
-    codingHistory_ =
-        ReadBody<std::string>(stream.get(), size - kBextFixedBytes, bytesLeft - kBextFixedBytes);
-    bext.codingHistory = codingHistory_.c_str();
-  }
+/// All but the coding history, which is read once, when the walk has met the last bext chunk.
+void AES31BWF::ReadBextChunk(HeaderReader& reader) {
+  reader.Fill(bext.description);
+  reader.Fill(bext.originator);
+  reader.Fill(bext.originatorReference);
+  reader.Fill(bext.originationDate);
+  reader.Fill(bext.originationTime);
+  bext.timeReferenceLow = reader.LittleEndian<std::uint32_t>();
+  bext.timeReferenceHigh = reader.LittleEndian<std::uint32_t>();
+  bext.version = reader.LittleEndian<std::uint16_t>();
+  reader.Fill(bext.umidAndReserved);
   hasBext = true;
-}
-
-void AES31BWF::KeepChunk(std::uint32_t identifier, std::int32_t size, std::int64_t bytesLeft) {
-  BwfChunk chunk;
-  chunk.identifier = identifier;
-  chunk.data = ReadBody<std::vector<std::uint8_t>>(stream.get(), size, bytesLeft);
-  chunk.size = static_cast<std::uint32_t>(chunk.data.size());
-  chunks.push_back(std::move(chunk));
 }
 
 AES31BWF::~AES31BWF() {
@@ -166,8 +135,8 @@ float AES31BWF::GetSampleAt(std::int32_t frame, std::uint32_t channel) {
   const std::int64_t offset = dataOffset + frameOffset + std::int64_t{channel} * bytesPerSample;
   // The seek leaves `position` as it was, on purpose: reads in order from the first sample run
   // without seeks, and after one seek every later read seeks again, except where its offset happens
-  // to equal the stale position. There the stream is read where it stands, and the files that this
-  // has shaped depend on it.
+  // to equal the stale position. There the stream is read where it stands. Fades and crossfades
+  // made so far came out that way, and must come out the same again.
   if (offset != position) fseeko(stream.get(), offset, SEEK_SET);
   const float value = ReadSample();
   position += bytesPerSample;
@@ -177,7 +146,9 @@ float AES31BWF::GetSampleAt(std::int32_t frame, std::uint32_t channel) {
 float AES31BWF::ReadSample() {
   std::uint32_t leftJustified = 0;
   for (std::uint32_t i = 0; stream != nullptr && i < format.bitsPerSample / 8U; ++i) {
-    leftJustified = AddSampleByte(leftJustified, ReadByte(stream.get()));
+    // A byte past the end of the file is all ones.
+    leftJustified =
+        AddSampleByte(leftJustified, static_cast<std::uint8_t>(std::getc(stream.get())));
   }
   return SampleFromLeftJustified(leftJustified);
 }
@@ -203,12 +174,29 @@ const char* AES31BWF::GetPath() {
 }
 
 BwfChunk* AES31BWF::GetChunk(std::int32_t index) {
-  if (index < 0 || std::cmp_greater_equal(index, chunks.size())) return nullptr;
-  return &chunks[static_cast<std::size_t>(index)];
+  if (index < 0 || std::cmp_greater_equal(index, chunkCount_)) return nullptr;
+  const auto known = chunks.find(index);
+  if (known != chunks.end()) return &known->second;
+  try {
+    return KeepChunk(index);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+BwfChunk* AES31BWF::KeepChunk(std::int32_t index) {
+  if (chunkFinder_ == nullptr) chunkFinder_ = std::make_unique<KeptChunkFinder>(path, riffEnd);
+  ChunkPlace place;
+  if (!chunkFinder_->Find(index, place)) return nullptr;
+  BwfChunk chunk;
+  chunk.identifier = place.identifier;
+  chunk.data = chunkFinder_->Body(place);
+  chunk.size = static_cast<std::uint32_t>(chunk.data.size());
+  return &chunks.emplace(index, std::move(chunk)).first->second;
 }
 
 std::size_t AES31BWF::GetChunkCount() {
-  return chunks.size();
+  return chunkCount_;
 }
 
 BwfFormat* AES31BWF::GetFormat() {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "BWF/AES31BWF.h"
+#include "BWF/ChunkWalk.h"
 #include "BWF/OutputFile.h"
 #include "BWF/SampleCodec.h"
 #include "Base/Wrapping.h"

@@ -44,6 +44,18 @@ std::int64_t FileSize(std::FILE* stream) {
   return fstat(fileno(stream), &facts) == 0 ? std::int64_t{facts.st_size} : -1;
 }
 
+std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t got = pread(fileno(stream), static_cast<char*>(bytes) + done, count - done,
+                              place + static_cast<std::int64_t>(done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
 FileStream CreateFile(const char* path) {
   const int descriptor = open(path, kForWriting | O_TRUNC, kMode);
   if (descriptor < 0) return nullptr;

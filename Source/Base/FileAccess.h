@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -17,6 +18,12 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 
 /// Bytes of an open file, -1 if the system cannot tell.
 [[nodiscard]] std::int64_t FileSize(std::FILE* stream);
+
+/// Reads up to `count` bytes from a place in an open file, past the stream: neither its buffer nor
+/// its position is touched.
+/// @return the bytes read; fewer than `count` at the end of the file and after an error
+[[nodiscard]] std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes,
+                                 std::size_t count);
 
 /// Creates a file for writing, or empties the one that is there; null if that fails. Follows links
 /// and never blocks.

@@ -11,7 +11,6 @@ namespace velmora {
 class RegionSpotter {
  public:
   RegionSpotter(const char* path, std::int64_t start, std::int64_t stop, RegionHost& host);
-  virtual ~RegionSpotter() = default;
 
   /// Builds alias and message anew and sends it once.
   /// @param track    from 0
@@ -22,6 +21,9 @@ class RegionSpotter {
   /// @return 0, or the status of the step that failed, its low 16 bits sign-extended
   virtual std::int32_t SpotRegion(std::int16_t track, std::int64_t position, std::int16_t stream,
                                   const char* name, bool relative);
+
+  /// After SpotRegion, since the order of the virtual operations is part of the interface.
+  virtual ~RegionSpotter() = default;
 
  private:
   const char* path_;

@@ -137,13 +137,50 @@ TEST_F(BwfMemory, sizeFieldsAloneAllocateNothing) {
   }
 }
 
-TEST_F(BwfMemory, keptChunksAllocateWhatTheFileHolds) {
+TEST_F(BwfMemory, keptChunksAllocateNothingUntilOneIsAsked) {
   WaveBytes wave = WaveBytes().Format({}).Data("abcd");
   for (int i = 0; i < 50; ++i) wave.Chunk("LIST", std::string(10000, 'x'));
   wave.Claim("LIST", 0x7FFFFFF0, std::string(10000, 'x')).RiffSize(0x7FFFFFFF);
   const std::string path = folder.Write("kept.wav", wave.Bytes());
-  EXPECT_LT(BytesFor([&] { EXPECT_EQ(AES31BWF(path.c_str()).GetChunkCount(), 51U); }),
+  EXPECT_LT(BytesFor([&] {
+              for (int i = 0; i < 10; ++i) EXPECT_EQ(AES31BWF(path.c_str()).GetChunkCount(), 51U);
+            }),
+            10 * kSmall);
+  AES31BWF file(path.c_str());
+  EXPECT_LT(BytesFor([&] { EXPECT_EQ(file.GetChunk(25)->size, 10000U); }), 10000 + kSmall);
+  EXPECT_LT(BytesFor([&] {
+              for (int i = 0; i < 51; ++i) EXPECT_EQ(file.GetChunk(i)->size, 10000U);
+            }),
             510000 + 2 * kSmall);
+}
+
+TEST_F(BwfMemory, millionsOfKeptChunksAllocateNoMoreThanAFew) {
+  constexpr std::uint32_t kBytes = 8U << 20;  // most of it a hole, where each chunk is 8 zeros
+  const std::string path =
+      folder.Write("hole.wav", WaveBytes().Format({}).Data("abcd").RiffSize(kBytes - 8).Bytes());
+  std::filesystem::resize_file(path, kBytes);
+  constexpr std::size_t kBlocks = 4 * kSmall;
+  EXPECT_LT(BytesFor([&] { EXPECT_GT(AES31BWF(path.c_str()).GetChunkCount(), 1'000'000U); }),
+            kBlocks);
+  AES31BWF file(path.c_str());
+  EXPECT_LT(BytesFor([&] { EXPECT_NE(file.GetChunk(1'000'000), nullptr); }), kBlocks);
+}
+
+TEST_F(BwfMemory, historyOfZerosIsNotHeld) {
+  constexpr std::uint32_t kBytes = 256U << 20;
+  const std::string path =
+      folder.Write("history.wav", WaveBytes()
+                                      .Format({})
+                                      .Data("abcd")
+                                      .Claim("bext", kBytes, BextBody({}) + "A=PCM")
+                                      .RiffSize(kBytes)
+                                      .Bytes());
+  std::filesystem::resize_file(path, kBytes);
+  EXPECT_LT(BytesFor([&] {
+              AES31BWF file(path.c_str());
+              EXPECT_STREQ(file.GetBext()->codingHistory, "A=PCM");
+            }),
+            kSmall);
 }
 
 TEST_F(BwfMemory, copyOfTheSameDepthIsBounded) {

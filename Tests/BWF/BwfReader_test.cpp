@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "BWF/AES31BWF.h"
+#include "Support/SlotOf.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -418,16 +418,8 @@ TEST_F(BwfReader, instanceIsNotParsedAgainWhenTheFileChanges) {
   EXPECT_TRUE(file.IsValid());
 }
 
-// Under the Itanium ABI a pointer to a virtual member is one more than the byte offset of its slot.
-template <class Member>
-std::ptrdiff_t SlotOf(Member member) {
-  std::ptrdiff_t representation = 0;
-  std::memcpy(&representation, &member, sizeof representation);
-  return (representation - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
 TEST(BwfClass, virtualOperationsStandInTheirOrder) {
-  EXPECT_EQ(SlotOf(&AES31BWF::CloseFile), 2) << "behind the two destructors";
+  EXPECT_EQ(SlotOf(&AES31BWF::CloseFile), 2) << "after the two destructors";
   EXPECT_EQ(SlotOf(&AES31BWF::OpenAtData), 3);
   EXPECT_EQ(SlotOf(&AES31BWF::WriteSample), 4);
   EXPECT_EQ(SlotOf(&AES31BWF::DisableCache), 5);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Spot/RecordingHost.h"
+#include "Support/SlotOf.h"
 #include "Support/TemporaryFolder.h"
 
 namespace velmora {
@@ -136,6 +137,10 @@ constexpr StatusRow kStatusRows[] = {
 
 INSTANTIATE_TEST_SUITE_P(RegionSpotter, StatusRows, testing::ValuesIn(kStatusRows),
                          [](const auto& row) { return std::string(row.param.rule); });
+
+TEST(RegionSpotterClass, spotRegionStandsBeforeTheDestructors) {
+  EXPECT_EQ(test::SlotOf(&RegionSpotter::SpotRegion), 0);
+}
 
 }  // namespace
 }  // namespace velmora
