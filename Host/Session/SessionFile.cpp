@@ -1,0 +1,180 @@
+#include "Session/SessionFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "Session/FileBuffer.h"
+#include "Session/SessionJson.h"
+
+namespace velmora::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kTemporaryNames = 1000;  // more than this many in one folder is not by chance
+constexpr int kMostLinks = 40;         // the system follows no more of them either
+
+/// True for a session as WriteSessionJson begins it, and for an empty file.
+bool HoldsSession(std::FILE* file) {
+  char head[64];
+  const std::size_t size = std::fread(head, 1, sizeof head, file);
+  if (std::ferror(file) != 0) return false;
+  const std::string_view text(head, size);
+  return text.empty() ||
+         (text.starts_with('{') && text.find("\"summary\"") != std::string_view::npos);
+}
+
+/// True for a name of something that this process has open, such as /dev/stdout. It may stand for
+/// a regular file, but a file that took the name's place would not reach it.
+bool NamesDescriptor(fs::path path) {
+  std::error_code error;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(path, error); ++links) {
+    if (fs::equivalent(path.parent_path(), "/dev/fd", error)) return true;
+    path = path.parent_path() / fs::read_symlink(path, error);
+  }
+  return false;
+}
+
+bool IsSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// Creates a file of a free name in the folder of `path`; null if that fails. The name is short,
+/// since that of `path` may be as long as a name can be.
+FileStream CreateBeside(const std::string& path, std::string& name) {
+  const std::string start =
+      fs::path(path).parent_path() / (".velmora-" + std::to_string(::getpid()));
+  for (int number = 1; number <= kTemporaryNames; ++number) {
+    name = start + "-" + std::to_string(number) + ".part";
+    FileStream file = CreateNewFile(name.c_str());
+    if (file != nullptr || errno != EEXIST) return file;
+  }
+  return nullptr;
+}
+
+/// Writes the session and closes the file. 0, or the errno of what went wrong.
+int WriteAll(const Session& session, FileStream file) {
+  errno = 0;
+  FileBuffer buffer(file.get());
+  std::ostream out(&buffer);
+  const bool written = WriteSessionJson(session, out);
+  int error = written ? 0 : errno;
+  if (!written && error == 0) error = EIO;
+  // A network may report a full disk as late as here.
+  if (std::fclose(file.release()) != 0 && error == 0) error = errno;
+  return error;
+}
+
+/// Gives a file a name that must be free, and takes its old one away. 0 or an errno.
+int MoveToFreeName(const std::string& from, const std::string& to) {
+  if (::link(from.c_str(), to.c_str()) == 0) {
+    RemoveFile(from.c_str());
+    return 0;
+  }
+  if (errno == EEXIST) return EEXIST;
+  // Some file systems have no second names: there an empty file holds the name meanwhile.
+  if (CreateNewFile(to.c_str()) == nullptr) return errno;
+  if (::rename(from.c_str(), to.c_str()) == 0) return 0;
+  const int error = errno;
+  RemoveFile(to.c_str());
+  return error;
+}
+
+}  // namespace
+
+ClaimedTarget SessionFile::Claim(const std::string& path) {
+  std::unique_ptr<SessionFile> file(new SessionFile(path));
+  std::string complaint = file->ClaimFile();
+  if (!complaint.empty()) return {nullptr, std::move(complaint)};
+  return {std::move(file), {}};
+}
+
+std::string SessionFile::ClaimFile() {
+  struct stat facts {};
+  const bool isThere = ::stat(path_.c_str(), &facts) == 0;
+  const int cause = isThere ? 0 : errno;
+  struct stat link {};
+  if (!isThere && ::lstat(path_.c_str(), &link) == 0) {
+    return path_ + " is a link that leads to no file (" + std::strerror(cause) +
+           "); it is not written over";
+  }
+  if (!isThere && cause != ENOENT) return Trouble(std::strerror(cause));
+  if (isThere && S_ISDIR(facts.st_mode)) return path_ + " is a folder";
+  if (isThere && (!S_ISREG(facts.st_mode) || NamesDescriptor(path_))) return ClaimInPlace();
+
+  if (isThere) {
+    earlier_ = OpenRegularFile(path_.c_str());
+    if (earlier_ == nullptr) {
+      return path_ + " is there and cannot be read (" + std::strerror(errno) +
+             "); it is not written over";
+    }
+    if (!HoldsSession(earlier_.get()) || ::fstat(::fileno(earlier_.get()), &earlierFacts_) != 0) {
+      return path_ + " is there and is no session; it is not written over";
+    }
+  }
+  const std::string folder = fs::path(path_).parent_path();
+  return ::access(folder.c_str(), W_OK | X_OK) == 0 ? "" : Trouble(std::strerror(errno));
+}
+
+std::string SessionFile::ClaimInPlace() {
+  inPlace_ = true;
+  return ::access(path_.c_str(), W_OK) == 0 ? "" : Trouble(std::strerror(errno));
+}
+
+std::string SessionFile::Write(const Session& session, const SessionRates& /*rates*/) {
+  return inPlace_ ? WriteInPlace(session) : WriteBeside(session);
+}
+
+std::string SessionFile::WriteInPlace(const Session& session) const {
+  // Appended: what has gone to standard output before may be in the same file.
+  const int descriptor = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC);
+  FileStream file(descriptor < 0 ? nullptr : ::fdopen(descriptor, "a"));
+  if (file == nullptr) return Trouble(std::strerror(errno));
+  const int error = WriteAll(session, std::move(file));
+  return error == 0 ? "" : Trouble(std::strerror(error));
+}
+
+std::string SessionFile::WriteBeside(const Session& session) const {
+  std::string written;
+  FileStream file = CreateBeside(path_, written);
+  if (file == nullptr) return Trouble(std::strerror(errno));
+  const int error = WriteAll(session, std::move(file));
+  const std::string complaint = error == 0 ? Publish(written) : Trouble(std::strerror(error));
+  if (!complaint.empty()) RemoveFile(written.c_str());
+  return complaint;
+}
+
+/// Gives the written file its name. A name that was free must still be free, and an earlier session
+/// must still be what it was.
+std::string SessionFile::Publish(const std::string& written) const {
+  if (earlier_ == nullptr || LookUpName(path_.c_str()) == NameState::Free) {
+    const int error = MoveToFreeName(written, path_);
+    if (error == EEXIST) return path_ + " has appeared meanwhile; it is not written over";
+    return error == 0 ? "" : Trouble(std::strerror(error));
+  }
+  // Of several runs that claimed one session, the lock lets one at a time look and replace.
+  const int descriptor = ::fileno(earlier_.get());
+  const bool isBusy = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  if (isBusy || !IsAsClaimed()) return path_ + " has changed meanwhile; it is not written over";
+  ::chmod(written.c_str(), earlierFacts_.st_mode & 0777);
+  return ::rename(written.c_str(), path_.c_str()) == 0 ? "" : Trouble(std::strerror(errno));
+}
+
+bool SessionFile::IsAsClaimed() const {
+  struct stat now {};
+  return ::stat(path_.c_str(), &now) == 0 && IsSameFile(now, earlierFacts_) &&
+         now.st_size == earlierFacts_.st_size && now.st_mtime == earlierFacts_.st_mtime;
+}
+
+std::string SessionFile::Trouble(const std::string& cause) const {
+  return path_ + " cannot be written: " + cause;
+}
+
+}  // namespace velmora::host
