@@ -2,17 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <map>
-#include <system_error>
-#include <vector>
 
-#include "Program/ExitStatus.h"
-#include "Program/SessionFile.h"
-#include "Timecode/RateTables.h"
-#include "Timecode/TimecodeEntry.h"
+#include "Program/Hosts.h"
+#include "Program/OptionForms.h"
+#include "Program/Usage.h"
 
 namespace velmora::program {
 namespace {
@@ -33,34 +28,13 @@ const std::map<std::string, std::int32_t> kPositions = {
 
 /// The project sees absolute paths alone; what is absolute already stays as it was typed.
 std::string AbsolutePath(const std::string& path) {
+  if (path.empty()) return path;  // names nothing, and is complained about as such
   const std::filesystem::path given(path);
   if (given.is_absolute()) return path;
   const std::filesystem::path absolute = std::filesystem::absolute(given);
   // Taking ".." away would change the way through a symbolic link.
   const bool climbs = std::find(given.begin(), given.end(), "..") != given.end();
   return climbs ? absolute.string() : absolute.lexically_normal().string();
-}
-
-/// Puts a typed timecode through the entry field's own limits. Empty if it has another form.
-std::string EnteredTimecode(const std::string& typed, bool isSigned) {
-  std::string text = typed;
-  const bool hasSign = !text.empty() && (text[0] == '+' || text[0] == '-');
-  if (hasSign && !isSigned) return {};
-  if (isSigned && !hasSign) text.insert(0, "+");
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  std::size_t colons = 0;
-  for (std::size_t i = isSigned ? 1 : 0; i < text.size(); ++i) {
-    const bool colon = text[i] == ':';
-    const bool betweenDigits =
-        i > 0 && i + 1 < text.size() && isDigit(text[i - 1]) && isDigit(text[i + 1]);
-    if (colon ? !betweenDigits : !isDigit(text[i])) return {};
-    colons += colon ? 1 : 0;
-  }
-  if (colons != 3) return {};
-  TimecodeValue value;
-  value.sign = isSigned;
-  value.DigestString(text.c_str());
-  return value.ComposeString();
 }
 
 /// Options as they are typed, without the library's notes on types and relations.
@@ -73,53 +47,14 @@ class PlainFormatter : public CLI::Formatter {
   }
 };
 
-CLI::Validator TimecodeForm(bool isSigned) {
-  const std::string form = isSigned ? "[+-]HH:MM:SS:FF" : "HH:MM:SS:FF";
-  return CLI::Validator(
-      [isSigned, form](std::string& text) -> std::string {
-        const std::string entered = EnteredTimecode(text, isSigned);
-        if (entered.empty()) return "'" + text + "' is no timecode of the form " + form;
-        text = entered;
-        return {};
-      },
-      "");
-}
-
-CLI::Validator NumberListForm() {
-  return CLI::Validator(
-      [](std::string& text) -> std::string {
-        if (NumberSet::Parse(text)) return {};
-        return "'" + text + "' is no list of numbers and rising ranges such as 1,3-5";
-      },
-      "");
-}
-
-std::optional<std::int32_t> FrameRateCodeOf(const std::string& text) {
-  for (std::size_t code = 0; code < kFrameRateCodes.size(); ++code) {
-    const bool named = code > 0 && text == kFrameRateCodes[code].name;
-    if (named || text == std::to_string(code)) return static_cast<std::int32_t>(code);
-  }
-  return std::nullopt;
-}
-
-CLI::Validator FrameRateForm() {
-  return CLI::Validator(
-      [](std::string& text) -> std::string {
-        if (FrameRateCodeOf(text)) return {};
-        return "'" + text +
-               "' is no frame rate; take a code from 0 to 7, or 24, 25, 29.97, 29.97df, 30, 30df "
-               "or 23.976";
-      },
-      "");
-}
-
 /// The texts of options that need more than a validator.
 struct RawOptions {
   std::string position = "project";
+  std::string depth = "24";
   std::string skipTracks, onlyTracks, skipEvents, onlyEvents;
   std::string frameRate;
   double sessionRate = 0;
-  std::string host = "embedded";
+  std::string host = Hosts().front()->name;
   std::string copyFolder;
 };
 
@@ -135,8 +70,6 @@ void AddBoxOptions(CLI::App& spot, RawOptions& raw) {
   for (CLI::Option* const option : {skipTracks, onlyTracks, skipEvents, onlyEvents}) {
     option->type_name("LIST")->check(NumberListForm());
   }
-  skipTracks->excludes(onlyTracks);
-  skipEvents->excludes(onlyEvents);
 }
 
 void AddPlaceOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
@@ -144,7 +77,7 @@ void AddPlaceOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
                   "Where the project lands: where it has it,\nmoved by --offset, with its first "
                   "cut at --start,\nor with its first cut at 0")
       ->type_name("project|offset|start|first")
-      ->check(CLI::IsMember({"project", "offset", "start", "first"}).description(""))
+      ->check(OneOf({"project", "offset", "start", "first"}))
       ->capture_default_str();
   spot.add_option("--offset", arguments.offset, "For --position offset; without a sign it is +")
       ->type_name("[+-]HH:MM:SS:FF")
@@ -156,9 +89,9 @@ void AddPlaceOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
 }
 
 void AddAudioOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
-  spot.add_option("--depth", arguments.bitDepth, "Bits per sample of the audio that is placed")
+  spot.add_option("--depth", raw.depth, "Bits per sample of the audio that is placed")
       ->type_name("16|24")
-      ->check(CLI::IsMember({16, 24}).description(""))
+      ->check(OneOf({"16", "24"}))
       ->capture_default_str();
   spot.add_flag("--fades", arguments.fades, "Make fade and crossfade pieces");
   spot.add_flag("--gain", arguments.gain, "Make files with the project's gains in them");
@@ -167,15 +100,13 @@ void AddAudioOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
       ->type_name("DIR");
 }
 
-CLI::Validator SampleRateForm() {
-  return CLI::Validator(
-      [](std::string& text) -> std::string {
-        double rate = 0;
-        const bool good = CLI::detail::lexical_cast(text, rate) && std::isfinite(rate) &&
-                          rate > 0 && std::isfinite(static_cast<float>(rate));
-        return good ? "" : "'" + text + "' is no sample rate in Hz";
-      },
-      "");
+/// What --host does, from the table of hosts.
+std::string HostHelp() {
+  std::string help = "Where the regions go:";
+  for (const host::HostKind* const kind : Hosts()) {
+    help += "\n" + host::HostForm(*kind) + "\n" + kind->help;
+  }
+  return help;
 }
 
 void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
@@ -191,36 +122,23 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
                   "30df, 23.976;\notherwise that of the project's first cut")
       ->type_name("CODE")
       ->check(FrameRateForm());
-  spot.add_option("--host", raw.host,
-                  "Where the regions go; embedded:FILE.json also\nwrites the session there")
+  spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
   spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines");
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
 
-/// Makes a folder and those above it, all or none. An empty answer, or what is wrong.
-std::string MakeFolder(const std::string& path) {
-  namespace fs = std::filesystem;
-  std::vector<fs::path> made;
-  std::error_code error;
-  fs::path folder;
-  for (const fs::path& part : fs::path(path)) {
-    folder /= part;
-    if (!error && fs::create_directory(folder, error)) made.push_back(folder);
-  }
-  std::error_code ignored;
-  if (error == std::errc::file_exists || (!error && !fs::is_directory(path, ignored))) {
-    error = std::make_error_code(std::errc::not_a_directory);
-  }
-  if (!error) return {};
-  for (auto last = made.rbegin(); last != made.rend(); ++last) fs::remove(*last, ignored);
-  return "--copy-to: " + path + " cannot be made: " + error.message();
-}
-
 /// Takes over what the validators have let through; an empty answer, or what is wrong.
 std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::App& spot) {
   arguments.positionMode = kPositions.at(raw.position);
+  arguments.bitDepth = raw.depth == "16" ? 16 : 24;
+  if (!raw.skipTracks.empty() && !raw.onlyTracks.empty()) {
+    return "--skip-tracks and --only-tracks exclude each other";
+  }
+  if (!raw.skipEvents.empty() && !raw.onlyEvents.empty()) {
+    return "--skip-events and --only-events exclude each other";
+  }
   const auto numbers = [](const std::string& text) {
     return text.empty() ? std::nullopt : NumberSet::Parse(text);
   };
@@ -231,27 +149,15 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   }
   if (!raw.frameRate.empty()) arguments.sessionFrameRate = FrameRateCodeOf(raw.frameRate);
 
-  const std::size_t colon = raw.host.find(':');
-  const std::string target = colon == std::string::npos ? "" : raw.host.substr(colon + 1);
-  if (raw.host.substr(0, colon) != "embedded") {
-    return "--host: there is no host '" + raw.host.substr(0, colon) + "'; hosts: embedded";
-  }
-  if (colon != std::string::npos) {
-    if (target.empty()) return "--host: embedded: needs the name of a file behind its colon";
-    arguments.sessionFile = AbsolutePath(target);
-    const std::string complaint = SessionFileComplaint(arguments.sessionFile);
-    if (!complaint.empty()) return "--host: " + complaint;
-  }
+  const std::string complaint = host::ParseHost(Hosts(), raw.host, arguments.host);
+  if (!complaint.empty()) return "--host: " + complaint;
+  arguments.host.target = AbsolutePath(arguments.host.target);
 
-  if (spot.count("--copy-to") == 0) return {};
-  if (raw.copyFolder.empty()) return "--copy-to: the name of the folder is empty";
+  if (spot.count("--copy-to") > 0 && raw.copyFolder.empty()) {
+    return "--copy-to: the name of the folder is empty";
+  }
   arguments.copyFolder = AbsolutePath(raw.copyFolder);
-  return MakeFolder(arguments.copyFolder);
-}
-
-int Complain(const std::string& what, const char* command) {
-  std::fprintf(stderr, "velmora: %s\nTry 'velmora %s--help'.\n", what.c_str(), command);
-  return kBadUsage;
+  return {};
 }
 
 }  // namespace
@@ -280,8 +186,7 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   } catch (const CLI::Success& request) {  // help or version was asked for
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    const char* const command = spot->parsed() ? "spot " : info->parsed() ? "info " : "";
-    return Complain(error.what(), command);
+    return BadUsage(app, argc > 1 ? argv[1] : "", error);
   }
   if (info->parsed()) {
     infoArguments.project = AbsolutePath(infoArguments.project);
@@ -289,7 +194,7 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   }
   spotArguments.project = AbsolutePath(spotArguments.project);
   const std::string complaint = Finish(spotArguments, raw, *spot);
-  if (!complaint.empty()) return Complain(complaint, "spot ");
+  if (!complaint.empty()) return BadUsage(complaint, "spot");
   return spotArguments;
 }
 

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "Program/BoxChoice.h"
+#include "Session/HostKind.h"
 
 namespace velmora::program {
 
@@ -22,12 +23,12 @@ struct SpotArguments {
   std::int32_t bitDepth = 24;
   bool fades = false;
   bool gain = false;
-  std::string copyFolder;                        ///< absolute path, existing; empty for none
+  std::string copyFolder;                        ///< absolute path; empty for none
   BoxChoice tracks;                              ///< by track number
   BoxChoice events;                              ///< by event index
   std::optional<float> sessionRate;              ///< Hz
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
-  std::string sessionFile;  ///< where the embedded host's session goes; empty for nowhere
+  host::HostChoice host;                         ///< its target, if any, as an absolute path
   bool json = false;
   bool quiet = false;
 };
@@ -35,7 +36,7 @@ struct SpotArguments {
 /// An exit status: there is nothing to do, help was shown or a complaint made.
 using Command = std::variant<int, InfoArguments, SpotArguments>;
 
-/// Reads the command line and shows help or says what is wrong with it.
-Command ReadCommandLine(int argc, const char* const* argv);
+/// Reads the command line and shows help or says what is wrong with it. Touches no file.
+[[nodiscard]] Command ReadCommandLine(int argc, const char* const* argv);
 
 }  // namespace velmora::program

@@ -6,15 +6,15 @@
 #include <memory>
 
 #include "Base/SystemLog.h"
-#include "Embedded/EmbeddedHost.h"
 #include "Model/Tables.h"
+#include "Program/CopyFolder.h"
 #include "Program/ExitStatus.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
-#include "Program/SessionFile.h"
 #include "Program/SpotNotes.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
+#include "Program/Usage.h"
 #include "Spot/SpotChoices.h"
 #include "Spot/SpotRequest.h"
 
@@ -82,25 +82,35 @@ void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
   report.End(!finished);
 }
 
-}  // namespace
+/// Tells what the run left behind, and writes the session where it was asked to go.
+/// True if nothing of a ticked cut is missing.
+bool Finish(const host::Session& session, const host::SessionRates& rates, const LeftOut& leftOut,
+            host::SessionTarget* target) {
+  for (const std::string& line : leftOut.Lines()) {
+    std::cerr << "velmora: left out: " << line << '\n';
+  }
+  bool whole = leftOut.Lines().empty();
+  if (target != nullptr) {
+    const std::string complaint = target->Write(session, rates);
+    if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
+    whole = whole && complaint.empty();
+  }
+  if (!std::cout) {
+    std::cerr << "velmora: standard output takes no more\n";
+    whole = false;
+  }
+  return whole;
+}
 
-int RunSpotCommand(const SpotArguments& arguments) {
-  ViewModel model;
-  if (!model.LoadFile(arguments.project)) {
-    ComplainAboutLoad(arguments.project, model);
-    return kDoesNotLoad;
-  }
-  if (!model.HasCuts()) {
-    std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
-    return kLeftOut;
-  }
+/// Spots a loaded project. Returns the exit status.
+int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTarget* target) {
   SetBoxes(model, arguments);
   const host::SessionRates rates = RatesFor(arguments, model);
   const SpotOptions options = OptionsFor(arguments, model, rates);
 
   host::Session session;
-  host::EmbeddedHost embedded(session);
-  MessageTap tap(embedded);
+  const std::unique_ptr<host::SessionHost> host = arguments.host.kind->connect(session);
+  MessageTap tap(*host);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
   const host::SessionClock clock(rates);
@@ -111,23 +121,37 @@ int RunSpotCommand(const SpotArguments& arguments) {
   } else {
     report = std::make_unique<TextSpotReport>(leftOut, model, session, clock, showsBar, std::cout);
   }
-  Spot(model, rates, options, arguments.json ? static_cast<RegionHost&>(tap) : embedded, *report);
+  RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
+  Spot(model, rates, options, receiver, *report);
 
-  PrintRemarks(session, embedded);
-  for (const std::string& line : leftOut.Lines())
-    std::cerr << "velmora: left out: " << line << '\n';
-  bool whole = leftOut.Lines().empty();
-  if (!arguments.sessionFile.empty()) {
-    const std::string complaint = WriteSessionFile(session, arguments.sessionFile);
-    if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
-    whole = whole && complaint.empty();
-  }
-  if (!std::cout) {
-    std::cerr << "velmora: standard output takes no more\n";
-    whole = false;
-  }
+  PrintRemarks(session, *host);
+  const bool whole = Finish(session, rates, leftOut, target);
   if (report->Totals().aborted) return kInterrupted;
   return whole ? kAllDone : kLeftOut;
+}
+
+}  // namespace
+
+int RunSpotCommand(const SpotArguments& arguments) {
+  host::ClaimedTarget claimed;
+  if (!arguments.host.target.empty()) {
+    claimed = arguments.host.kind->claim(arguments.host.target);
+    if (!claimed.complaint.empty()) return BadUsage("--host: " + claimed.complaint, "spot");
+  }
+  if (!arguments.copyFolder.empty()) {
+    const std::string complaint = MakeFolder(arguments.copyFolder);
+    if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
+  }
+  ViewModel model;
+  if (!model.LoadFile(arguments.project)) {
+    ComplainAboutLoad(arguments.project, model);
+    return kDoesNotLoad;
+  }
+  if (!model.HasCuts()) {
+    std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
+    return kLeftOut;
+  }
+  return SpotModel(arguments, model, claimed.target.get());
 }
 
 }  // namespace velmora::program

@@ -8,6 +8,7 @@
 
 #include "Base/FileNames.h"
 #include "Base/Text.h"
+#include "Program/Hosts.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
@@ -118,8 +119,9 @@ void TextSpotReport::PrintRegions() const {
   out_ << "Regions\n";
   table.Print(out_, ShowsColours(1));
   if (regions.size() > kListedRegions) {
-    out_ << "  ... and " << regions.size() - kListedRegions
-         << " more; --json or --host embedded:FILE.json tells all\n";
+    const host::HostKind* const teller = Hosts().front();
+    out_ << "  ... and " << regions.size() - kListedRegions << " more; --json or --host "
+         << teller->name << ':' << teller->targetForm << " tells all\n";
   }
   out_ << '\n';
 }

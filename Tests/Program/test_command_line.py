@@ -87,6 +87,9 @@ class BadUsage(ProgramTest):
     def test_badHostMakesNoCopyFolder(self):
         self.refuse("--copy-to", self.folder / "new", "--host", "tape", words=["--host"])
 
+    def test_badTargetOfAHostMakesNoCopyFolder(self):
+        self.refuse("--copy-to", self.folder / "new", "--host", f"embedded:{self.folder}", words=["--host"])
+
     def test_badNumberMakesNoCopyFolder(self):
         self.refuse("--copy-to", self.folder / "new", "--depth", "20", words=["--depth"])
 
@@ -106,6 +109,61 @@ class BadUsage(ProgramTest):
         content = self.project.read_bytes()
         self.refuse("--host", f"embedded:{self.project}", words=[str(self.project)])
         self.assertEqual(self.project.read_bytes(), content)
+
+
+class WhatIsWrong(ProgramTest):
+    """Every complaint names what is wrong in words of its own, not in the parser's."""
+
+    def test_complaints(self):
+        rows = [
+            ([], "a command is missing; commands: info, spot"),
+            (["frob"], "there is no command 'frob'; commands: info, spot"),
+            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot"),
+            (["Info", "p"], "there is no command 'Info'; commands: info, spot"),
+            (["--frob"], "there is no option '--frob'"),
+            (["-x", "info", "p"], "there is no option '-x'"),
+            (["--json", "info", "p"], "there is no option '--json'"),
+            (["info"], "the project is missing: name an ADL file"),
+            (["spot", "--fades"], "the project is missing: name an ADL file"),
+            (["info", "--frob", "p"], "there is no option '--frob'"),
+            (["info", "p", "--depth", "16"], "there is no option '--depth'"),
+            (["spot", "p", "--depht", "16"], "there is no option '--depht'"),
+            (["spot", "--depht", "16"], "there is no option '--depht'"),
+            (["spot", "p", "--depht=16"], "there is no option '--depht'"),
+            (["spot", "p", "q", "r"], "'q' is one word too many"),
+            (["spot", "p", "--", "q"], "'q' is one word too many"),
+            (["info", "p", "spot", "q"], "'spot' is one word too many"),
+            (["spot", "p", "--depth"], "--depth: a value must follow: 16|24"),
+            (["spot", "p", "--session-rate"], "--session-rate: a value must follow: HZ"),
+            (["spot", "p", "--depth", "x"], "--depth: 'x' is none of: 16, 24"),
+            (["spot", "p", "--position", "end"], "--position: 'end' is none of: project, offset, start, first"),
+            (["spot", "p", "--depth", "16", "--depth", "24"], "--depth: given more than once"),
+            (["spot", "p", "--json=frob"], "--json: takes no value"),
+            (["spot", "p", "--offset", "1"], "--offset: '1' is no timecode of the form [+-]HH:MM:SS:FF"),
+            (["spot", "p", "--skip-tracks", "1", "--only-tracks", "2"],
+             "--skip-tracks and --only-tracks exclude each other"),
+            (["spot", "p", "--skip-events", "1", "--only-events", "2"],
+             "--skip-events and --only-events exclude each other"),
+            (["spot", "p", "--host", "tape"], "--host: there is no host 'tape'; hosts: embedded"),
+            (["spot", "p", "--host", "embedded:"],
+             "--host: no target stands after embedded; write embedded:FILE.json"),
+            (["spot", "p", "--host", "embedded:/"], "--host: / is a folder"),
+        ]
+        for arguments, complaint in rows:
+            with self.subTest(" ".join(arguments)):
+                result = run(*arguments, cwd=self.folder)
+                self.assert_bad_usage(result)
+                self.assertEqual(result.err.split("\n")[0], f"velmora: {complaint}")
+
+    def test_theHelpPointedToIsThatOfTheCommand(self):
+        for arguments, help_ in [(["frob"], "velmora --help"), (["info"], "velmora info --help"),
+                                 (["spot", "p", "--frob"], "velmora spot --help")]:
+            with self.subTest(help_):
+                self.assertIn(f"Try '{help_}'.", run(*arguments).err)
+
+    def test_emptyProjectNameIsTold(self):
+        self.assertEqual(run("info", "").err,
+                         "velmora: File NG. : the file cannot be opened: No such file or directory\n")
 
 
 class Commands(ProgramTest):
@@ -166,6 +224,9 @@ class Help(ProgramTest):
         text = self.help("spot")
         for default in ("project", "24", "embedded"):
             self.assertIn(default, text)
+
+    def test_spotHelpTellsEachHostWithItsTarget(self):
+        self.assertRegex(self.help("spot"), r"(?m)^ +embedded\[:FILE\.json\]$")
 
     def test_examplesOfTheHelpAreGoodUsage(self):
         """Each line of the examples runs as it stands, on a project of that name."""

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "Session/HostKind.h"
+
+namespace velmora::host {
+
+/// The row of the embedded host. Its target is a file that takes the session as JSON.
+extern const HostKind kEmbeddedKind;
+
+}  // namespace velmora::host
