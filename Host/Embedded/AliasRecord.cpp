@@ -248,7 +248,7 @@ const char* AliasStatusText(AliasStatus status) {
     case AliasStatus::NoEnd:
       return "without an end";
     case AliasStatus::TrailingBytes:
-      return "something stands behind its end";
+      return "something stands after its end";
     case AliasStatus::NoPath:
       return "without a POSIX path";
     case AliasStatus::BadPath:

@@ -9,7 +9,7 @@
 namespace velmora::host {
 
 /// What a Mac OS alias record of version 2 tells about a file. The record itself is a fixed part of
-/// 150 bytes and tagged items behind it, all numbers big-endian:
+/// 150 bytes and tagged items after it, all numbers big-endian:
 ///
 ///     0 user type 4 | 4 record size 2 | 6 version 2 | 8 kind 2 | 10 volume name 28 |
 ///     38 volume date 4 | 42 file system 2 | 44 disk type 2 | 46 folder id 4 | 50 file name 64 |
@@ -37,7 +37,7 @@ enum class AliasStatus {
   BadName,        ///< a name longer than its field
   BadItem,        ///< an item whose data does not fit its tag, or that comes twice
   NoEnd,          ///< no item with tag -1
-  TrailingBytes,  ///< something behind the item with tag -1
+  TrailingBytes,  ///< something after the item with tag -1
   NoPath,         ///< no POSIX path
   BadPath,        ///< not absolute, empty, with a NUL byte
   PathTooLong,    ///< over kAliasPathLimit

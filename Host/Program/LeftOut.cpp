@@ -1,20 +1,17 @@
 #include "Program/LeftOut.h"
 
-#include "ADL/ShiftJis.h"
 #include "BWF/AES31BWF.h"
+#include "Model/ProjectSummary.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
 namespace {
 
-std::string LocationOf(const ViewModel& model, const AES31Event& event) {
-  const auto& sources = model.project->sourceFiles;
-  const auto source = sources.find(event.cut.sourceIndex);
-  const std::string number = std::to_string(event.cut.sourceIndex);
-  if (source == sources.end()) return "source " + number + " is not in the source index";
-  const char* const location = source->second.fValues[0];
-  return "the file of source " + number + " was not found: " +
-         (location != nullptr ? ShiftJisToUtf8(location) : "it has no location");
+std::string MissingText(const MissingSource& source) {
+  const std::string number = std::to_string(source.index);
+  if (!source.isInIndex) return "source " + number + " is not in the source index";
+  return "the file of source " + number +
+         " was not found: " + (source.location.empty() ? "it has no location" : source.location);
 }
 
 const char* PieceName(RegionPiece piece) {
@@ -75,8 +72,9 @@ void LeftOut::NotPcm(std::int32_t event) {
 }
 
 void LeftOut::Cut(std::int32_t event, const std::string& path) {
-  Add(event, path.empty() ? LocationOf(model_, *model_.project->GetEvent(event))
-                          : "the file is no valid wave file: " + path);
+  if (!path.empty()) return Add(event, "the file is no valid wave file: " + path);
+  AES31Project& project = *model_.project;
+  Add(event, MissingText(MissingSourceAt(project, project.GetEvent(event)->cut.sourceIndex)));
 }
 
 void LeftOut::File(FilePass pass, std::int32_t event, const std::string& path,

@@ -2,6 +2,7 @@
 
 #include "BWF/AES31BWF.h"
 #include "Base/Wrapping.h"
+#include "Model/ProjectSummary.h"
 #include "Session/SessionClock.h"
 #include "Spot/SpotWorker.h"
 #include "Timecode/AdlTime.h"
@@ -9,16 +10,10 @@
 namespace velmora::program {
 namespace {
 
-/// The earliest of the cuts that the spot places, null if all are left out.
-const AES31Event* EarliestLiveCut(const ViewModel& model) {
-  const AES31Event* earliest = nullptr;
-  for (const AES31Event& event : model.project->events) {
-    if (!IsLive(event) || event.sourceFile == nullptr) continue;
-    if (earliest == nullptr || AdlDifference(earliest->cut.destIn, event.cut.destIn) < 0) {
-      earliest = &event;
-    }
-  }
-  return earliest;
+using Relation = RateComparison::Relation;
+
+bool IsPlaced(const AES31Event& cut) {
+  return IsLive(cut) && cut.sourceFile != nullptr;
 }
 
 std::string MoveText(std::int64_t samples, const SpotOptions& options) {
@@ -33,20 +28,20 @@ std::string MoveText(std::int64_t samples, const SpotOptions& options) {
 std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
                                    const SpotOptions& options) {
   std::vector<std::string> notes;
-  const double projectRate = AdlSampleRate(model.firstEvent);
-  const double sessionRate = session.sampleRate;
-  if (projectRate != sessionRate && static_cast<float>(projectRate) == session.sampleRate) {
+  const RateComparison rates =
+      CompareRates(model.firstEvent, session.sampleRate, session.frameRate);
+  if (rates.relation == Relation::AsCloseAsAHostTells) {
     notes.push_back("The session's rate is the project's, as closely as a host tells it.");
-  } else if (projectRate != sessionRate) {
-    notes.push_back("The project is at " +
-                    (projectRate > 0 ? host::SampleRateName(projectRate) : "no known sample rate") +
-                    ", the session at " + host::SampleRateName(sessionRate) + ".");
+  } else if (rates.relation != Relation::Same) {
+    notes.push_back(
+        "The project is at " +
+        (rates.projectRate > 0 ? host::SampleRateName(rates.projectRate) : "no known sample rate") +
+        ", the session at " + host::SampleRateName(rates.sessionRate) + ".");
   }
-  const std::int64_t moved = Compensation(options, model.firstEvent);
-  if (moved != 0) notes.push_back(MoveText(moved, options));
-  const AES31Event* const first = EarliestLiveCut(model);
+  if (rates.movedSamples != 0) notes.push_back(MoveText(rates.movedSamples, options));
+  const AES31Cut* const first = SpanOfCuts(*model.project, IsPlaced).earliest;
   if (!notes.empty() && first != nullptr) {
-    const std::int64_t position = WrapAdd(AdlToSamples(first->cut.destIn), options.timelineOffset);
+    const std::int64_t position = WrapAdd(AdlToSamples(first->destIn), options.timelineOffset);
     const host::SessionClock clock(session);
     notes.push_back("The first region lands at sample " + std::to_string(position) + ", " +
                     clock.Timecode(position) + ".");

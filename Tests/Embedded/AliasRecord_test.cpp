@@ -136,7 +136,7 @@ TEST(AliasRecord, passesOverUnknownItemsOfAnyLength) {
 }
 
 TEST(AliasRecord, oddItemsArePadded) {
-  // "snd" is odd: without its pad byte everything behind it would be misread.
+  // "snd" is odd: without its pad byte everything after it would be misread.
   const Bytes folder{0, 0, 0, 3, 's', 'n', 'd', 0};
   EXPECT_EQ(Item(0, Text("snd")), folder);
   EXPECT_EQ(PathOf(folder + Item(18, Text("x"))), "/x");
@@ -146,7 +146,7 @@ TEST(AliasRecord, everyTruncationIsRefused) {
   for (const Bytes& whole : {GoodRecord(), Encoded("/snd/Drum 1.wav")}) {
     ASSERT_EQ(Decode(whole), AliasStatus::Ok);
     for (std::size_t size = 0; size < whole.size(); ++size) {
-      // A buffer of exactly this size, so that a sanitizer sees every read behind it.
+      // A buffer of exactly this size, so that a sanitizer sees every read past it.
       Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
       EXPECT_EQ(Decode(cut), size < 150 ? AliasStatus::Truncated : AliasStatus::WrongSize) << size;
       if (size < 150) continue;

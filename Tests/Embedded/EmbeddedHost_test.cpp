@@ -381,7 +381,7 @@ TEST_F(EmbeddedHostTest, namesComeByTheirLengthByte) {
   };
   Bytes data(256, 'x');
   data[0] = 5;
-  EXPECT_EQ(nameOf(data), "xxxxx") << "what stands behind the name is not looked at";
+  EXPECT_EQ(nameOf(data), "xxxxx") << "what stands after the name is not looked at";
   data[0] = 255;
   EXPECT_EQ(nameOf(data), std::string(255, 'x'));
   data[0] = 44;  // as a name of 300 bytes comes, its length wrapped

@@ -172,7 +172,7 @@ class Messages(SpotJsonTest):
 
 
 class Refusals(SpotJsonTest):
-    """The embedded host refuses a region that no session can hold; the run goes on behind it."""
+    """The embedded host refuses a region that no session can hold; the run goes on after it."""
 
     def setUp(self):
         super().setUp()

@@ -91,7 +91,7 @@ class Run:
         self.errors = done.stderr
 
     def demand_reader_lines(self, said):
-        """The reader speaks first; behind it the program speaks under its own name."""
+        """The reader speaks first; after it the program speaks under its own name."""
         expected = b''.join(line + b'\n' for line in said)
         if not self.errors.startswith(expected):
             raise Mismatch('standard error: expected %s, got %s' % (brief(expected), brief(self.errors)))

@@ -273,7 +273,7 @@ class ProjectMaker(AdlText):
         return lines
 
     def _add(self, text, samples):
-        """A timestamp that many samples behind another, with the same marks."""
+        """A timestamp that many samples after another, with the same marks."""
         try:
             mark, separator, rate_mark = chr(text[2]), chr(text[8]), chr(text[11])
             return stamp(max(0, timecode.to_samples(text) + samples), mark, separator, rate_mark)

@@ -6,7 +6,7 @@ _NAME_LIMIT = 255
 
 
 def base_name(path):
-    """What a region is called: from behind the last slash up to the first point."""
+    """What a region is called: from after the last slash up to the first point."""
     return path.rsplit(b'/', 1)[-1].split(b'.', 1)[0]
 
 

@@ -170,7 +170,7 @@ class Scanner:
         return self.end
 
     def _take_counted(self, entry, at):
-        """A label with a count behind it. The bracket that ends it may stand before the label itself."""
+        """A label with a count after it. The bracket that ends it may stand before the label itself."""
         bracket = self.block.rfind(b')', 0, at - 1)
         if bracket < 0:
             return None

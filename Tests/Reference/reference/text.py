@@ -34,7 +34,7 @@ def _pair(lead, trail):
 
 
 def shift_jis_text(data):
-    """The bytes as text. A byte that fits nowhere is U+FFFD, and the one behind it is looked at afresh."""
+    """The bytes as text. A byte that fits nowhere is U+FFFD, and the one after it is looked at afresh."""
     out = []
     at = 0
     while at < len(data):

@@ -1,4 +1,4 @@
-"""ADL timestamps, typed timecode and the sample counts behind them."""
+"""ADL timestamps, typed timecode and the sample counts that they mean."""
 
 import math
 import re
