@@ -31,8 +31,10 @@ class StrangerTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-stranger-"))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        # Python removes it in any case, also when the test is interrupted, which runs no clean-up.
+        temporary = tempfile.TemporaryDirectory(prefix="velmora-stranger-", ignore_cleanup_errors=True)
+        self.addCleanup(temporary.cleanup)
+        self.folder = pathlib.Path(temporary.name)
 
     def succeed(self, *command, **options):
         """Runs a command that has to end with 0, and gives its standard output."""

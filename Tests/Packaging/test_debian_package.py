@@ -39,11 +39,27 @@ def is_installed():
     return run("dpkg-query", "-W", "-f", "${db:Status-Status}", PACKAGE).stdout not in ("", "not-installed")
 
 
+@contextlib.contextmanager
+def uninterrupted():
+    """What is interrupted in here is so at its end: a dpkg that is stopped leaves other packages half configured."""
+    asked = []
+    usual = {number: signal.signal(number, lambda *_: asked.append(True)) for number in (signal.SIGINT, signal.SIGTERM)}
+    try:
+        yield
+    finally:
+        for number, handler in usual.items():
+            signal.signal(number, handler)
+    if asked:
+        raise KeyboardInterrupt
+
+
 def dpkg(*words):
     """dpkg does not wait for others that hold its lock, so this does."""
     end = time.monotonic() + PATIENCE_SECONDS
     while True:
-        result = run("dpkg", *words, env={**os.environ, "DEBIAN_FRONTEND": "noninteractive"})
+        with uninterrupted():
+            # A session of its own: Ctrl-C in the terminal does not reach it either.
+            result = run("dpkg", *words, start_new_session=True, env={**os.environ, "DEBIAN_FRONTEND": "noninteractive"})
         if result.returncode == 0 or "lock" not in result.stderr or time.monotonic() > end:
             return result
         time.sleep(1)
@@ -74,14 +90,6 @@ def only_one_at_a_time():
 @unittest.skipUnless(shutil.which("dpkg-deb"), "no Debian system")
 class DebianPackage(StrangerTest):
 
-    def setUp(self):
-        super().setUp()
-        # An end from outside is an end like any other: what was installed is removed.
-        signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
-        turn = contextlib.ExitStack()
-        turn.enter_context(only_one_at_a_time())
-        self.addCleanup(turn.close)
-
     def make(self):
         """Packs what is built, away from the build folder."""
         out = self.folder / "out"
@@ -100,11 +108,11 @@ class DebianPackage(StrangerTest):
             paths.append(path.removeprefix("./"))
         return paths
 
-    def bring(self, package):
+    def bring(self, package, end):
         """Installs or unpacks it; gives the path of the file system's root, which takes a slash after it."""
         if os.geteuid() == 0 and not is_installed():
             print("The package is installed by dpkg.", flush=True)
-            self.addCleanup(lambda: is_installed() and dpkg("--purge", PACKAGE))
+            end.callback(lambda: is_installed() and dpkg("--purge", PACKAGE))
             # Some machines are set up to leave man pages and documents out.
             result = dpkg("--path-include=/usr/*", "--install", package)
             self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
@@ -119,6 +127,13 @@ class DebianPackage(StrangerTest):
         return str(root)
 
     def test_isInstalledUsedAndRemoved(self):
+        # SIGTERM ends the test as Ctrl-C does: what is installed then is removed first.
+        signal.signal(signal.SIGTERM, signal.default_int_handler)
+        with contextlib.ExitStack() as end:
+            end.enter_context(only_one_at_a_time())
+            self.install_use_and_remove(end)
+
+    def install_use_and_remove(self, end):
         package = self.make()
         contents = self.contents(package)
         with self.subTest("contents"):
@@ -127,7 +142,7 @@ class DebianPackage(StrangerTest):
             self.check_lintian(package)
         paths_before = {path: os.path.lexists("/" + path) for path in contents}
         names_before = names_on_this_machine()
-        self.root = self.bring(package)
+        self.root = self.bring(package, end)
         self.environment = {
             "PATH": f"{self.root}/usr/bin:/usr/bin:/bin", "HOME": str(self.folder), "LC_ALL": "C.UTF-8",
             "XDG_DATA_DIRS": f"{self.root}/usr/share:/usr/share"}
