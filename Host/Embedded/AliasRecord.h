@@ -43,10 +43,10 @@ enum class AliasStatus {
   PathTooLong,    ///< over kAliasPathLimit
 };
 
-constexpr std::size_t kAliasPathLimit = 4096;  ///< bytes
+inline constexpr std::size_t kAliasPathLimit = 4096;  ///< bytes
 
 /// A status in words, for a log or a test.
-const char* AliasStatusText(AliasStatus status);
+[[nodiscard]] const char* AliasStatusText(AliasStatus status);
 
 /// Makes a record of `alias.path` on the volume that is mounted at "/"; the names may be empty,
 /// then they are taken from the path. Names that are too long for the fixed part are cut there and
@@ -59,6 +59,6 @@ const char* AliasStatusText(AliasStatus status);
 [[nodiscard]] AliasStatus DecodeAlias(const std::vector<std::uint8_t>& bytes, AliasRecord& alias);
 
 /// Seconds since 1904 from seconds since 1970, at the nearest end of the 32 bits if outside them.
-std::uint32_t MacTime(std::int64_t unixSeconds);
+[[nodiscard]] std::uint32_t MacTime(std::int64_t unixSeconds);
 
 }  // namespace velmora::host

@@ -12,8 +12,8 @@ namespace velmora::program {
 class NumberSet {
  public:
   /// None if the text has another form or a range runs down.
-  static std::optional<NumberSet> Parse(const std::string& text);
-  bool Contains(std::int32_t number) const;
+  [[nodiscard]] static std::optional<NumberSet> Parse(const std::string& text);
+  [[nodiscard]] bool Contains(std::int32_t number) const;
 
  private:
   std::vector<std::pair<std::int64_t, std::int64_t>> ranges_;  ///< both ends included
@@ -24,8 +24,8 @@ struct BoxChoice {
   std::optional<NumberSet> skip;
   std::optional<NumberSet> only;
 
-  bool Chooses() const { return skip.has_value() || only.has_value(); }
-  bool Ticks(std::int32_t number) const {
+  [[nodiscard]] bool Chooses() const { return skip.has_value() || only.has_value(); }
+  [[nodiscard]] bool Ticks(std::int32_t number) const {
     if (only) return only->Contains(number);
     return !skip || !skip->Contains(number);
   }

@@ -3,11 +3,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
-#include <map>
+#include <utility>
+#include <vector>
 
 #include "Program/Hosts.h"
 #include "Program/OptionForms.h"
 #include "Program/Usage.h"
+#include "Spot/SpotOptions.h"
 
 namespace velmora::program {
 namespace {
@@ -23,8 +25,24 @@ constexpr const char* kExamples = R"(Examples:
 Exit status: 0 all done; 1 bad usage; 2 the project does not load; 3 spotted, but
 something of a ticked cut was left out; 130 interrupted (Ctrl-C stops between events).)";
 
-const std::map<std::string, std::int32_t> kPositions = {
-    {"project", 0}, {"offset", 1}, {"start", 2}, {"first", 3}};
+/// Words of --position, in the order of help.
+constexpr std::pair<const char*, PositionMode> kPositions[] = {{"project", PositionAsProject},
+                                                               {"offset", PositionWithOffset},
+                                                               {"start", PositionAtStart},
+                                                               {"first", PositionFromFirst}};
+
+std::vector<std::string> PositionWords() {
+  std::vector<std::string> words;
+  for (const auto& [word, mode] : kPositions) words.emplace_back(word);
+  return words;
+}
+
+PositionMode PositionOf(const std::string& text) {
+  for (const auto& [word, mode] : kPositions) {
+    if (text == word) return mode;
+  }
+  return PositionAsProject;
+}
 
 /// The project sees absolute paths alone; what is absolute already stays as it was typed.
 std::string AbsolutePath(const std::string& path) {
@@ -49,7 +67,7 @@ class PlainFormatter : public CLI::Formatter {
 
 /// The texts of options that need more than a validator.
 struct RawOptions {
-  std::string position = "project";
+  std::string position = kPositions[0].first;
   std::string depth = "24";
   std::string skipTracks, onlyTracks, skipEvents, onlyEvents;
   std::string frameRate;
@@ -76,8 +94,8 @@ void AddPlaceOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
   spot.add_option("--position", raw.position,
                   "Where the project lands: where it has it,\nmoved by --offset, with its first "
                   "cut at --start,\nor with its first cut at 0")
-      ->type_name("project|offset|start|first")
-      ->check(OneOf({"project", "offset", "start", "first"}))
+      ->type_name(CLI::detail::join(PositionWords(), "|"))
+      ->check(OneOf(PositionWords()))
       ->capture_default_str();
   spot.add_option("--offset", arguments.offset, "For --position offset; without a sign it is +")
       ->type_name("[+-]HH:MM:SS:FF")
@@ -131,7 +149,7 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
 
 /// Takes over what the validators have let through; an empty answer, or what is wrong.
 std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::App& spot) {
-  arguments.positionMode = kPositions.at(raw.position);
+  arguments.positionMode = PositionOf(raw.position);
   arguments.bitDepth = raw.depth == "16" ? 16 : 24;
   if (!raw.skipTracks.empty() && !raw.onlyTracks.empty()) {
     return "--skip-tracks and --only-tracks exclude each other";

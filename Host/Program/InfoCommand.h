@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 
 #include "Model/ViewModel.h"
 #include "Program/CommandLine.h"
 
 namespace velmora::program {
+
+/// Rows of a table that are shown: a project may claim as many tracks as it likes.
+inline constexpr std::int32_t kMostTableRows = 100000;
 
 /// Shows what a project holds. Returns the exit status.
 int RunInfo(const InfoArguments& arguments);

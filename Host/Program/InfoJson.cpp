@@ -12,8 +12,6 @@
 namespace velmora::program {
 namespace {
 
-constexpr std::int32_t kMostRows = 100000;
-
 struct TableForm {
   const char* identifier;
   std::vector<const char*> columns;
@@ -50,7 +48,7 @@ void WriteTables(JsonObjectWriter& json, std::ostream& out, const ViewModel& mod
   json.Key("tables");
   JsonObjectWriter tables(out);
   for (const TableForm& table : kTables) {
-    const std::int32_t rows = std::min(NumberOfRows(model, table.identifier), kMostRows);
+    const std::int32_t rows = std::min(NumberOfRows(model, table.identifier), kMostTableRows);
     tables.Array(table.identifier, static_cast<std::size_t>(rows), [&](std::size_t row) {
       return RowJson(model, table, static_cast<std::int32_t>(row));
     });

@@ -10,8 +10,6 @@
 namespace velmora::program {
 namespace {
 
-constexpr std::int32_t kMostRows = 100000;
-
 std::string Cell(const ViewModel& model, const char* table, const char* column, std::int32_t row) {
   const CellValue value = ObjectValue(model, table, column, row);
   if (value.kind == CellValue::Integer) return value.integer != 0 ? "x" : "-";
@@ -24,7 +22,7 @@ void PrintTable(const ViewModel& model, const char* identifier,
                 std::ostream& out, bool colours) {
   TextTable table(std::move(columns));
   const std::int32_t rows = NumberOfRows(model, identifier);
-  for (std::int32_t row = 0; row < std::min(rows, kMostRows); ++row) {
+  for (std::int32_t row = 0; row < std::min(rows, kMostTableRows); ++row) {
     std::vector<std::string> cells;
     for (const char* const column : identifiers) {
       cells.push_back(Cell(model, identifier, column, row));
@@ -33,7 +31,7 @@ void PrintTable(const ViewModel& model, const char* identifier,
     table.Add(std::move(cells), isMissing);
   }
   table.Print(out, colours);
-  if (rows > kMostRows) out << "  ... and " << rows - kMostRows << " more rows\n";
+  if (rows > kMostTableRows) out << "  ... and " << rows - kMostTableRows << " more rows\n";
 }
 
 void PrintConstants(const AES31Project& project, std::ostream& out, bool colours) {

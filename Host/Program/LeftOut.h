@@ -10,7 +10,7 @@
 namespace velmora::program {
 
 /// "event 12 (entry 13, track 2)".
-std::string EventName(const ViewModel& model, std::int32_t event);
+[[nodiscard]] std::string EventName(const ViewModel& model, std::int32_t event);
 
 /// What of the ticked cuts does not arrive as the project has it, each in a line of its own.
 class LeftOut {
@@ -23,7 +23,7 @@ class LeftOut {
   void File(FilePass pass, std::int32_t event, const std::string& path, std::int32_t status);
   void Region(std::int32_t event, RegionPiece piece, std::int32_t status);
 
-  const std::vector<std::string>& Lines() const { return lines_; }
+  [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
 
  private:
   void Add(std::int32_t event, const std::string& what);

@@ -5,6 +5,6 @@
 namespace velmora::program {
 
 /// Runs one spot. Returns the exit status.
-int RunSpotCommand(const SpotArguments& arguments);
+[[nodiscard]] int RunSpotCommand(const SpotArguments& arguments);
 
 }  // namespace velmora::program

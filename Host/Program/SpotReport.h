@@ -21,7 +21,7 @@ class MessageTap : public RegionHost {
   std::int32_t Send(const RegionMessage& message) override;
 
   /// None if the last attempt did not come to a message.
-  const std::optional<RegionMessage>& Last() const { return last_; }
+  [[nodiscard]] const std::optional<RegionMessage>& Last() const { return last_; }
 
  private:
   RegionHost& host_;
@@ -57,7 +57,7 @@ class SpotReport : public SpotObserver {
   void RegionGivenUp(std::int32_t event, RegionPiece piece, std::int32_t status) override;
   void CutLeftOut(std::int32_t event, const std::string& path) override;
 
-  const SpotTotals& Totals() const { return totals_; }
+  [[nodiscard]] const SpotTotals& Totals() const { return totals_; }
 
  private:
   LeftOut& leftOut_;

@@ -9,17 +9,17 @@
 namespace velmora::program {
 
 /// True if the standard stream (1 or 2) is a terminal that understands control sequences.
-bool IsTerminal(int descriptor);
+[[nodiscard]] bool IsTerminal(int descriptor);
 
 /// True if it is one on which colours are wanted: NO_COLOR is unset or empty.
-bool ShowsColours(int descriptor);
+[[nodiscard]] bool ShowsColours(int descriptor);
 
 /// Cells of a terminal that a UTF-8 text takes: East Asian wide characters take two.
-std::size_t DisplayWidth(std::string_view utf8);
+[[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);
 
 /// A text as one line that harms no terminal: control characters are blanks, what is not UTF-8 is
 /// U+FFFD.
-std::string Printable(std::string_view text);
+[[nodiscard]] std::string Printable(std::string_view text);
 
 enum class Align { Left, Right };
 
@@ -41,9 +41,9 @@ class TextTable {
     std::vector<std::string> cells;
     bool alarming;
   };
-  std::vector<std::size_t> Widths() const;
-  std::string Line(const std::vector<std::string>& cells,
-                   const std::vector<std::size_t>& widths) const;
+  [[nodiscard]] std::vector<std::size_t> Widths() const;
+  [[nodiscard]] std::string Line(const std::vector<std::string>& cells,
+                                 const std::vector<std::size_t>& widths) const;
 
   std::vector<Column> columns_;
   std::vector<Row> rows_;

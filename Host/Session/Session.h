@@ -61,12 +61,12 @@ class Session {
   /// Returns its index. Costs time in the logarithm of the track's pieces and in those it covers.
   std::size_t Place(SessionRegion region);
 
-  const std::vector<SessionRegion>& Regions() const { return regions_; }
+  [[nodiscard]] const std::vector<SessionRegion>& Regions() const { return regions_; }
   /// Tracks that hold a region, in rising order.
-  std::vector<std::int64_t> Tracks() const;
+  [[nodiscard]] std::vector<std::int64_t> Tracks() const;
   /// What is heard on a track, in rising position, without overlaps.
-  std::vector<VisiblePiece> Visible(std::int64_t track) const;
-  SessionSummary Summary() const;
+  [[nodiscard]] std::vector<VisiblePiece> Visible(std::int64_t track) const;
+  [[nodiscard]] SessionSummary Summary() const;
 
  private:
   using Pieces = std::map<std::int64_t, VisiblePiece>;

@@ -35,19 +35,23 @@ class SessionClock {
   /// A rate that is not a positive number counts as 48000 Hz, an unknown code as 0.
   explicit SessionClock(const SessionRates& rates = SessionRates());
 
-  float SampleRate() const { return sampleRate_; }
-  std::int32_t FrameRateCode() const { return code_; }
-  const FrameRate& Rate() const { return kFrameRates[static_cast<std::size_t>(code_)]; }
+  [[nodiscard]] float SampleRate() const { return sampleRate_; }
+  [[nodiscard]] std::int32_t FrameRateCode() const { return code_; }
+  [[nodiscard]] const FrameRate& Rate() const {
+    return kFrameRates[static_cast<std::size_t>(code_)];
+  }
 
   /// Number of the frame that holds a sample; frames are counted from sample 0.
-  std::int64_t FrameAt(std::int64_t sample) const;
+  [[nodiscard]] std::int64_t FrameAt(std::int64_t sample) const;
   /// First sample of a frame.
-  std::int64_t FrameStart(std::int64_t frame) const;
+  [[nodiscard]] std::int64_t FrameStart(std::int64_t frame) const;
   /// Timecode digits of a frame number, HH:MM:SS:FF, with `;` before the frames where numbers are
   /// dropped, and a minus sign before the session's start.
-  std::string FrameLabel(std::int64_t frame) const;
+  [[nodiscard]] std::string FrameLabel(std::int64_t frame) const;
   /// Timecode of the frame that holds a sample.
-  std::string Timecode(std::int64_t sample) const { return FrameLabel(FrameAt(sample)); }
+  [[nodiscard]] std::string Timecode(std::int64_t sample) const {
+    return FrameLabel(FrameAt(sample));
+  }
 
   bool operator==(const SessionClock& other) const {
     return sampleRate_ == other.sampleRate_ && code_ == other.code_;

@@ -30,11 +30,11 @@ class SessionFile : public SessionTarget {
 
   std::string ClaimFile();
   std::string ClaimInPlace();
-  std::string WriteInPlace(const Session& session) const;
-  std::string WriteBeside(const Session& session) const;
-  std::string Publish(const std::string& written) const;
-  bool IsAsClaimed() const;
-  std::string Trouble(const std::string& cause) const;
+  [[nodiscard]] std::string WriteInPlace(const Session& session) const;
+  [[nodiscard]] std::string WriteBeside(const Session& session) const;
+  [[nodiscard]] std::string Publish(const std::string& written) const;
+  [[nodiscard]] bool IsAsClaimed() const;
+  [[nodiscard]] std::string Trouble(const std::string& cause) const;
 
   std::string path_;
   bool inPlace_ = false;
