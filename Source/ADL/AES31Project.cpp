@@ -46,7 +46,10 @@ AES31Project::AES31Project(const char* path, const char* searchFolder, bool* ok)
   }
 }
 
-AES31Project::~AES31Project() = default;
+AES31Project::~AES31Project() {
+  events.clear();
+  DeleteFiles();
+}
 
 bool AES31Project::LoadBlock(const char* path) {
   const FileStream stream = OpenRegularFile(path);

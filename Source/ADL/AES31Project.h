@@ -21,7 +21,7 @@
 namespace velmora {
 
 /// A loaded ADL project (AES31-3). Constructing it does the whole load; it owns the file's bytes,
-/// to which every text in it points, and the wave files that it opened.
+/// to which every text in it points, and the wave files of its sources.
 ///
 /// Oddities of a file do not stop the load. `diagnostics` has them, and standard error a line each.
 class AES31Project {
@@ -90,13 +90,20 @@ class AES31Project {
   bool FailAt(LoadFailureCode code, const AES31Section& section, const AES31Entry& entry,
               std::string reason);
   bool FailWhole(LoadFailureCode code, std::string reason);
+  /// Takes a source's file away, to be deleted with the project.
+  void Retire(AES31SourceFile& source);
+  template <class Visit>
+  void ForEachFile(const Visit& visit);
+  void DeleteFiles();
   /// Notes an oddity and tells it on standard error.
   void Tolerate(LoadDiagnosticCode code, const AES31Entry& entry, std::string text);
   [[nodiscard]] std::int64_t LineOf(const AES31Entry& entry) const;
 
   std::unique_ptr<char[]> block_;
   LineMap lines_;
-  std::vector<std::unique_ptr<AES31BWF>> openedFiles_;  ///< every file that a source ever had
+  /// Files that sources held before they were read or resolved anew. Events may still point to
+  /// them.
+  std::vector<AES31BWF*> formerFiles_;
 };
 
 }  // namespace velmora

@@ -10,8 +10,9 @@ class AES31BWF;
 struct AES31SourceFile {
   std::array<const char*, 6> fValues{};  ///< (F): 0 location, 2 first sample, 3 length
   std::array<const char*, 5> tValues{};  ///< (T)
-  AES31BWF* file = nullptr;              ///< opened by ResolveSources, null if not found; the
-                                         ///< project owns it
+  /// Opened by ResolveSources, null if not found. The project owns it, also one that was put here
+  /// by hand, and deletes it once however many sources hold it.
+  AES31BWF* file = nullptr;
 };
 
 }  // namespace velmora

@@ -34,7 +34,10 @@ bool AES31Project::WalkSourceIndex(const AES31Section& section, Checks checks) {
   AES31SourceFile record;
   std::int32_t number = 0;
   const auto store = [&] {
-    if (indexSeen) sourceFiles[number] = record;
+    if (!indexSeen) return;
+    AES31SourceFile& source = sourceFiles[number];
+    Retire(source);
+    source = record;
   };
 
   for (const AES31Entry& entry : section.entries) {

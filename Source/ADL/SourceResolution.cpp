@@ -1,13 +1,14 @@
 // From texts to files: the audio of each source, and what each event needs of its source.
 
 #include <cerrno>
+#include <new>
+#include <set>
 #include <string>
-#include <utility>
 
 #include "ADL/AES31Project.h"
 #include "ADL/ShiftJis.h"
-#include "Base/Text.h"
 #include "Base/FileAccess.h"
+#include "Base/Text.h"
 
 namespace velmora {
 namespace {
@@ -25,12 +26,41 @@ std::int32_t SourceKeyOf(const AES31Event& event) {
 
 void AES31Project::ResolveSources() {
   for (auto& [index, source] : sourceFiles) {
-    source.file = nullptr;
+    Retire(source);
     const std::string path = FindSource(source.fValues[0]);
-    if (path.empty()) continue;
-    openedFiles_.push_back(std::make_unique<AES31BWF>(path.c_str()));
-    source.file = openedFiles_.back().get();
+    if (!path.empty()) source.file = new AES31BWF(path.c_str());
   }
+}
+
+void AES31Project::Retire(AES31SourceFile& source) {
+  if (source.file == nullptr) return;
+  formerFiles_.push_back(source.file);
+  source.file = nullptr;
+}
+
+/// Visits every pointer to a file that the project owns, those of the sources first, in their
+/// order.
+template <class Visit>
+void AES31Project::ForEachFile(const Visit& visit) {
+  for (auto& [index, source] : sourceFiles) visit(source.file);
+  for (AES31BWF*& file : formerFiles_) visit(file);
+}
+
+/// Deletes each file once: a caller may have put one file into several sources.
+void AES31Project::DeleteFiles() {
+  try {
+    std::set<const AES31BWF*> seen;
+    ForEachFile([&seen](AES31BWF*& file) {
+      if (!seen.insert(file).second) file = nullptr;
+    });
+  } catch (const std::bad_alloc&) {  // slow, but in need of no memory
+    ForEachFile([this](AES31BWF*& file) {
+      ForEachFile([&file](AES31BWF*& other) {
+        if (&other != &file && other == file) other = nullptr;
+      });
+    });
+  }
+  ForEachFile([](const AES31BWF* file) { delete file; });
 }
 
 /// The path of a source below `folder`, or the empty text. The location's ends are looked for from

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "CountedFile.h"
 #include "LoadedProject.h"
 
 namespace {
@@ -18,9 +19,10 @@ namespace {
 // No allocation of this program gets more than this.
 constexpr std::size_t kLargestAllocation = std::size_t{256} * 1024 * 1024;
 std::atomic<int> refusals = 0;
+std::atomic<bool> refuseAll = false;
 
 void* Allocate(std::size_t size) {
-  if (size <= kLargestAllocation) {
+  if (size <= kLargestAllocation && !refuseAll) {
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
   }
   ++refusals;
@@ -135,6 +137,23 @@ TEST(LoadFailureCodes, everyOneHasANameOfItsOwnAndCanBeProvoked) {
       EXPECT_EQ(CodeOf(path), kind.code) << kind.name << ", " << path;
     }
   }
+}
+
+TEST(ProjectMemory, projectGoesWithoutNeedOfAny) {
+  std::vector<int> deleted;
+  deleted.reserve(16);
+  auto project = std::make_unique<LoadedProject>(WithSources("(Index) 1 (Index) 2 (Index) 3"));
+  auto& sources = (*project)->sourceFiles;
+  sources.at(1).file = sources.at(3).file = new CountedFile(1, deleted);
+  sources.at(2).file = new CountedFile(2, deleted);
+  (*project)->ResolveSources();
+  sources.at(2).file = sources.at(3).file = new CountedFile(3, deleted);
+  refusals = 0;
+  refuseAll = true;
+  project->loading.project.reset();
+  refuseAll = false;
+  EXPECT_GT(refusals, 0) << "nothing was asked for, so nothing was tested";
+  EXPECT_EQ(deleted, (std::vector<int>{3, 1, 2}));
 }
 
 // Neither a count nor an index of the file makes memory be asked for in its proportion.
