@@ -19,8 +19,10 @@ bool IsCut(const AES31Event& event) {
   return EqualsIgnoringCase(event.label, "Cut");
 }
 
+// The builtins of GCC and clang rather than std::atomic_ref, which the C++ library of the oldest
+// macOS that the view runs on does not have.
+
 bool IsOn(const std::int32_t& box) {
-  // The compilers' own function: not every standard library of C++20 has std::atomic_ref yet.
   return __atomic_load_n(&box, __ATOMIC_RELAXED) != 0;
 }
 

@@ -109,14 +109,14 @@ struct AES31Event {
 enum class EditKind { None, Cut, Silence, Vid, Alt };
 
 /// Which member of the edit part the event holds.
-EditKind KindOf(const AES31Event& event);
+[[nodiscard]] EditKind KindOf(const AES31Event& event);
 
 // A user may change the boxes while an aborted worker still looks at its last event, so those two
 // read and write them atomically.
-bool IsOn(const std::int32_t& box);
+[[nodiscard]] bool IsOn(const std::int32_t& box);
 void SetBox(std::int32_t& box, bool on);
 
 /// True for an event whose label is "Cut" in any case: the only kind that a spot places.
-bool IsCut(const AES31Event& event);
+[[nodiscard]] bool IsCut(const AES31Event& event);
 
 }  // namespace velmora

@@ -2,12 +2,11 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 
-#include "Timecode/RateTables.h"
 #include "Base/Wrapping.h"
+#include "Timecode/RateTables.h"
 
 namespace velmora {
 namespace {
@@ -16,8 +15,8 @@ constexpr std::size_t kFrameRateMarkAt = 2;
 constexpr std::size_t kFrameSeparatorAt = 8;
 constexpr std::size_t kSampleRateMarkAt = 11;
 constexpr std::size_t kRemainderAt = 12;
-constexpr std::int32_t kFramesDroppedInTenMinutes =
-    18;  // two a minute but for the tenth, SMPTE 12M
+/// Two a minute but for the tenth, SMPTE 12M.
+constexpr std::int32_t kFramesDroppedInTenMinutes = 18;
 
 using TimestampText = std::array<char, kTimestampLength>;
 
@@ -27,31 +26,66 @@ TimestampText TextOf(const char* timestamp) {
   return text;
 }
 
-/// A digit's value; any other character has one too.
-std::int32_t DigitAt(const TimestampText& text, std::size_t position) {
-  return static_cast<signed char>(text[position]) - '0';
-}
-
-std::int32_t TwoDigitsAt(const TimestampText& text, std::size_t position) {
-  return 10 * DigitAt(text, position) + DigitAt(text, position + 1);
-}
-
 bool IsDropSeparator(char separator) {
   return separator == ',' || separator == ';';
 }
 
+/// What a timestamp says. The numbers are not limited: any character in place of a digit has a
+/// value, its code minus '0', so they range from -1936 to 869, the remainder from -195536 to 87769.
+struct Timestamp {
+  std::int32_t hours;
+  std::int32_t minutes;
+  std::int32_t seconds;
+  std::int32_t frames;
+  std::int32_t remainder;  ///< samples
+  char frameRateMark;
+  char frameSeparator;
+  char sampleRateMark;
+};
+
+std::int32_t TwoDigitsAt(const TimestampText& text, std::size_t position) {
+  const auto digit = [&text](std::size_t at) { return static_cast<signed char>(text[at]) - '0'; };
+  return 10 * digit(position) + digit(position + 1);
+}
+
+Timestamp Parse(const char* timestamp) {
+  const TimestampText text = TextOf(timestamp);
+  return {.hours = TwoDigitsAt(text, 0),
+          .minutes = TwoDigitsAt(text, 3),
+          .seconds = TwoDigitsAt(text, 6),
+          .frames = TwoDigitsAt(text, 9),
+          .remainder = 100 * TwoDigitsAt(text, kRemainderAt) + TwoDigitsAt(text, kRemainderAt + 2),
+          .frameRateMark = text[kFrameRateMarkAt],
+          .frameSeparator = text[kFrameSeparatorAt],
+          .sampleRateMark = text[kSampleRateMarkAt]};
+}
+
 /// Frames since zero. Drop-frame depends on the separator alone, whatever the frame rate.
-std::int32_t FrameCount(const TimestampText& text, std::int32_t framesPerSecond) {
-  const std::int32_t minutes = TwoDigitsAt(text, 3);
-  const std::int32_t tenMinuteBlocks = minutes / 10 + 6 * TwoDigitsAt(text, 0);
-  const std::int32_t minutesInBlock = minutes % 10;
-  const bool drop = IsDropSeparator(text[kFrameSeparatorAt]);
+std::int32_t FrameCount(const Timestamp& time, std::int32_t framesPerSecond) {
+  const std::int32_t tenMinuteBlocks = time.minutes / 10 + 6 * time.hours;
+  const std::int32_t minutesInBlock = time.minutes % 10;
+  const bool drop = IsDropSeparator(time.frameSeparator);
   const std::int32_t framesInBlock =
       600 * framesPerSecond - (drop ? kFramesDroppedInTenMinutes : 0);
-  const std::int32_t seconds = TwoDigitsAt(text, 6) + 60 * minutesInBlock;
+  const std::int32_t seconds = time.seconds + 60 * minutesInBlock;
   const std::int32_t count =
-      seconds * framesPerSecond + TwoDigitsAt(text, 9) + tenMinuteBlocks * framesInBlock;
+      seconds * framesPerSecond + time.frames + tenMinuteBlocks * framesInBlock;
   return drop ? count - 2 * minutesInBlock : count;
+}
+
+std::int64_t Samples(const Timestamp& time) {
+  const FrameRateMark* const rate = FindFrameRateMark(time.frameRateMark);
+  const std::int32_t nominal = rate != nullptr ? rate->framesPerSecond : 0;
+  double framesPerSecond = nominal;
+  if (rate != nullptr && rate->pulledDown) framesPerSecond = framesPerSecond * 1000.0 / 1001.0;
+
+  // With no frame rate the numerator's sign does not matter: infinity and NaN both give the lowest
+  // number.
+  const double samples = SampleRateOfMark(time.sampleRateMark) * FrameCount(time, nominal);
+  const std::int64_t whole = nominal != 0
+                                 ? Truncate<std::int64_t>(std::ceil(samples / framesPerSecond))
+                                 : std::numeric_limits<std::int64_t>::min();
+  return WrapAdd<std::int64_t>(whole, time.remainder);
 }
 
 /// `0` to `9`, whatever the locale.
@@ -71,17 +105,17 @@ class TimecodeReader {
     SkipBlanks();
     return minus;
   }
-  /// A run of digits of any length, or 0.
-  std::uint32_t ReadNumber(std::uint32_t modulus) {
+  /// A run of digits of any length, or 0; below the modulus.
+  std::int32_t ReadNumber(std::uint32_t modulus) {
     std::uint32_t number = 0;
     for (; IsDigit(*at_); ++at_) {
       number = (number * 10 + static_cast<std::uint32_t>(*at_ - '0')) % modulus;
     }
     SkipBlanks();
-    return number;
+    return static_cast<std::int32_t>(number);
   }
   /// One character of any kind, then a number.
-  std::uint32_t ReadSeparatedNumber(std::uint32_t modulus) {
+  std::int32_t ReadSeparatedNumber(std::uint32_t modulus) {
     if (*at_ != '\0') ++at_;
     return ReadNumber(modulus);
   }
@@ -96,25 +130,11 @@ class TimecodeReader {
 }  // namespace
 
 double AdlSampleRate(const char* timestamp) {
-  return SampleRateOfMark(TextOf(timestamp)[kSampleRateMarkAt]);
+  return SampleRateOfMark(Parse(timestamp).sampleRateMark);
 }
 
 std::int64_t AdlToSamples(const char* timestamp) {
-  const TimestampText text = TextOf(timestamp);
-  const FrameRateMark* const rate = FindFrameRateMark(text[kFrameRateMarkAt]);
-  const std::int32_t nominal = rate != nullptr ? rate->framesPerSecond : 0;
-  double framesPerSecond = nominal;
-  if (rate != nullptr && rate->pulledDown) framesPerSecond = framesPerSecond * 1000.0 / 1001.0;
-
-  // With no frame rate the numerator's sign does not matter: infinity and NaN both give the lowest
-  // number.
-  const double samples = SampleRateOfMark(text[kSampleRateMarkAt]) * FrameCount(text, nominal);
-  const std::int64_t whole = nominal != 0
-                                 ? Truncate<std::int64_t>(std::ceil(samples / framesPerSecond))
-                                 : std::numeric_limits<std::int64_t>::min();
-  const std::int32_t remainder =
-      100 * TwoDigitsAt(text, kRemainderAt) + TwoDigitsAt(text, kRemainderAt + 2);
-  return WrapAdd<std::int64_t>(whole, remainder);
+  return Samples(Parse(timestamp));
 }
 
 std::int64_t TimecodeToSamples(const char* text, std::int32_t frameRateCode,
@@ -124,17 +144,16 @@ std::int64_t TimecodeToSamples(const char* text, std::int32_t frameRateCode,
 
   TimecodeReader reader(text != nullptr ? text : "");
   const bool negative = reader.ReadMinus();
-  const std::uint32_t hours = reader.ReadNumber(100);
-  const std::uint32_t minutes = reader.ReadSeparatedNumber(60);
-  const std::uint32_t seconds = reader.ReadSeparatedNumber(60);
-  const std::uint32_t frames = reader.ReadSeparatedNumber(rate.framesModulus);
-
+  Timestamp time{};
+  time.hours = reader.ReadNumber(100);
+  time.minutes = reader.ReadSeparatedNumber(60);
+  time.seconds = reader.ReadSeparatedNumber(60);
+  time.frames = reader.ReadSeparatedNumber(rate.framesModulus);
+  time.frameRateMark = rate.frameRateMark;
+  time.frameSeparator = rate.frameSeparator;
   // Deliberately coarse: every session but one of 44100 Hz counts as one of 48000 Hz.
-  const char sampleRateMark = sampleRate == 44100 ? '|' : '/';
-  std::array<char, 64> timestamp{};
-  std::snprintf(timestamp.data(), timestamp.size(), "%02u%c%02u:%02u%c%02u%c0000", hours,
-                rate.frameRateMark, minutes, seconds, rate.frameSeparator, frames, sampleRateMark);
-  const std::int64_t samples = AdlToSamples(timestamp.data());
+  time.sampleRateMark = sampleRate == 44100 ? '|' : '/';
+  const std::int64_t samples = Samples(time);
   return negative ? -samples : samples;
 }
 

@@ -24,28 +24,28 @@ inline constexpr std::size_t kTimestampLength = 16;
 /// Nothing here validates but AdlIsTimestamp: any character has a value, its code minus '0'.
 
 /// Samples per second that the timestamp's own mark names; 0.0 for a mark that names none.
-double AdlSampleRate(const char* timestamp);
+[[nodiscard]] double AdlSampleRate(const char* timestamp);
 
 /// Position in samples at the timestamp's own rates, rounded up to a whole sample before the
 /// remainder is added. An unknown frame-rate mark gives the lowest 64-bit number plus the
 /// remainder.
-std::int64_t AdlToSamples(const char* timestamp);
+[[nodiscard]] std::int64_t AdlToSamples(const char* timestamp);
 
 /// Position in samples of a typed timecode or of a timestamp's digits, read in the session's
 /// timebase. `frameRateCode` is the host's, 0 to 7; any other counts as 0. `sampleRate` is in Hz,
 /// and only 44100 is told from all others, which count as 48000.
-std::int64_t TimecodeToSamples(const char* text, std::int32_t frameRateCode,
-                               std::int32_t sampleRate);
+[[nodiscard]] std::int64_t TimecodeToSamples(const char* text, std::int32_t frameRateCode,
+                                             std::int32_t sampleRate);
 
 /// Samples from `first` to `second`, wrapping at 64 bits.
-std::int64_t AdlDifference(const char* first, const char* second);
+[[nodiscard]] std::int64_t AdlDifference(const char* first, const char* second);
 
 /// True if the text has the form of a fade length: every field in range, known marks, and `;` or
 /// `,` before the frames.
-bool AdlIsTimestamp(const char* text);
+[[nodiscard]] bool AdlIsTimestamp(const char* text);
 
 /// What a person is shown of a timestamp: the text up to its first `/`, which at 48 kHz leaves the
 /// timecode. Null gives the empty text.
-std::string TimestampTimecode(const char* text);
+[[nodiscard]] std::string TimestampTimecode(const char* text);
 
 }  // namespace velmora
