@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <array>
 #include <string>
-#include <string_view>
 
 #include "ADL/ShiftJis.h"
 #include "Model/Tables.h"
@@ -12,34 +10,16 @@
 namespace velmora::program {
 namespace {
 
-struct TableForm {
-  const char* identifier;
-  std::vector<const char*> columns;
-};
-
-const std::array<TableForm, 4> kTables = {{
-    {"ProjectInfomationTable", {"Title", "Data"}},
-    {"TrackTable", {"Space", "Track", "Type", "Start", "End"}},
-    {"EventListTable", {"Space", "Type", "Event", "Ch", "In", "Out", "Track", "Name"}},
-    {"numberOfTracksTable", {"ItemName", "Number"}},
-}};
-
-/// Columns that show texts of the file as they stand there; the others are UTF-8 already.
-bool IsRawText(std::string_view column) {
-  constexpr std::array<std::string_view, 5> kRaw = {"Type", "In", "Out", "Start", "End"};
-  return std::find(kRaw.begin(), kRaw.end(), column) != kRaw.end();
-}
-
-Json CellJson(const CellValue& cell, std::string_view column) {
+Json CellJson(const CellValue& cell, ColumnText text) {
   if (cell.kind == CellValue::Integer) return cell.integer;
   if (cell.kind == CellValue::None) return nullptr;
-  return IsRawText(column) ? ShiftJisToUtf8(cell.text.c_str()) : cell.text;
+  return text == ColumnText::Project ? ShiftJisToUtf8(cell.text.c_str()) : cell.text;
 }
 
-Json RowJson(const ViewModel& model, const TableForm& table, std::int32_t row) {
+Json RowJson(const ViewModel& model, const Table& table, std::int32_t row) {
   Json json = Json::object();
-  for (const char* const column : table.columns) {
-    json[column] = CellJson(ObjectValue(model, table.identifier, column, row), column);
+  for (const TableColumn& column : table.columns) {
+    json[std::string(column.identifier)] = CellJson(column.value(model, row), column.text);
   }
   return json;
 }
@@ -47,11 +27,11 @@ Json RowJson(const ViewModel& model, const TableForm& table, std::int32_t row) {
 void WriteTables(JsonObjectWriter& json, std::ostream& out, const ViewModel& model) {
   json.Key("tables");
   JsonObjectWriter tables(out);
-  for (const TableForm& table : kTables) {
-    const std::int32_t rows = std::min(NumberOfRows(model, table.identifier), kMostTableRows);
-    tables.Array(table.identifier, static_cast<std::size_t>(rows), [&](std::size_t row) {
-      return RowJson(model, table, static_cast<std::int32_t>(row));
-    });
+  for (const Table& table : Tables()) {
+    const std::int32_t rows = std::min(table.rows(model), kMostTableRows);
+    tables.Array(
+        std::string(table.identifier).c_str(), static_cast<std::size_t>(rows),
+        [&](std::size_t row) { return RowJson(model, table, static_cast<std::int32_t>(row)); });
   }
   tables.End();
 }

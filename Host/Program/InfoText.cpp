@@ -1,6 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "ADL/ShiftJis.h"
 #include "Model/Tables.h"
@@ -10,23 +14,48 @@
 namespace velmora::program {
 namespace {
 
-std::string Cell(const ViewModel& model, const char* table, const char* column, std::int32_t row) {
-  const CellValue value = ObjectValue(model, table, column, row);
+/// Where a printed table differs from the column's identifier and from the left.
+struct HeadingForm {
+  std::string_view identifier;
+  const char* heading;
+  Align align;
+};
+
+constexpr auto kHeadings = std::to_array<HeadingForm>({
+    {"Space", "On", Align::Left},
+    {"Title", "Title", Align::Right},
+    {"Track", "Track", Align::Right},
+    {"ItemName", "Width", Align::Left},
+    {"Number", "Tracks", Align::Right},
+});
+
+TextTable::Column HeadingOf(const TableColumn& column) {
+  for (const HeadingForm& form : kHeadings) {
+    if (form.identifier == column.identifier) return {form.heading, form.align};
+  }
+  return {std::string(column.identifier)};
+}
+
+std::string CellText(const CellValue& value) {
   if (value.kind == CellValue::Integer) return value.integer != 0 ? "x" : "-";
   return value.text;
 }
 
-/// One of the view's tables, headings and columns as the view has them.
-void PrintTable(const ViewModel& model, const char* identifier,
-                const std::vector<const char*>& identifiers, std::vector<TextTable::Column> columns,
-                std::ostream& out, bool colours) {
-  TextTable table(std::move(columns));
+/// One of the view's tables, its columns in the view's order.
+void PrintTable(const ViewModel& model, std::string_view identifier, std::ostream& out,
+                bool colours) {
+  const auto known = Columns(identifier);
+  std::vector<TableColumn> columns(known.begin(), known.end());
+  std::sort(columns.begin(), columns.end(), [](const TableColumn& a, const TableColumn& b) {
+    return a.viewPosition < b.viewPosition;
+  });
+  std::vector<TextTable::Column> headings;
+  for (const TableColumn& column : columns) headings.push_back(HeadingOf(column));
+  TextTable table(std::move(headings));
   const std::int32_t rows = NumberOfRows(model, identifier);
   for (std::int32_t row = 0; row < std::min(rows, kMostTableRows); ++row) {
     std::vector<std::string> cells;
-    for (const char* const column : identifiers) {
-      cells.push_back(Cell(model, identifier, column, row));
-    }
+    for (const TableColumn& column : columns) cells.push_back(CellText(column.value(model, row)));
     const bool isMissing = Style(model, identifier, "", row).background == Background::Red;
     table.Add(std::move(cells), isMissing);
   }
@@ -73,13 +102,25 @@ void PrintSources(const AES31Project& project, std::ostream& out, bool colours) 
   table.Print(out, colours);
 }
 
+/// True for a file that an import reads nothing of, so that its tables hold no facts.
+bool HasNoAdl(const ViewModel& model) {
+  return std::any_of(model.loadDiagnostics.begin(), model.loadDiagnostics.end(),
+                     [](const LoadDiagnostic& diagnostic) {
+                       return diagnostic.code == LoadDiagnosticCode::NoAdl;
+                     });
+}
+
 }  // namespace
 
 void PrintInfoText(const InfoArguments& arguments, const ViewModel& model, std::ostream& out) {
   const bool colours = ShowsColours(1);
-  out << Printable(arguments.project) << "\n\nProject\n";
-  PrintTable(model, "ProjectInfomationTable", {"Title", "Data"},
-             {{"Title", Align::Right}, {"Data"}}, out, colours);
+  out << Printable(arguments.project) << "\n\n";
+  if (HasNoAdl(model)) {
+    out << "There is no ADL in this file: it does not begin with <ADL>.\n";
+    return;
+  }
+  out << "Project\n";
+  PrintTable(model, "ProjectInfomationTable", out, colours);
   out << "\nConstants\n";
   PrintConstants(*model.project, out, colours);
   out << "\nSources\n";
@@ -90,18 +131,14 @@ void PrintInfoText(const InfoArguments& arguments, const ViewModel& model, std::
         << ')';
   }
   out << '\n';
-  PrintTable(model, "TrackTable", {"Space", "Track", "Type", "Start", "End"},
-             {{"On"}, {"Track", Align::Right}, {"Type"}, {"Start"}, {"End"}}, out, colours);
+  PrintTable(model, "TrackTable", out, colours);
   out << "\nWidths\n";
-  PrintTable(model, "numberOfTracksTable", {"ItemName", "Number"},
-             {{"Width"}, {"Tracks", Align::Right}}, out, colours);
+  PrintTable(model, "numberOfTracksTable", out, colours);
   out << "\nEvents\n";
-  PrintTable(
-      model, "EventListTable", {"Space", "Event", "Type", "Track", "Ch", "In", "Out", "Name"},
-      {{"On"}, {"Event"}, {"Type"}, {"Track", Align::Right}, {"Ch"}, {"In"}, {"Out"}, {"Name"}},
-      out, colours);
-  if (!model.HasCuts())
+  PrintTable(model, "EventListTable", out, colours);
+  if (!model.HasCuts()) {
     out << "\nThere is no cut in this project, so no track and no event row is filled.\n";
+  }
   if (!model.errorMessage.empty()) out << '\n' << model.errorMessage << '\n';
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,15 +26,42 @@ struct CellStyle {
   double fontSize = 0;  ///< points, 0 untouched
 };
 
-std::int32_t NumberOfRows(const ViewModel& model, std::string_view table);
-CellValue ObjectValue(const ViewModel& model, std::string_view table, std::string_view column,
-                      std::int32_t row);
+/// How the bytes of a column's texts are to be read.
+enum class ColumnText {
+  Utf8,
+  Project,  ///< as they stand in the file: Shift-JIS
+};
+
+struct TableColumn {
+  std::string_view identifier;
+  ColumnText text;
+  int viewPosition;  ///< from 0, counted from the left of the view's table
+  CellValue (*value)(const ViewModel& model, std::int32_t row);
+};
+
+struct Table {
+  std::string_view identifier;
+  std::span<const TableColumn> columns;
+  std::int32_t (*rows)(const ViewModel& model);
+  double rowHeight;  ///< points
+  bool isSelectable;
+};
+
+/// The four tables with all of their columns. Programs that print the tables go by this list.
+[[nodiscard]] std::span<const Table> Tables();
+
+/// A table's columns; none for a table that is not there.
+[[nodiscard]] std::span<const TableColumn> Columns(std::string_view table);
+
+[[nodiscard]] std::int32_t NumberOfRows(const ViewModel& model, std::string_view table);
+[[nodiscard]] CellValue ObjectValue(const ViewModel& model, std::string_view table,
+                                    std::string_view column, std::int32_t row);
 /// Only the check box columns "Space" take a value; above 0 is on.
 void SetObjectValue(ViewModel& model, std::string_view table, std::string_view column,
                     std::int32_t row, std::int32_t value);
-CellStyle Style(const ViewModel& model, std::string_view table, std::string_view column,
-                std::int32_t row);
-double HeightOfRow(std::string_view table);
-bool ShouldSelectRow(std::string_view table);
+[[nodiscard]] CellStyle Style(const ViewModel& model, std::string_view table,
+                              std::string_view column, std::int32_t row);
+[[nodiscard]] double HeightOfRow(std::string_view table);
+[[nodiscard]] bool ShouldSelectRow(std::string_view table);
 
 }  // namespace velmora

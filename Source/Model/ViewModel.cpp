@@ -9,7 +9,6 @@
 
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
-#include "Base/Text.h"
 #include "Base/Wrapping.h"
 #include "Model/ProjectSummary.h"
 #include "Spot/SpotWorker.h"
@@ -20,7 +19,7 @@ namespace {
 
 constexpr std::int32_t kSpacer = -1;
 
-/// The constant behind each row of the project table.
+/// The constant that fills each row of the project table.
 constexpr auto kRowConstants =
     std::to_array<std::int32_t>({5, 6, 7, 8, 9, kSpacer, 15, 17, 18, 19, 20, 22, 23});
 
@@ -132,6 +131,7 @@ void ViewModel::setupEventList() {
        {&eventTypes, &eventNumbers, &eventTrack, &eventCh, &eventIn, &eventOut, &eventName}) {
     column->clear();
   }
+  eventIndices.clear();
   eventFound.clear();
   eventEnable.clear();
   enableEvents = 0;
@@ -154,6 +154,7 @@ void ViewModel::setupEventList() {
 
 void ViewModel::ListEvent(std::int32_t index, const AES31Event& event) {
   eventTypes.emplace_back(event.label != nullptr ? event.label : "");
+  eventIndices.push_back(index);
   eventNumbers.push_back(EventNumber(index));
   eventCh.emplace_back("Mono");
   eventName.push_back(SourceName(event));
@@ -194,10 +195,10 @@ void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on)
 
 void ViewModel::SetEventBox(std::int32_t row, bool on) {
   if (spotRunning || project == nullptr || row < 0 ||
-      std::cmp_greater_equal(row, eventNumbers.size())) {
+      std::cmp_greater_equal(row, eventIndices.size())) {
     return;
   }
-  const std::int32_t index = ToInt32(eventNumbers[static_cast<std::size_t>(row)].c_str());
+  const std::int32_t index = eventIndices[static_cast<std::size_t>(row)];
   if (index >= 0 && std::cmp_less(index, eventEnable.size())) {
     eventEnable[static_cast<std::size_t>(index)] = on ? EventBox::On : EventBox::Off;
   }

@@ -62,6 +62,7 @@ class ViewModel {
   std::vector<EventBox> eventEnable;
 
   // By row of the event table.
+  std::vector<std::int32_t> eventIndices;
   std::vector<std::string> eventTypes;
   std::vector<std::string> eventNumbers;  ///< "%04d\n" of the event index
   std::vector<std::string> eventCh;

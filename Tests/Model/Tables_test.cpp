@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Model/ModelFixture.h"
@@ -133,10 +135,64 @@ TEST_F(TablesTest, placeholderWouldShowAsOn) {
 
 TEST_F(TablesTest, boxOfAnEventThatTheArrayLacksHasNoValue) {
   ASSERT_TRUE(LoadCuts({{}}));
-  model.eventNumbers[0] = "0005\n";
+  model.eventIndices[0] = 5;
   EXPECT_EQ(Cell("EventListTable", "Space", 0), kNoValue);
   Tick("EventListTable", 0, 0);
   EXPECT_EQ(EventFlags(), (std::vector<std::int32_t>{1}));
+}
+
+// ---- columns ----
+
+/// A table's column identifiers, and how their texts are to be read.
+std::string Described(std::string_view table) {
+  std::string text;
+  for (const TableColumn& column : Columns(table)) {
+    text += (text.empty() ? "" : " ") + std::string(column.identifier);
+    if (column.text == ColumnText::Project) text += "*";
+  }
+  return text;
+}
+
+TEST_F(TablesTest, columnsAreTheseInThisOrder) {
+  EXPECT_EQ(Described("ProjectInfomationTable"), "Title Data");
+  EXPECT_EQ(Described("TrackTable"), "Space Track Type Start* End*");
+  EXPECT_EQ(Described("EventListTable"), "Space Type* Event Ch In* Out* Track Name");
+  EXPECT_EQ(Described("numberOfTracksTable"), "ItemName Number");
+  EXPECT_EQ(Described("tracktable"), "");
+}
+
+TEST_F(TablesTest, tablesAreAllFourWithTheirColumns) {
+  std::string identifiers;
+  for (const Table& table : Tables()) {
+    identifiers += std::string(table.identifier) + " ";
+    EXPECT_EQ(table.columns.data(), Columns(table.identifier).data()) << table.identifier;
+  }
+  EXPECT_EQ(identifiers, "ProjectInfomationTable TrackTable EventListTable numberOfTracksTable ");
+}
+
+// The view's layout file has the columns from left to right.
+TEST_F(TablesTest, viewPositionsAreThoseOfTheLayout) {
+  const std::string layout = test::TemporaryFolder::Read(VELMORA_VIEW_LAYOUT);
+  ASSERT_NE(layout, "");
+  for (const Table& table : Tables()) {
+    std::vector<std::size_t> places(table.columns.size());
+    const std::size_t start = layout.find("identifier=\"" + std::string(table.identifier) + "\"");
+    ASSERT_NE(start, std::string::npos) << table.identifier;
+    for (const TableColumn& column : table.columns) {
+      ASSERT_LT(static_cast<std::size_t>(column.viewPosition), places.size());
+      places[static_cast<std::size_t>(column.viewPosition)] =
+          layout.find("<tableColumn identifier=\"" + std::string(column.identifier) + "\"", start);
+    }
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end())) << table.identifier;
+    EXPECT_LT(places.back(), layout.find("</tableColumns>", start)) << table.identifier;
+  }
+}
+
+TEST_F(TablesTest, boxGoesByTheIndexAndNotByTheText) {
+  ASSERT_TRUE(LoadCuts({{}, {}}));
+  model.eventNumbers[1] = "0000\n";
+  Tick("EventListTable", 1, 0);
+  EXPECT_EQ(EventFlags(), (std::vector<std::int32_t>{1, 0}));
 }
 
 // ---- number of tracks ----

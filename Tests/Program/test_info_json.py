@@ -186,6 +186,34 @@ class Form(InfoTest):
                 self.assertEqual(set(told["constants"].values()), {None})
 
 
+class WithoutAdl(InfoTest):
+    """A text that does not begin with <ADL> loads as nothing: a person is told so, not shown tables of nothing."""
+
+    def test_textSaysSoAndShowsNoTable(self):
+        for content in (b"", b"hello", b"\xef\xbb\xbf<ADL>\n</ADL>\n", b" <ADL>\n</ADL>\n"):
+            with self.subTest(content):
+                project = self.folder / "p.adl"
+                project.write_bytes(content)
+                result = run("info", project)
+                self.assert_status(result, ALL_DONE)
+                self.assertEqual(result.out, f"{project}\n\n"
+                                             "There is no ADL in this file: it does not begin with <ADL>.\n")
+                self.assertEqual(result.err, "")
+
+    def test_emptyAdlShowsItsTables(self):
+        project = self.folder / "p.adl"
+        project.write_bytes(b"<adl>\n</adl>\n")
+        result = run("info", project)
+        self.assertIn("Project Title", result.out)
+        self.assertNotIn("There is no ADL", result.out)
+
+    def test_jsonStaysAsItIs(self):
+        told = self.info_of(b"hello")
+        self.assertEqual((told["ok"], told["message"], told["failure"]), (True, "", None))
+        self.assertEqual((told["minTrack"], told["maxTrack"], told["trackCount"]), (2147483647, -2147483648, 2))
+        self.assertEqual(len(told["tables"]["TrackTable"]), 2)
+
+
 class Diagnostics(InfoTest):
     """Oddities that the load tolerates stand in the object, with code, line and the words of standard error."""
 
