@@ -21,7 +21,6 @@ bool IsCut(const AES31Event& event) {
 
 // The builtins of GCC and clang rather than std::atomic_ref, which the C++ library of the oldest
 // macOS that the view runs on does not have.
-
 bool IsOn(const std::int32_t& box) {
   return __atomic_load_n(&box, __ATOMIC_RELAXED) != 0;
 }
