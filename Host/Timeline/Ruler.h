@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Timeline/TimeScale.h"
 #include "Session/SessionClock.h"
+#include "Timeline/TimeScale.h"
 
 namespace velmora::timeline {
 

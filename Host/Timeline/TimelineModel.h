@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "Timeline/TimeScale.h"
 #include "Session/Session.h"
+#include "Timeline/TimeScale.h"
 
 namespace velmora::timeline {
 

@@ -3,7 +3,7 @@
 
     includes.py ROOT
 
-A room is a folder of Source/ or Host/. Prints each include that breaks a rule as "FILE:LINE: RULE"; the
+A room is a folder of Source/ or Host/, or one of Host/Desktop's own folders. Prints each include that breaks a rule as "FILE:LINE: RULE"; the
 exit status is 1 if there was one.
 """
 
@@ -32,15 +32,19 @@ MAY_USE = {
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
     "Host/Program": PORTABLE,
-    "Host/Desktop": [*PORTABLE, "Source/View"],
 }
+
+# The shell's own rooms, each of which uses none but those before it.
+DESKTOP = ["Host/Desktop/" + name for name in ("Logic", "Theme", "Timeline", "ViewHost", "Shell")]
+for number, desktop_room in enumerate(DESKTOP):
+    MAY_USE[desktop_room] = [*PORTABLE, "Source/View", *DESKTOP[:number]]
 
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*(?:"([^"]+)"|<([^>]+)>)')
 
 
 def room_of(path):
     """Source/BWF of Source/BWF/AES31BWF.h."""
-    return "/".join(path.parts[:2])
+    return "/".join(path.parts[:3 if path.parts[:2] == ("Host", "Desktop") else 2])
 
 
 def resolve(root, file, name):

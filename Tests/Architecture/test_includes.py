@@ -50,6 +50,12 @@ class WrongArrows(unittest.TestCase):
         self.write("Source/ADL/Bad.cpp", '#include "Session/Session.h"\n')
         self.assert_fault("Source/ADL/Bad.cpp:1: Source/ADL may not use Host/Session: Host/Session/Session.h")
 
+    def test_room_of_the_desktop_that_uses_a_later_one(self):
+        self.write("Host/Desktop/Shell/Window.h", '#include "Desktop/Theme/Palette.h"\n')
+        self.write("Host/Desktop/Theme/Palette.h", '#include "Desktop/Shell/Window.h"\n')
+        self.assert_fault("Host/Desktop/Theme/Palette.h:1: Host/Desktop/Theme may not use "
+                          "Host/Desktop/Shell: Host/Desktop/Shell/Window.h")
+
     def test_way_round_by_a_relative_path(self):
         self.write("Source/Base/Bad.mm", '#  import "../ADL/Project.h"\n')
         self.assert_fault("Source/Base/Bad.mm:1: Source/Base may not use Source/ADL: Source/ADL/Project.h")

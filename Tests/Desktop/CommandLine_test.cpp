@@ -1,4 +1,4 @@
-#include "Desktop/Shell/CommandLine.h"
+#include "Desktop/Logic/CommandLine.h"
 
 #include <gtest/gtest.h>
 
@@ -53,12 +53,27 @@ TEST(CommandLine, helpEndsWithSuccessAndExamples) {
   EXPECT_NE(parsed.out.find("Examples:"), std::string::npos);
 }
 
-TEST(CommandLine, badUsageEndsWithOneAndAReason) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"--nonsense"}, {"a.adl", "b.adl"}, {"--snapshot"}, {"--spot"}}) {
-    const Parsed parsed = Parse(arguments);
-    EXPECT_EQ(parsed.status, 1) << arguments[0];
-    EXPECT_FALSE(parsed.err.empty()) << arguments[0];
+struct BadUsage {
+  std::vector<std::string> arguments;
+  const char* reason;
+};
+
+TEST(CommandLine, badUsageEndsWithOneAndNamesWhatIsWrong) {
+  const BadUsage cases[] = {
+      {{"--nonsense"}, "there is no option '--nonsense'"},
+      {{"frob", "--x"}, "there is no option '--x'"},
+      {{"a.adl", "b.adl"}, "one project at a time: 'b.adl' is one too many"},
+      {{"a.adl", "b.adl", "-x"}, "there is no option '-x'"},
+      {{"--snapshot"}, "--snapshot: a value must follow: FILE.png"},
+      {{"--bundle", "a", "--bundle", "b"}, "--bundle: given more than once"},
+      {{"--spot"}, "--spot needs a project to place"},
+  };
+  for (const BadUsage& usage : cases) {
+    const Parsed parsed = Parse(usage.arguments);
+    EXPECT_EQ(parsed.status, 1) << usage.reason;
+    EXPECT_EQ(parsed.err, std::string("velmora-desktop: ") + usage.reason +
+                              "\nTry 'velmora-desktop --help'.\n");
+    EXPECT_EQ(parsed.out, "") << usage.reason;
   }
 }
 

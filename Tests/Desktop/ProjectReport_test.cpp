@@ -1,8 +1,9 @@
-#include "Desktop/Shell/ProjectReport.h"
+#include "Desktop/Logic/ProjectReport.h"
 
 #include <gtest/gtest.h>
 
 #include "Support/ProjectBuilder.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora::desktop {
 namespace {
@@ -17,8 +18,8 @@ constexpr host::SessionRates kSession25{48000, 2};  // of the builder's timestam
 ProjectFacts FactsOfFile(const std::string& path) {
   bool ok = false;
   AES31Project project(path.c_str(), nullptr, &ok);
-  return ok ? GatherFacts(path, &project, std::nullopt)
-            : GatherFacts(path, nullptr, project.failure);
+  return ok ? GatherFacts(path, &project, nullptr)
+            : GatherFacts(path, nullptr, &project.failure.value());
 }
 
 std::vector<std::string> Texts(const std::vector<StatusItem>& items) {
@@ -98,12 +99,12 @@ TEST_F(ProjectReportTest, aSourceThatNoCutNamesIsNotMissed) {
   folder_.Write("a.wav", "x");
   const ProjectFacts facts =
       Load(ProjectBuilder().Source(1, "a.wav").Source(2, "b.wav").Cut(CutOf(1)));
-  EXPECT_TRUE(facts.missing.empty());
+  EXPECT_TRUE(facts.summary.missing.empty());
 }
 
 TEST_F(ProjectReportTest, aCutOfASourceOutsideTheIndexIsTold) {
   const ProjectFacts facts = Load(ProjectBuilder().Cut(CutOf(7)));
-  EXPECT_EQ(facts.missing, std::vector<std::string>{"source 7 (not in the source index)"});
+  EXPECT_EQ(MissingList(facts), "source 7 (not in the source index)\n");
 }
 
 TEST_F(ProjectReportTest, aProjectWithoutCutsSaysSo) {
@@ -116,8 +117,8 @@ TEST_F(ProjectReportTest, aProjectWithoutCutsSaysSo) {
 TEST_F(ProjectReportTest, theEarliestCutIsFoundWhereverItStands) {
   const ProjectFacts facts =
       Load(ProjectBuilder().Source(1, "a").Silence().Cut(CutOf(1, 9600)).Cut(CutOf(1, 1920)));
-  EXPECT_EQ(facts.earliest, Stamp(1920));
-  EXPECT_EQ(facts.cuts, 2U);
+  EXPECT_EQ(facts.summary.earliest, Stamp(1920));
+  EXPECT_EQ(facts.summary.cuts, 2U);
 }
 
 TEST_F(ProjectReportTest, differentSampleRatesAreBothShown) {
@@ -128,6 +129,22 @@ TEST_F(ProjectReportTest, differentSampleRatesAreBothShown) {
   EXPECT_EQ(texts[0], "Project at 48000 Hz, session at 44100 Hz");
   // One frame of 1920 samples reads as one of 1764.
   EXPECT_EQ(texts[1], "The session's timebase moves everything by -156 samples");
+}
+
+// 48000/1.001 Hz has no 32-bit float: the session's rate is the nearest, a hair beside the
+// project's.
+TEST_F(ProjectReportTest, aPulledProjectInItsOwnSessionHasNoRateToTell) {
+  folder_.Write("a.wav", "x");
+  CutSpec cut = CutOf(1);
+  for (std::string* stamp : {&cut.destIn, &cut.destOut})
+    stamp->at(11) = '-';  // 48000 Hz pulled down
+  const ProjectFacts facts = Load(ProjectBuilder().Source(1, "a.wav").Cut(cut));
+  const host::SessionRates session = host::PresetFor(facts.summary.earliest.c_str());
+  ASSERT_NE(static_cast<double>(session.sampleRate), AdlSampleRate(facts.summary.earliest.c_str()));
+  EXPECT_EQ(Texts(DescribeProject(facts, session)),
+            std::vector<std::string>{"1 cut from 1 audio file, all found"});
+  EXPECT_EQ(Texts(DescribeProject(facts, {48000, session.frameRate}))[0],
+            "Project at 47952.048 Hz, session at 48000 Hz");
 }
 
 TEST_F(ProjectReportTest, aRemainderThatTheTimebaseDropsIsTold) {
@@ -146,8 +163,7 @@ TEST_F(ProjectReportTest, aFailedLoadTellsLineAndReason) {
   ASSERT_EQ(items.size(), 1U);
   EXPECT_EQ(items[0].severity, Severity::Problem);
   EXPECT_EQ(items[0].text,
-            "Demo.adl does not load: line 12, section EVENT_LIST, (Infade): the length is no "
-            "timestamp");
+            "Demo.adl does not load: line 12: <EVENT_LIST> (Infade): the length is no timestamp");
 }
 
 TEST_F(ProjectReportTest, aFileThatCannotBeReadHasNoLine) {

@@ -1,4 +1,4 @@
-#include "Desktop/ViewHost/SessionReceiver.h"
+#include "Desktop/Logic/SessionReceiver.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ TEST_F(SessionReceiverTest, givesOneNoticeUntilItIsAnswered) {
   Spot(0);
   Spot(100);
   EXPECT_EQ(notices_, 1);
-  receiver_.TakeNew();
+  EXPECT_EQ(receiver_.TakeNew().size(), 2U);
   Spot(200);
   EXPECT_EQ(notices_, 2);
 }

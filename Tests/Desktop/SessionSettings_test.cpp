@@ -1,4 +1,4 @@
-#include "Desktop/ViewHost/SessionSettings.h"
+#include "Desktop/Logic/SessionSettings.h"
 
 #include <gtest/gtest.h>
 

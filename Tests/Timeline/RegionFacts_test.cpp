@@ -1,8 +1,8 @@
 #include "Timeline/RegionFacts.h"
 
-#include "Base/FileNames.h"
-
 #include <gtest/gtest.h>
+
+#include "Base/FileNames.h"
 
 namespace velmora::timeline {
 namespace {

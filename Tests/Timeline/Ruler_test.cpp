@@ -69,7 +69,8 @@ TEST(Ruler, ticksRiseFromLeftToRight) {
 
 TEST(Ruler, dropFrameLabelsTheMinuteAtItsFirstFrame) {
   // 1600 samples a pixel, about a frame each: the minute's numbers 0 and 1 do not exist.
-  const auto ticks = RulerTicks(ScaleOf(1600, 2882880 - 16000), host::SessionClock({48000, 4}), 40, 90);
+  const auto ticks =
+      RulerTicks(ScaleOf(1600, 2882880 - 16000), host::SessionClock({48000, 4}), 40, 90);
   const auto labels = Labels(ticks);
   ASSERT_FALSE(labels.empty());
   EXPECT_EQ(labels.back(), "00:01:00;02");

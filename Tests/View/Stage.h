@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Desktop/Shell/CommandLine.h"
+#include "Desktop/Logic/CommandLine.h"
 #import "Desktop/Shell/SessionBar.h"
 #import "Desktop/Shell/ShellController.h"
 #import "Desktop/Timeline/TimelinePane.h"

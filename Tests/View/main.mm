@@ -10,6 +10,7 @@
 #include <string>
 
 #import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Theme/ToolkitDefaults.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/Panels.h"
@@ -107,7 +108,7 @@ int main(int argc, char** argv) {
 
   // From here on as the shell's program does it.
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
-  [[NSUserDefaults standardUserDefaults] registerDefaults:[DesktopTheme userDefaults]];
+  [[NSUserDefaults standardUserDefaults] registerDefaults:velmora::desktop::ToolkitDefaults()];
   [NSApplication sharedApplication];
   [DesktopTheme installWithBundleAtPath:StringOf(VELMORA_THEME)];
   [DesktopTheme installIcon];

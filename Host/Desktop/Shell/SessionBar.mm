@@ -2,16 +2,19 @@
 
 #include <vector>
 
-#import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Theme/Drawing.h"
+#include "Desktop/Theme/Metrics.h"
 #include "Session/SessionClock.h"
-#import "Desktop/Shell/ShellText.h"
+#import "View/TextConversion.h"
 
-using namespace velmora::host;
+using namespace velmora::desktop;
 
 namespace {
 
-constexpr CGFloat kGap = 8;
-constexpr CGFloat kControlHeight = 24;
+constexpr CGFloat kRateMenuWidth = 130;
+constexpr CGFloat kFrameRateMenuWidth = 144;
+constexpr CGFloat kClearButtonWidth = 110;
+constexpr CGFloat kGroupGap = 2 * kControlGap;  // between a control and the next one's label
 
 // Tags carry rates in thousandths of a hertz, which tells all of them apart.
 NSInteger TagOfRate(float rate) {
@@ -25,6 +28,9 @@ NSInteger TagOfRate(float rate) {
 - (void)fillRateMenu;
 - (void)fillFrameRateMenu;
 - (NSPopUpButton*)addMenuAt:(CGFloat)x width:(CGFloat)width toolTip:(NSString*)toolTip;
+- (void)addClearButton:(SEL)clear at:(CGFloat)x;
+- (void)addSummaryAt:(CGFloat)x;
+- (NSRect)controlAt:(CGFloat)x width:(CGFloat)width;
 - (void)chosen:(id)sender;
 @end
 
@@ -39,32 +45,19 @@ NSInteger TagOfRate(float rate) {
   target = aTarget;
   ratesAction = ratesChanged;
 
-  CGFloat x = [self addLabel:@"Session sample rate" at:12];
-  rateMenu = [self addMenuAt:x width:130 toolTip:@"What the session answers as its sample rate"];
+  CGFloat x = [self addLabel:@"Session sample rate" at:kWindowMargin];
+  rateMenu = [self addMenuAt:x
+                       width:kRateMenuWidth
+                     toolTip:@"What the session answers as its sample rate"];
   [self fillRateMenu];
-  x = [self addLabel:@"Frame rate" at:NSMaxX([rateMenu frame]) + 2 * kGap];
+  x = [self addLabel:@"Frame rate" at:NSMaxX([rateMenu frame]) + kGroupGap];
   frameRateMenu = [self addMenuAt:x
-                            width:144
+                            width:kFrameRateMenuWidth
                           toolTip:@"What the session answers as its timecode setting"];
   [self fillFrameRateMenu];
 
-  clearButton = [[NSButton alloc]
-      initWithFrame:NSMakeRect(NSMaxX([frameRateMenu frame]) + 2 * kGap,
-                               (NSHeight(frame) - kControlHeight) / 2, 110, kControlHeight)];
-  [clearButton setBezelStyle:NSRoundedBezelStyle];
-  [clearButton setTitle:@"Clear session"];
-  [clearButton setTarget:aTarget];
-  [clearButton setAction:clear];
-  [clearButton setEnabled:NO];
-  [self addSubview:clearButton];
-
-  const CGFloat left = NSMaxX([clearButton frame]) + 2 * kGap;
-  summaryField =
-      MakeLabel(NSMakeRect(left, (NSHeight(frame) - 16) / 2, NSWidth(frame) - left - 12, 16), 11);
-  [summaryField setAlignment:NSRightTextAlignment];
-  [summaryField setTextColor:[DesktopPalette quietText]];
-  [summaryField setAutoresizingMask:NSViewWidthSizable];
-  [self addSubview:summaryField];
+  [self addClearButton:clear at:NSMaxX([frameRateMenu frame]) + kGroupGap];
+  [self addSummaryAt:NSMaxX([clearButton frame]) + kGroupGap];
   return self;
 }
 
@@ -77,10 +70,8 @@ NSInteger TagOfRate(float rate) {
 }
 
 - (void)drawRect:(NSRect)rect {
-  [[DesktopPalette window] set];
-  NSRectFill(rect);
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(0, 0, NSWidth([self bounds]), 1));
+  Fill(rect, Tone::Window);
+  DrawBottomLine(self);
 }
 
 - (velmora::host::SessionRates)rates {
@@ -93,7 +84,7 @@ NSInteger TagOfRate(float rate) {
 - (void)setRates:(const velmora::host::SessionRates&)rates {
   const NSInteger tag = TagOfRate(rates.sampleRate);
   if ([rateMenu indexOfItemWithTag:tag] < 0) {
-    [rateMenu addItemWithTitle:StringOf(velmora::host::SampleRateName(rates.sampleRate))];
+    [rateMenu addItemWithTitle:StringFromText(velmora::host::SampleRateName(rates.sampleRate))];
     [[rateMenu lastItem] setTag:tag];
   }
   [rateMenu selectItemAtIndex:[rateMenu indexOfItemWithTag:tag]];
@@ -111,22 +102,21 @@ NSInteger TagOfRate(float rate) {
 
 // Returns where the control that the label names begins.
 - (CGFloat)addLabel:(NSString*)text at:(CGFloat)x {
-  NSTextField* label = MakeLabel(NSMakeRect(x, (NSHeight([self frame]) - 16) / 2, 10, 16), 11);
+  NSTextField* label = MakeLabel(NSMakeRect(x, 0, 10, kLabelHeight), kTextSize);
   [label setStringValue:text];
-  [label setTextColor:[DesktopPalette quietText]];
+  [label setTextColor:ColorOf(Tone::QuietText)];
   [label sizeToFit];
   NSRect frame = [label frame];
   frame.origin.y = (NSHeight([self frame]) - NSHeight(frame)) / 2;
   [label setFrame:frame];
   [self addSubview:label];
   [label release];
-  return NSMaxX(frame) + kGap;
+  return NSMaxX(frame) + kControlGap;
 }
 
 - (NSPopUpButton*)addMenuAt:(CGFloat)x width:(CGFloat)width toolTip:(NSString*)toolTip {
-  const NSRect frame =
-      NSMakeRect(x, (NSHeight([self frame]) - kControlHeight) / 2, width, kControlHeight);
-  NSPopUpButton* menu = [[NSPopUpButton alloc] initWithFrame:frame pullsDown:NO];
+  NSPopUpButton* menu = [[NSPopUpButton alloc] initWithFrame:[self controlAt:x width:width]
+                                                   pullsDown:NO];
   [menu setAutoenablesItems:NO];
   [menu setTarget:self];
   [menu setAction:@selector(chosen:)];
@@ -137,7 +127,7 @@ NSInteger TagOfRate(float rate) {
 
 - (void)fillRateMenu {
   for (const float rate : velmora::host::OfferedSampleRates()) {
-    [rateMenu addItemWithTitle:StringOf(velmora::host::SampleRateName(rate))];
+    [rateMenu addItemWithTitle:StringFromText(velmora::host::SampleRateName(rate))];
     [[rateMenu lastItem] setTag:TagOfRate(rate)];
   }
 }
@@ -148,6 +138,32 @@ NSInteger TagOfRate(float rate) {
     [frameRateMenu addItemWithTitle:title];
     [[frameRateMenu lastItem] setTag:static_cast<NSInteger>(code)];
   }
+}
+
+- (void)addClearButton:(SEL)clear at:(CGFloat)x {
+  clearButton = [[NSButton alloc] initWithFrame:[self controlAt:x width:kClearButtonWidth]];
+  [clearButton setBezelStyle:NSRoundedBezelStyle];
+  [clearButton setTitle:@"Clear session"];
+  [clearButton setTarget:target];
+  [clearButton setAction:clear];
+  [clearButton setEnabled:NO];
+  [self addSubview:clearButton];
+}
+
+// The summary has the rest of the bar, and stands at its end.
+- (void)addSummaryAt:(CGFloat)x {
+  summaryField = MakeLabel(NSMakeRect(x, (NSHeight([self frame]) - kLabelHeight) / 2,
+                                      NSWidth([self frame]) - x - kWindowMargin, kLabelHeight),
+                           kTextSize);
+  [summaryField setAlignment:NSRightTextAlignment];
+  [summaryField setTextColor:ColorOf(Tone::QuietText)];
+  [summaryField setAutoresizingMask:NSViewWidthSizable];
+  [self addSubview:summaryField];
+}
+
+// The frame of a control, in the middle of the bar's height.
+- (NSRect)controlAt:(CGFloat)x width:(CGFloat)width {
+  return NSMakeRect(x, (NSHeight([self frame]) - kControlHeight) / 2, width, kControlHeight);
 }
 
 - (void)chosen:(id)sender {

@@ -4,15 +4,16 @@
 #include <cmath>
 #include <cstdio>
 
-#import "Desktop/Theme/DesktopTheme.h"
-#import "Desktop/ViewHost/LoadObserver.h"
+#include "Desktop/Logic/ExitStatus.h"
 #import "Desktop/Shell/SessionBar.h"
 #import "Desktop/Shell/ShellMenu.h"
-#import "Desktop/Shell/ShellText.h"
+#import "Desktop/Shell/ShellSplit.h"
 #import "Desktop/Shell/Snapshot.h"
 #import "Desktop/Shell/StatusLine.h"
+#import "Desktop/Theme/DesktopTheme.h"
 #import "Desktop/Timeline/TimelinePane.h"
 #import "Desktop/ViewHost/ViewConnection.h"
+#import "View/TextConversion.h"
 
 using namespace velmora::desktop;
 
@@ -23,39 +24,17 @@ constexpr NSTimeInterval kSummaryDelay = 0.5;
 
 constexpr CGFloat kBarHeight = 44;
 constexpr CGFloat kStatusHeight = 26;
-constexpr CGFloat kDividerHeight = 7;
 constexpr CGFloat kTimelineHeight = 300;
-constexpr CGFloat kUsualTimelineHeight = 224;  // four tracks
-constexpr CGFloat kLeastTimelineHeight = 120;
-constexpr CGFloat kLeastViewHeight = 620;  // below it the view's parts lie over each other
-constexpr CGFloat kLeastWidth = 980;
 constexpr CGFloat kUsualWidth = 1120;
+constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and panels
 
 }  // namespace
-
-// Draws its divider as the theme would.
-@interface ShellSplitView : NSSplitView
-@end
-
-@implementation ShellSplitView
-
-- (CGFloat)dividerThickness {
-  return kDividerHeight;
-}
-
-- (void)drawDividerInRect:(NSRect)rect {
-  [[DesktopPalette raised] set];
-  NSRectFill(rect);
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(NSMidX(rect) - 18, std::floor(NSMidY(rect)) - 1, 36, 2));
-}
-
-@end
 
 @interface ShellController (Building)
 - (BOOL)makeView;
 - (void)makeWindow;
 - (void)fillWindow;
+- (void)fillMiddle:(NSRect)frame;
 @end
 
 @interface ShellController (Events)
@@ -65,6 +44,7 @@ constexpr CGFloat kUsualWidth = 1120;
 - (void)showSummary:(NSTimer*)timer;
 - (NSTimer*)timerAfter:(NSTimeInterval)delay selector:(SEL)selector;
 - (void)ratesChanged:(id)sender;
+- (void)showRates;
 - (void)showStatus;
 - (void)runRequests:(id)sender;
 - (void)finishSnapshot:(NSTimer*)timer;
@@ -103,13 +83,12 @@ constexpr CGFloat kUsualWidth = 1120;
   if (![self makeView]) return NO;
   [[NSNotificationCenter defaultCenter] addObserver:self
                                            selector:@selector(didLoad:)
-                                               name:DesktopDidLoadFileNotification
+                                               name:[ViewConnection didLoadNotification]
                                              object:nil];
   [self makeWindow];
   [self fillWindow];
   InstallShellMenu([pane timeline], self);
-  [bar setRates:settings.Rates()];
-  [pane setClock:velmora::host::SessionClock(settings.Rates())];
+  [self showRates];
   [bar setSummary:@""];
   [self showStatus];
   [window makeKeyAndOrderFront:nil];
@@ -185,7 +164,7 @@ constexpr CGFloat kUsualWidth = 1120;
 
 - (BOOL)makeView {
   std::string error;
-  view = [[ViewConnection alloc] initWithBundleAtPath:StringOf(options.bundle)
+  view = [[ViewConnection alloc] initWithBundleAtPath:StringFromText(options.bundle)
                                              settings:&settings
                                                  host:receiver.get()
                                                 error:&error];
@@ -195,7 +174,8 @@ constexpr CGFloat kUsualWidth = 1120;
 
 - (void)makeWindow {
   const NSSize size = [[view view] frame].size;
-  const NSRect screen = NSInsetRect([[NSScreen mainScreen] visibleFrame], 10, 36);
+  const NSRect screen =
+      NSInsetRect([[NSScreen mainScreen] visibleFrame], kScreenMargin.width, kScreenMargin.height);
   const CGFloat width = std::max(size.width, kUsualWidth);
   const CGFloat height = kBarHeight + size.height + kTimelineHeight + kStatusHeight;
   NSRect content =
@@ -210,9 +190,8 @@ constexpr CGFloat kUsualWidth = 1120;
   [window setTitle:@"Velmora"];
   [window setReleasedWhenClosed:NO];
   [window setAcceptsMouseMovedEvents:YES];
-  const CGFloat leastHeight =
-      kBarHeight + kLeastViewHeight + kDividerHeight + kLeastTimelineHeight + kStatusHeight;
-  const NSRect least = NSMakeRect(0, 0, kLeastWidth, leastHeight);
+  const NSSize inside = [ShellSplit leastSize];
+  const NSRect least = NSMakeRect(0, 0, inside.width, kBarHeight + inside.height + kStatusHeight);
   [window setMinSize:[window frameRectForContentRect:least].size];
   [window setDelegate:(id)self];
 }
@@ -230,50 +209,17 @@ constexpr CGFloat kUsualWidth = 1120;
   status = [[StatusLine alloc] initWithFrame:NSMakeRect(0, 0, width, kStatusHeight)];
   [status setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
 
-  const CGFloat middle = height - kBarHeight - kStatusHeight;
-  split = [[ShellSplitView alloc] initWithFrame:NSMakeRect(0, kStatusHeight, width, middle)];
-  [split setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
-  [split setVertical:NO];
-  [split setDelegate:(id)self];
-  const CGFloat room = middle - [split dividerThickness];
-  const CGFloat wanted = std::max(kUsualTimelineHeight, room - NSHeight([[view view] frame]));
-  const CGFloat below =
-      std::max(kLeastTimelineHeight, std::min(wanted, room - kLeastViewHeight));
-  pane = [[TimelinePane alloc] initWithFrame:NSMakeRect(0, 0, width, below)];
-  [[view view] setFrame:NSMakeRect(0, 0, width, room - below)];
-  [split addSubview:[view view]];
-  [split addSubview:pane];
-  [split adjustSubviews];
+  [self fillMiddle:NSMakeRect(0, kStatusHeight, width, height - kBarHeight - kStatusHeight)];
 
   [content addSubview:bar];
   [content addSubview:split];
   [content addSubview:status];
 }
 
-// The view keeps the height below which its parts would lie over each other; what is left beyond it
-// is the timeline's, but for its own least height.
-- (void)splitView:(NSSplitView*)sender resizeSubviewsWithOldSize:(NSSize)oldSize {
-  const CGFloat width = NSWidth([sender bounds]);
-  const CGFloat divider = [sender dividerThickness];
-  const CGFloat room = NSHeight([sender bounds]) - divider;
-  const CGFloat most = std::max(kLeastTimelineHeight, room - kLeastViewHeight);
-  const CGFloat below = std::min(std::max(NSHeight([pane frame]), kLeastTimelineHeight), most);
-  [[view view] setFrame:NSMakeRect(0, 0, width, room - below)];
-  [pane setFrame:NSMakeRect(0, room - below + divider, width, below)];
-}
-
-// Neither half may vanish under the divider.
-
-- (CGFloat)splitView:(NSSplitView*)sender
-    constrainMinCoordinate:(CGFloat)proposed
-               ofSubviewAt:(NSInteger)index {
-  return kLeastViewHeight;
-}
-
-- (CGFloat)splitView:(NSSplitView*)sender
-    constrainMaxCoordinate:(CGFloat)proposed
-               ofSubviewAt:(NSInteger)index {
-  return NSHeight([sender bounds]) - kLeastTimelineHeight;
+- (void)fillMiddle:(NSRect)frame {
+  pane = [[TimelinePane alloc] initWithFrame:NSMakeRect(0, 0, NSWidth(frame), kTimelineHeight)];
+  split = [[ShellSplit alloc] initWithFrame:frame upper:[view view] lower:pane];
+  [split setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
 }
 
 @end
@@ -282,15 +228,14 @@ constexpr CGFloat kUsualWidth = 1120;
 
 - (void)didLoad:(NSNotification*)notification {
   facts = [view facts];
-  if (facts.Loaded() && !facts.earliest.empty()) {
-    settings.SetRates(velmora::host::PresetFor(facts.earliest.c_str()));
-    [bar setRates:settings.Rates()];
-    [pane setClock:velmora::host::SessionClock(settings.Rates())];
+  if (facts.Loaded() && !facts.summary.earliest.empty()) {
+    settings.SetRates(velmora::host::PresetFor(facts.summary.earliest.c_str()));
+    [self showRates];
   }
-  [window setTitle:facts.path.empty()
-                       ? @"Velmora"
-                       : [NSString stringWithFormat:@"%@ \u2013 Velmora",
-                                                    [StringOf(facts.path) lastPathComponent]]];
+  [window setTitle:facts.path.empty() ? @"Velmora"
+                                      : [NSString stringWithFormat:@"%@ \u2013 Velmora",
+                                                                   [StringFromText(facts.path)
+                                                                       lastPathComponent]]];
   [self showStatus];
 }
 
@@ -313,7 +258,7 @@ constexpr CGFloat kUsualWidth = 1120;
 - (void)showSummary:(NSTimer*)timer {
   [summaryTimer invalidate];
   summaryTimer = nil;
-  [bar setSummary:StringOf(DescribeSession(receiver->Summary()))];
+  [bar setSummary:StringFromText(DescribeSession(receiver->Summary()))];
 }
 
 // A timer that also fires while a menu or an alert is open.
@@ -330,17 +275,23 @@ constexpr CGFloat kUsualWidth = 1120;
 
 - (void)ratesChanged:(id)sender {
   settings.SetRates([bar rates]);
-  [pane setClock:velmora::host::SessionClock(settings.Rates())];
+  [self showRates];
   [self showStatus];
 }
 
+- (void)showRates {
+  [bar setRates:settings.Rates()];
+  [pane setClock:velmora::host::SessionClock(settings.Rates())];
+}
+
 - (void)showStatus {
-  [status showItems:DescribeProject(facts, settings.Rates()) list:StringOf(MissingList(facts))];
+  [status showItems:DescribeProject(facts, settings.Rates())
+               list:StringFromText(MissingList(facts))];
 }
 
 // What the command line asked for, once the window stands.
 - (void)runRequests:(id)sender {
-  if (!options.project.empty()) [view loadFile:StringOf(options.project)];
+  if (!options.project.empty()) [view loadFile:StringFromText(options.project)];
   if (options.spot) [view spot];
   if (options.snapshot.empty()) return;
   [NSTimer scheduledTimerWithTimeInterval:0.1
@@ -355,13 +306,13 @@ constexpr CGFloat kUsualWidth = 1120;
   [timer invalidate];
   [pane addRegions:receiver->TakeNew()];
   [self showSummary:nil];
-  const BOOL written = WriteSnapshot(window, StringOf(options.snapshot));
+  const BOOL written = WriteSnapshot(window, StringFromText(options.snapshot));
   if (!written) {
     std::fprintf(stderr, "velmora-desktop: cannot write %s\n", options.snapshot.c_str());
   }
   closing = YES;
   [view close];
-  std::exit(written ? 0 : 4);
+  std::exit(written ? kDone : kNoWindow);
 }
 
 @end

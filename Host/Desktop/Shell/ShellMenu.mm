@@ -19,8 +19,8 @@ void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count)
     }
     // GNUstep's header says id <NSMenuItem>, which clang takes for another type.
     NSMenuItem* item = (NSMenuItem*)[menu addItemWithTitle:items[i].title
-                                       action:items[i].action
-                                keyEquivalent:items[i].key];
+                                                    action:items[i].action
+                                             keyEquivalent:items[i].key];
     [item setTarget:items[i].target];
   }
   NSMenuItem* entry = (NSMenuItem*)[bar addItemWithTitle:title action:NULL keyEquivalent:@""];

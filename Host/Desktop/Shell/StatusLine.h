@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "Desktop/Shell/ProjectReport.h"
+#include "Desktop/Logic/ProjectReport.h"
 
 // The line at the window's bottom. What does not fit is in its tool tip, and a click on a line
 // about missing files lists all of them.

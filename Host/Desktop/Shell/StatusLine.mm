@@ -1,22 +1,23 @@
 #import "Desktop/Shell/StatusLine.h"
 
-#import "Desktop/Theme/DesktopTheme.h"
-#import "Desktop/Shell/ShellText.h"
+#include "Desktop/Theme/Drawing.h"
+#include "Desktop/Theme/Metrics.h"
+#import "View/TextConversion.h"
 
 using namespace velmora::desktop;
 
 namespace {
 
-NSColor* ColorOf(Severity severity) {
+Tone ToneOf(Severity severity) {
   switch (severity) {
     case Severity::Problem:
-      return [DesktopPalette problem];
+      return Tone::Problem;
     case Severity::Notice:
-      return [DesktopPalette notice];
+      return Tone::Notice;
     case Severity::Quiet:
       break;
   }
-  return [DesktopPalette quietText];
+  return Tone::QuietText;
 }
 
 }  // namespace
@@ -30,7 +31,8 @@ NSColor* ColorOf(Severity severity) {
 - (id)initWithFrame:(NSRect)frame {
   self = [super initWithFrame:frame];
   if (self == nil) return nil;
-  field = MakeLabel(NSMakeRect(12, 5, NSWidth(frame) - 24, 16), 11);
+  field = MakeLabel(NSMakeRect(kWindowMargin, 5, NSWidth(frame) - 2 * kWindowMargin, kLabelHeight),
+                    kTextSize);
   [field setAutoresizingMask:NSViewWidthSizable];
   [self addSubview:field];
   list = @"";
@@ -44,10 +46,8 @@ NSColor* ColorOf(Severity severity) {
 }
 
 - (void)drawRect:(NSRect)rect {
-  [[DesktopPalette raised] set];
-  NSRectFill(rect);
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(0, NSHeight([self bounds]) - 1, NSWidth([self bounds]), 1));
+  Fill(rect, Tone::Raised);
+  DrawTopLine(self);
 }
 
 // The label must not swallow the click that asks for the list.
@@ -60,14 +60,14 @@ NSColor* ColorOf(Severity severity) {
   NSMutableString* tip = [NSMutableString string];
   for (const StatusItem& item : items) {
     NSDictionary* attributes = [NSDictionary
-        dictionaryWithObjectsAndKeys:ColorOf(item.severity), NSForegroundColorAttributeName,
-                                     [NSFont systemFontOfSize:11], NSFontAttributeName, nil];
+        dictionaryWithObjectsAndKeys:ColorOf(ToneOf(item.severity)), NSForegroundColorAttributeName,
+                                     [NSFont systemFontOfSize:kTextSize], NSFontAttributeName, nil];
     NSString* gap = [line length] > 0 ? @"     " : @"";
-    NSString* text = [gap stringByAppendingString:StringOf(item.text)];
+    NSString* text = [gap stringByAppendingString:StringFromText(item.text)];
     [line appendAttributedString:[[[NSAttributedString alloc] initWithString:text
                                                                   attributes:attributes]
                                      autorelease]];
-    [tip appendFormat:@"%@%@", [tip length] > 0 ? @"\n" : @"", StringOf(item.text)];
+    [tip appendFormat:@"%@%@", [tip length] > 0 ? @"\n" : @"", StringFromText(item.text)];
   }
   [field setAttributedStringValue:line];
   [self setToolTip:tip];
@@ -96,7 +96,7 @@ NSColor* ColorOf(Severity severity) {
   [scroll setHasVerticalScroller:YES];
   NSTextView* text = [[[NSTextView alloc] initWithFrame:frame] autorelease];
   [text setEditable:NO];
-  [text setFont:[NSFont systemFontOfSize:11]];
+  [text setFont:[NSFont systemFontOfSize:kTextSize]];
   [text setString:list];
   [scroll setDocumentView:text];
   [panel setContentView:scroll];

@@ -3,24 +3,25 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
 
-#include "Desktop/Shell/CommandLine.h"
-#import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Logic/CommandLine.h"
+#include "Desktop/Logic/ExitStatus.h"
 #import "Desktop/Shell/ShellController.h"
-#import "Desktop/Shell/ShellText.h"
 #import "Desktop/Shell/SignalWatch.h"
+#import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Theme/ToolkitDefaults.h"
+#import "View/TextConversion.h"
 
-using velmora::desktop::ShellOptions;
+using namespace velmora::desktop;
 
 namespace {
 
-constexpr int kNoWindow = 4;  // no display, or no view to show
-
-// The path of the bundle or the theme: beside the program, as it is built, or where an install puts it.
-// Both places are told from the program's own, so the tree may be moved.
+// The path of the bundle or the theme: beside the program, as it is built, or where an install puts
+// it. Both places are told from the program's own, so the tree may be moved.
 std::string PathOfResource(const char* name) {
   std::error_code error;
   const std::filesystem::path folder =
@@ -59,7 +60,7 @@ void Connect() {
 
 int main(int argc, char** argv) {
   ShellOptions options;
-  const auto status = velmora::desktop::ParseCommandLine({argv + 1, argv + argc}, options);
+  const std::optional<int> status = ParseCommandLine({argv + 1, argv + argc}, options);
   if (status) return *status;
   if (options.bundle.empty()) options.bundle = PathOfResource("Velmora.bundle");
 
@@ -67,15 +68,15 @@ int main(int argc, char** argv) {
   HideArguments(argv);
   [SignalWatch start];  // before any thread is there to take a signal the toolkit's way
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
-  [[NSUserDefaults standardUserDefaults] registerDefaults:[DesktopTheme userDefaults]];
+  [[NSUserDefaults standardUserDefaults] registerDefaults:ToolkitDefaults()];
   Connect();
-  [DesktopTheme installWithBundleAtPath:StringOf(PathOfResource("VelmoraDesktop.theme"))];
+  [DesktopTheme installWithBundleAtPath:StringFromText(PathOfResource("VelmoraDesktop.theme"))];
   [DesktopTheme installIcon];
 
   ShellController* shell = [[ShellController alloc] initWithShellOptions:options];
   [NSApp setDelegate:(id)shell];
-  // A pool of its own: what the nib left in the outer one would keep the view's controller alive, and
-  // it is the controller's end that waits for a running spot.
+  // A pool of its own: what the nib left in the outer one would keep the view's controller alive,
+  // and it is the controller's end that waits for a running spot.
   NSAutoreleasePool* opening = [NSAutoreleasePool new];
   const BOOL open = [shell openWindow];
   [opening release];

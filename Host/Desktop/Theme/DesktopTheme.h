@@ -3,20 +3,6 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
-// The colours of the shell, for its own drawing as well as for the theme's.
-@interface DesktopPalette : NSObject
-+ (NSColor*)window;     // behind all controls
-+ (NSColor*)surface;    // fields, tables, lanes
-+ (NSColor*)raised;     // buttons, headers
-+ (NSColor*)line;       // borders
-+ (NSColor*)faintLine;  // grids
-+ (NSColor*)text;
-+ (NSColor*)quietText;
-+ (NSColor*)accent;
-+ (NSColor*)problem;
-+ (NSColor*)notice;
-@end
-
 // A light, flat look. It replaces the toolkit's bevels by thin lines, its greys by a list of
 // colours, and its pictures by those of the theme's bundle.
 @interface DesktopTheme : GSTheme {
@@ -31,9 +17,5 @@
 // before the first window is made, and again when the application has finished launching, which
 // chooses an icon of its own.
 + (void)installIcon;
-
-// Fonts and interface styles that go with the theme; to be registered before the first use of the
-// toolkit, as defaults that a user's own override.
-+ (NSDictionary*)userDefaults;
 
 @end

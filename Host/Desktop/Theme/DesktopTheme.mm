@@ -1,175 +1,49 @@
 #import "Desktop/Theme/DesktopTheme.h"
 
+#include <algorithm>
+
+#include "Desktop/Theme/Drawing.h"
+#include "Desktop/Theme/ToolkitColors.h"
+
+using namespace velmora::desktop;
+
 namespace {
 
 NSString* const kThemeName = @"VelmoraDesktop";
 
-NSColor* Rgb(unsigned hex) {
-  return [NSColor colorWithCalibratedRed:((hex >> 16) & 0xFF) / 255.0
-                                   green:((hex >> 8) & 0xFF) / 255.0
-                                    blue:(hex & 0xFF) / 255.0
-                                   alpha:1.0];
-}
-
-struct NamedColor {
-  NSString* name;
-  unsigned hex;
-};
-
-// System colours by the names that the toolkit looks them up under.
-const NamedColor kSystemColors[] = {
-    {@"alternateRowBackgroundColor", 0xF3F5F9},
-    {@"controlAlternatingRowBackgroundColor", 0xF3F5F9},
-    {@"controlBackgroundColor", 0xFFFFFF},
-    {@"controlColor", 0xFFFFFF},
-    {@"controlDarkShadowColor", 0xCBD1DA},
-    {@"controlHighlightColor", 0xF1F3F6},
-    {@"controlLightHighlightColor", 0xFFFFFF},
-    {@"controlShadowColor", 0xCBD1DA},
-    {@"controlTextColor", 0x1F2933},
-    {@"disabledControlTextColor", 0x9AA5B1},
-    {@"gridColor", 0xE7EAEF},
-    {@"headerColor", 0xEEF1F5},
-    {@"headerTextColor", 0x52606D},
-    {@"highlightColor", 0xFFFFFF},
-    {@"keyboardFocusIndicatorColor", 0x2F6FDE},
-    {@"knobColor", 0xB4BDC9},
-    {@"scrollBarColor", 0xEEF1F5},
-    {@"secondarySelectedControlColor", 0xDCE7FA},
-    {@"selectedControlColor", 0xDCE7FA},
-    {@"selectedControlTextColor", 0x1F2933},
-    {@"selectedKnobColor", 0x8E99A8},
-    {@"selectedMenuItemColor", 0x2F6FDE},
-    {@"selectedMenuItemTextColor", 0xFFFFFF},
-    {@"selectedTextBackgroundColor", 0xBFD6FB},
-    {@"selectedTextColor", 0x1F2933},
-    {@"shadowColor", 0xCBD1DA},
-    {@"textBackgroundColor", 0xFFFFFF},
-    {@"textColor", 0x1F2933},
-    {@"windowBackgroundColor", 0xF4F6F9},
-    {@"windowFrameColor", 0xE4E8EE},
-    {@"windowFrameTextColor", 0x1F2933},
-};
-
-// Colours that the theme's own drawing asks for by name.
-const NamedColor kThemeColors[] = {
-    {@"highlightedTableRowBackgroundColor", 0xDCE7FA},
-    {@"menuBackgroundColor", 0xFFFFFF},
-    {@"menuBarBackgroundColor", 0xF4F6F9},
-    {@"menuBarBorderColor", 0xF4F6F9},
-    {@"menuBorderColor", 0xCBD1DA},
-    {@"menuItemBackgroundColor", 0xFFFFFF},
-    {@"menuSeparatorColor", 0xE7EAEF},
-    {@"tableHeaderTextColor", 0x52606D},
-    {@"browserHeaderTextColor", 0x52606D},
-    {@"toolbarBackgroundColor", 0xF4F6F9},
-    {@"windowBorderColor", 0xCBD1DA},
-};
-
-struct Default {
-  NSString* name;
-  NSString* value;
-};
-
-const Default kDefaults[] = {
-    {@"NSFont", @"DejaVuSans"},
-    {@"NSUserFont", @"DejaVuSans"},
-    {@"NSLabelFont", @"DejaVuSans"},
-    {@"NSControlContentFont", @"DejaVuSans"},
-    {@"NSMenuFont", @"DejaVuSans"},
-    {@"NSMessageFont", @"DejaVuSans"},
-    {@"NSToolTipsFont", @"DejaVuSans"},
-    {@"NSPaletteFont", @"DejaVuSans"},
-    {@"NSBoldFont", @"DejaVuSans-Bold"},
-    {@"NSTitleBarFont", @"DejaVuSans-Bold"},
-    {@"NSUserFixedPitchFont", @"DejaVuSansMono"},
-    {@"NSFontSize", @"11"},
-    {@"NSBoldFontSize", @"11"},
-    {@"NSLabelFontSize", @"11"},
-    {@"NSControlContentFontSize", @"11"},
-    {@"NSMenuFontSize", @"11"},
-    {@"NSMessageFontSize", @"12"},
-    {@"NSToolTipsFontSize", @"10"},
-    {@"NSUserFontSize", @"11"},
-    {@"NSUserFixedPitchFontSize", @"11"},
-    {@"GSSuppressAppIcon", @"YES"},
-    // A menu bar in the window, scrollers at the right, arrows at both ends.
-    {@"NSMenuInterfaceStyle", @"NSWindows95InterfaceStyle"},
-    {@"NSScrollViewInterfaceStyle", @"NSWindows95InterfaceStyle"},
-    {@"NSScrollerInterfaceStyle", @"NSWindows95InterfaceStyle"},
-    {@"GSScrollerDefaultWidth", @"14"},
-    {@"GSScrollViewNoInnerBorder", @"YES"},
-    {@"GSMenuBarHeight", @"24"},
-    {@"GSMenuItemHeight", @"22"},
-    {@"GSMenuSeparatorHeight", @"9"},
-    {@"GSToolTipsDelay", @"500"},
-    // Menu keys go with Ctrl, as on other desktops, and say so.
-    {@"GSFirstCommandKey", @"Control_L"},
-    {@"GSSecondCommandKey", @"Control_R"},
-    {@"GSFirstControlKey", @"Super_L"},
-    {@"GSSecondControlKey", @"Super_R"},
-    {@"GSFirstAlternateKey", @"Alt_L"},
-    {@"GSSecondAlternateKey", @"Alt_R"},
-    {@"GSCommandKeyString", @"Ctrl+"},
-    {@"GSControlKeyString", @"Super+"},
-    {@"GSAlternateKeyString", @"Alt+"},
-    {@"GSShiftKeyString", @"Shift+"},
-};
+constexpr CGFloat kCornerRadius = 4;  // of buttons and progress bars
+constexpr CGFloat kKnobInset = 3;     // between a scroller's slot and its knob
 
 NSBezierPath* RoundedRect(NSRect rect, CGFloat radius) {
   return [NSBezierPath bezierPathWithRoundedRect:rect xRadius:radius yRadius:radius];
 }
 
-// Outlines with whole pixels: a line of width 1 is crisp when it runs through pixel centres.
-void StrokeRounded(NSRect frame, CGFloat radius, NSColor* color) {
+// An outline of whole pixels: a line of width 1 is crisp when it runs through pixel centres.
+void StrokeRounded(NSRect frame, CGFloat radius, Tone tone) {
   NSBezierPath* path = RoundedRect(NSInsetRect(frame, 0.5, 0.5), radius);
   [path setLineWidth:1];
-  [color set];
+  [ColorOf(tone) set];
   [path stroke];
 }
 
+void DrawRounded(NSRect frame, CGFloat radius, Tone face, Tone outline) {
+  [ColorOf(face) set];
+  [RoundedRect(NSInsetRect(frame, 0.5, 0.5), radius) fill];
+  StrokeRounded(frame, radius, outline);
+}
+
 NSRect Framed(NSRect border) {
-  [[DesktopPalette line] set];
+  [ColorOf(Tone::Line) set];
   NSFrameRect(border);
   return NSInsetRect(border, 2, 2);
 }
 
+BOOL IsPressed(GSThemeControlState state) {
+  return state == GSThemeHighlightedState || state == GSThemeHighlightedFirstResponderState ||
+         state == GSThemeSelectedState || state == GSThemeSelectedFirstResponderState;
+}
+
 }  // namespace
-
-@implementation DesktopPalette
-
-+ (NSColor*)window {
-  return Rgb(0xF4F6F9);
-}
-+ (NSColor*)surface {
-  return Rgb(0xFFFFFF);
-}
-+ (NSColor*)raised {
-  return Rgb(0xEEF1F5);
-}
-+ (NSColor*)line {
-  return Rgb(0xCBD1DA);
-}
-+ (NSColor*)faintLine {
-  return Rgb(0xE7EAEF);
-}
-+ (NSColor*)text {
-  return Rgb(0x1F2933);
-}
-+ (NSColor*)quietText {
-  return Rgb(0x66727F);
-}
-+ (NSColor*)accent {
-  return Rgb(0x2F6FDE);
-}
-+ (NSColor*)problem {
-  return Rgb(0xC23B3B);
-}
-+ (NSColor*)notice {
-  return Rgb(0xA8660A);
-}
-
-@end
 
 @interface DesktopTheme (Parts)
 - (void)drawScrollerPart:(NSRect)frame named:(NSString*)name state:(GSThemeControlState)state;
@@ -199,12 +73,6 @@ NSRect Framed(NSRect border) {
   [NSApp setApplicationIconImage:icon];
 }
 
-+ (NSDictionary*)userDefaults {
-  NSMutableDictionary* defaults = [NSMutableDictionary dictionary];
-  for (const Default& setting : kDefaults) [defaults setObject:setting.value forKey:setting.name];
-  return defaults;
-}
-
 - (void)dealloc {
   [colorList release];
   [super dealloc];
@@ -215,18 +83,13 @@ NSRect Framed(NSRect border) {
 }
 
 - (NSColorList*)colors {
-  if (colorList == nil) {
-    colorList = [[NSColorList alloc] initWithName:@"System" fromFile:nil];
-    for (const NamedColor& color : kSystemColors)
-      [colorList setColor:Rgb(color.hex) forKey:color.name];
-  }
+  if (colorList == nil) colorList = MakeSystemColors();
   return colorList;
 }
 
 - (NSColor*)colorNamed:(NSString*)name state:(GSThemeControlState)state {
-  for (const NamedColor& color : kThemeColors)
-    if ([color.name isEqualToString:name]) return Rgb(color.hex);
-  return [super colorNamed:name state:state];
+  NSColor* color = ThemeColorNamed(name);
+  return color != nil ? color : [super colorNamed:name state:state];
 }
 
 // Bevels: each becomes one thin line.
@@ -258,7 +121,7 @@ NSRect Framed(NSRect border) {
 
 - (void)drawBorderType:(NSBorderType)type frame:(NSRect)frame view:(NSView*)view {
   if (type == NSNoBorder) return;
-  [[DesktopPalette line] set];
+  [ColorOf(Tone::Line) set];
   NSFrameRect(frame);
 }
 
@@ -267,7 +130,7 @@ NSRect Framed(NSRect border) {
 }
 
 - (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
-  StrokeRounded(frame, 3, [DesktopPalette accent]);
+  StrokeRounded(frame, 3, Tone::Accent);
 }
 
 // Buttons
@@ -282,16 +145,12 @@ NSRect Framed(NSRect border) {
     [self drawScrollerPart:frame named:name state:state];
     return;
   }
-  const BOOL pressed = state == GSThemeHighlightedState ||
-                       state == GSThemeHighlightedFirstResponderState ||
-                       state == GSThemeSelectedState || state == GSThemeSelectedFirstResponderState;
+  const BOOL pressed = IsPressed(state);
   const BOOL primary = [cell isKindOfClass:[NSButtonCell class]] &&
                        [[(NSButtonCell*)cell keyEquivalent] isEqualToString:@"\r"];
-  NSColor* fill = pressed ? Rgb(0xDCE7FA) : [DesktopPalette surface];
-  if (state == GSThemeDisabledState) fill = Rgb(0xF7F8FA);
-  [fill set];
-  [RoundedRect(NSInsetRect(frame, 0.5, 0.5), 4) fill];
-  StrokeRounded(frame, 4, primary ? [DesktopPalette accent] : [DesktopPalette line]);
+  Tone face = pressed ? Tone::Selection : Tone::Surface;
+  if (state == GSThemeDisabledState) face = Tone::DisabledSurface;
+  DrawRounded(frame, kCornerRadius, face, primary ? Tone::Accent : Tone::Line);
 }
 
 - (void)setKeyEquivalent:(NSString*)key forButtonCell:(NSButtonCell*)cell {
@@ -300,14 +159,13 @@ NSRect Framed(NSRect border) {
 
 - (void)drawScrollerPart:(NSRect)frame named:(NSString*)name state:(GSThemeControlState)state {
   if (![name hasSuffix:@"Knob"]) {
-    [[DesktopPalette raised] set];
-    NSRectFill(frame);
+    Fill(frame, Tone::Raised);
     return;
   }
-  const NSRect knob = NSInsetRect(frame, NSWidth(frame) > 8 ? 3 : 0, NSHeight(frame) > 8 ? 3 : 0);
-  const CGFloat radius = (NSWidth(knob) < NSHeight(knob) ? NSWidth(knob) : NSHeight(knob)) / 2;
-  [(state == GSThemeHighlightedState ? Rgb(0x8E99A8) : Rgb(0xB4BDC9)) set];
-  [RoundedRect(knob, radius) fill];
+  const auto inset = [](CGFloat extent) { return extent > 8 ? kKnobInset : 0; };
+  const NSRect knob = NSInsetRect(frame, inset(NSWidth(frame)), inset(NSHeight(frame)));
+  [ColorOf(state == GSThemeHighlightedState ? Tone::PressedKnob : Tone::Knob) set];
+  [RoundedRect(knob, std::min(NSWidth(knob), NSHeight(knob)) / 2) fill];
 }
 
 - (NSCell*)cellForScrollerKnob:(BOOL)horizontal {
@@ -323,36 +181,30 @@ NSRect Framed(NSRect border) {
                   withFrame:(NSRect)frame
                      inView:(NSView*)view
                       state:(GSThemeControlState)state {
-  [[DesktopPalette raised] set];
-  NSRectFill(frame);
-  [[DesktopPalette line] set];
+  Fill(frame, Tone::Raised);
   const CGFloat bottom = [view isFlipped] ? NSMaxY(frame) - 1 : NSMinY(frame);
-  NSRectFill(NSMakeRect(NSMinX(frame), bottom, NSWidth(frame), 1));
-  NSRectFill(NSMakeRect(NSMaxX(frame) - 1, NSMinY(frame) + 4, 1, NSHeight(frame) - 8));
+  Fill(NSMakeRect(NSMinX(frame), bottom, NSWidth(frame), 1), Tone::Line);
+  Fill(NSMakeRect(NSMaxX(frame) - 1, NSMinY(frame) + 4, 1, NSHeight(frame) - 8), Tone::Line);
 }
 
 - (void)drawTableCornerView:(NSView*)view withClip:(NSRect)rect {
-  [[DesktopPalette raised] set];
-  NSRectFill([view bounds]);
+  Fill([view bounds], Tone::Raised);
 }
 
 - (void)drawBrowserHeaderCell:(NSTableHeaderCell*)cell withFrame:(NSRect)rect inView:(NSView*)view {
-  [[DesktopPalette raised] set];
-  NSRectFill(rect);
+  Fill(rect, Tone::Raised);
 }
 
 // Progress bars
 
 - (NSRect)drawProgressIndicatorBezel:(NSRect)bounds withClip:(NSRect)rect {
-  [[DesktopPalette surface] set];
-  [RoundedRect(NSInsetRect(bounds, 0.5, 0.5), 4) fill];
-  StrokeRounded(bounds, 4, [DesktopPalette line]);
+  DrawRounded(bounds, kCornerRadius, Tone::Surface, Tone::Line);
   return NSInsetRect(bounds, 2, 2);
 }
 
 - (void)drawProgressIndicatorBarDeterminate:(NSRect)bounds {
   if (NSWidth(bounds) < 1) return;
-  [[DesktopPalette accent] set];
+  [ColorOf(Tone::Accent) set];
   [RoundedRect(bounds, 3) fill];
 }
 
@@ -386,7 +238,7 @@ NSRect Framed(NSRect border) {
                                   isHorizontal:(BOOL)horizontal {
   const BOOL chosen = state == GSThemeSelectedState || state == GSThemeHighlightedState;
   NSColor* idle = horizontal ? [self menuBarBackgroundColor] : [self menuBackgroundColor];
-  [(chosen ? [DesktopPalette accent] : idle) set];
+  [(chosen ? ColorOf(Tone::Accent) : idle) set];
   NSRectFill(horizontal ? frame : NSInsetRect(frame, 1, 0));
 }
 

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
-#import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Theme/Drawing.h"
+#include "Desktop/Theme/Metrics.h"
 #include "Timeline/Ruler.h"
-#import "Desktop/Shell/ShellText.h"
+#import "View/TextConversion.h"
 
+using namespace velmora::desktop;
 using namespace velmora::timeline;
 
 namespace {
@@ -14,28 +16,12 @@ namespace {
 constexpr double kLabelSpacing = 110;  // pixels between the ruler's labels
 constexpr CGFloat kNameWidth = 28;     // narrower regions show no name
 constexpr CGFloat kRegionInset = 3;    // between a lane's edge and its regions
+constexpr CGFloat kMarkWidth = 4;      // of a track's colour beside its name
+constexpr CGFloat kMinorTick = 5;
+constexpr CGFloat kMajorTick = 10;  // under a label
+constexpr CGFloat kLeastShape = 3;  // what is narrower is drawn as a bar of one colour
 
-// A hue for each track, so that neighbours differ.
-constexpr CGFloat kHues[] = {0.60, 0.46, 0.77, 0.09, 0.53, 0.93, 0.33, 0.69};
-
-struct TrackColors {
-  NSColor* fill;
-  NSColor* edge;
-  NSColor* ramp;
-  NSColor* ink;
-};
-
-TrackColors ColorsOf(std::int64_t track) {
-  constexpr auto kCount = static_cast<std::int64_t>(sizeof kHues / sizeof *kHues);
-  const CGFloat hue = kHues[((track % kCount) + kCount) % kCount];
-  TrackColors colors;
-  colors.fill = [NSColor colorWithCalibratedHue:hue saturation:0.22 brightness:0.97 alpha:1];
-  colors.edge = [NSColor colorWithCalibratedHue:hue saturation:0.62 brightness:0.74 alpha:1];
-  colors.ramp = [NSColor colorWithCalibratedHue:hue saturation:0.42 brightness:0.88 alpha:1];
-  colors.ink = [NSColor colorWithCalibratedHue:hue saturation:0.75 brightness:0.36 alpha:1];
-  return colors;
-}
-
+// One line of text, cut with dots where it does not fit. Autoreleased.
 NSDictionary* TextAttributes(NSColor* color, CGFloat size) {
   NSMutableParagraphStyle* style = [[NSMutableParagraphStyle new] autorelease];
   [style setLineBreakMode:NSLineBreakByTruncatingTail];
@@ -58,8 +44,7 @@ NSBezierPath* Ramp(NSRect box, CGFloat left, CGFloat right) {
 }
 
 void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
-  [[DesktopPalette surface] set];
-  NSRectFill(box);
+  Fill(box, Tone::Surface);
   if (kind == PieceKind::Crossfade) {
     [[colors.ramp colorWithAlphaComponent:0.6] set];
     [Ramp(box, 1, 0) fill];
@@ -75,10 +60,23 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
   [(kind == PieceKind::FadeIn ? Ramp(box, 0, 1) : Ramp(box, 1, 0)) fill];
 }
 
+// A region's name, which stays readable while the region's beginning is scrolled out to the left of
+// `viewLeft`.
+void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* ink) {
+  NSRect text = NSInsetRect(box, 5, 3);
+  const CGFloat edge = viewLeft + 4;
+  if (NSMinX(text) < edge) {
+    text.size.width -= edge - NSMinX(text);
+    text.origin.x = edge;
+  }
+  if (NSWidth(text) < kNameWidth - 10) return;
+  [StringFromText(name) drawInRect:text withAttributes:TextAttributes(ink, kDetailSize)];
+}
+
 }  // namespace
 
 @interface TimelinePainter (Parts)
-+ (void)drawRuler:(TimelineView*)timeline;
++ (void)drawRuler:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline;
 + (void)drawGrid:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline;
 + (void)drawHeaders:(TimelineView*)timeline;
 + (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline;
@@ -92,8 +90,7 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
 @implementation TimelinePainter
 
 + (void)drawTimeline:(TimelineView*)timeline inRect:(NSRect)rect {
-  [[DesktopPalette surface] set];
-  NSRectFill(rect);
+  Fill(rect, Tone::Surface);
   const NSRect lanes = [timeline lanesRect];
   const std::vector<RulerTick> ticks =
       RulerTicks([timeline scale], [timeline clock], NSWidth(lanes), kLabelSpacing);
@@ -109,43 +106,38 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
 
   if ([timeline model].Regions().empty()) [self drawInvitation:timeline];
   [self drawHeaders:timeline];
-  [self drawRuler:timeline];
+  [self drawRuler:ticks of:timeline];
 }
 
 @end
 
 @implementation TimelinePainter (Parts)
 
-+ (void)drawRuler:(TimelineView*)timeline {
++ (void)drawRuler:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline {
   const NSRect ruler = [timeline rulerRect];
-  [[DesktopPalette raised] set];
-  NSRectFill(NSMakeRect(0, 0, NSMaxX(ruler), NSHeight(ruler)));
+  Fill(NSMakeRect(0, 0, NSMaxX(ruler), NSHeight(ruler)), Tone::Raised);
   [NSGraphicsContext saveGraphicsState];
   NSRectClip(ruler);
-  NSDictionary* attributes = TextAttributes([DesktopPalette quietText], 9);
-  const std::vector<RulerTick> ticks =
-      RulerTicks([timeline scale], [timeline clock], NSWidth(ruler), kLabelSpacing);
+  NSDictionary* attributes = TextAttributes(ColorOf(Tone::QuietText), kRulerTextSize);
   for (const RulerTick& tick : ticks) {
     const CGFloat x = NSMinX(ruler) + std::floor(tick.x);
-    const CGFloat height = tick.label.empty() ? 5 : 10;
-    [[DesktopPalette line] set];
-    NSRectFill(NSMakeRect(x, NSMaxY(ruler) - height, 1, height));
+    const CGFloat height = tick.label.empty() ? kMinorTick : kMajorTick;
+    Fill(NSMakeRect(x, NSMaxY(ruler) - height, 1, height), Tone::Line);
     if (!tick.label.empty()) {
-      [StringOf(tick.label) drawAtPoint:NSMakePoint(x + 4, NSMinY(ruler) + 5)
-                         withAttributes:attributes];
+      [StringFromText(tick.label) drawAtPoint:NSMakePoint(x + 4, NSMinY(ruler) + 5)
+                               withAttributes:attributes];
     }
   }
   [NSGraphicsContext restoreGraphicsState];
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(0, NSMaxY(ruler) - 1, NSMaxX(ruler), 1));
+  Fill(NSMakeRect(0, NSMaxY(ruler) - 1, NSMaxX(ruler), 1), Tone::Line);
 }
 
 + (void)drawGrid:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline {
   const NSRect lanes = [timeline lanesRect];
-  [[DesktopPalette faintLine] set];
   for (const RulerTick& tick : ticks) {
     if (tick.label.empty()) continue;
-    NSRectFill(NSMakeRect(NSMinX(lanes) + std::floor(tick.x), NSMinY(lanes), 1, NSHeight(lanes)));
+    const CGFloat x = NSMinX(lanes) + std::floor(tick.x);
+    Fill(NSMakeRect(x, NSMinY(lanes), 1, NSHeight(lanes)), Tone::FaintLine);
   }
 }
 
@@ -154,32 +146,29 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
   const NSRect column = NSMakeRect(0, NSMinY(lanes), NSMinX(lanes), NSHeight(lanes));
   [NSGraphicsContext saveGraphicsState];
   NSRectClip(column);
-  [[DesktopPalette window] set];
-  NSRectFill(column);
-  NSDictionary* attributes = TextAttributes([DesktopPalette text], 11);
+  Fill(column, Tone::Window);
+  NSDictionary* attributes = TextAttributes(ColorOf(Tone::Text), kTextSize);
   const NSRange visible = [timeline visibleLanes];
   for (NSUInteger lane = visible.location; lane < NSMaxRange(visible); ++lane) {
     const NSRect row = [timeline rectOfLane:lane];
     const std::int64_t track = [timeline model].LaneAt(lane).track;
-    [ColorsOf(track).edge set];
-    NSRectFill(NSMakeRect(0, NSMinY(row) + kRegionInset, 4, NSHeight(row) - 2 * kRegionInset));
+    [ColorsOfTrack(track).edge set];
+    NSRectFill(
+        NSMakeRect(0, NSMinY(row) + kRegionInset, kMarkWidth, NSHeight(row) - 2 * kRegionInset));
     NSString* name = [NSString stringWithFormat:@"Track %lld", static_cast<long long>(track + 1)];
     [name drawAtPoint:NSMakePoint(14, NSMinY(row) + 8) withAttributes:attributes];
-    [[DesktopPalette faintLine] set];
-    NSRectFill(NSMakeRect(0, NSMaxY(row) - 1, NSWidth(column), 1));
+    Fill(NSMakeRect(0, NSMaxY(row) - 1, NSWidth(column), 1), Tone::FaintLine);
   }
   [NSGraphicsContext restoreGraphicsState];
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(NSMaxX(column) - 1, 0, 1, NSMaxY(column)));
+  Fill(NSMakeRect(NSMaxX(column) - 1, 0, 1, NSMaxY(column)), Tone::Line);
 }
 
 + (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline {
   const NSRect row = [timeline rectOfLane:lane];
-  [[DesktopPalette faintLine] set];
-  NSRectFill(NSMakeRect(NSMinX(row), NSMaxY(row) - 1, NSWidth(row), 1));
+  Fill(NSMakeRect(NSMinX(row), NSMaxY(row) - 1, NSWidth(row), 1), Tone::FaintLine);
 
   TimelineModel& model = [timeline model];
-  const TrackColors colors = ColorsOf(model.LaneAt(lane).track);
+  const TrackColors colors = ColorsOfTrack(model.LaneAt(lane).track);
   for (const LaneSpan& span : model.Spans(lane, [timeline scale], NSWidth(row))) {
     // Whole pixels keep edges crisp; far outside the view they would only lose precision.
     const CGFloat left = std::floor(std::max(span.left, -8.0));
@@ -194,7 +183,7 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
               in:(NSRect)box
               of:(TimelineView*)timeline
           colors:(TrackColors)colors {
-  if (span.region == LaneSpan::kMerged || NSWidth(box) < 3) {
+  if (span.region == LaneSpan::kMerged || NSWidth(box) < kLeastShape) {
     [colors.edge set];
     NSRectFill(box);
     return;
@@ -209,24 +198,16 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
   }
   const BOOL isSelected = span.region == [timeline selectedRegion];
   const BOOL isHovered = span.region == [timeline hoveredRegion];
-  [(isSelected ? [DesktopPalette accent] : colors.edge) set];
+  [(isSelected ? ColorOf(Tone::Accent) : colors.edge) set];
   NSFrameRectWithWidth(box, isSelected || isHovered ? 2 : 1);
-
-  if (kind != PieceKind::Region || NSWidth(box) < kNameWidth) return;
-  NSRect text = NSInsetRect(box, 5, 3);
-  // A name stays readable while its region's beginning is scrolled out.
-  const CGFloat edge = NSMinX([timeline lanesRect]) + 4;
-  if (NSMinX(text) < edge) {
-    text.size.width -= edge - NSMinX(text);
-    text.origin.x = edge;
+  if (kind == PieceKind::Region && NSWidth(box) >= kNameWidth) {
+    DrawName(region.name, box, NSMinX([timeline lanesRect]), colors.ink);
   }
-  if (NSWidth(text) < kNameWidth - 10) return;
-  [StringOf(region.name) drawInRect:text withAttributes:TextAttributes(colors.ink, 10)];
 }
 
 + (void)drawInvitation:(TimelineView*)timeline {
   NSString* text = @"Regions appear here as the spot places them.";
-  NSDictionary* attributes = TextAttributes([DesktopPalette quietText], 12);
+  NSDictionary* attributes = TextAttributes(ColorOf(Tone::QuietText), kTitleSize);
   const NSSize size = [text sizeWithAttributes:attributes];
   const NSRect lanes = [timeline lanesRect];
   [text drawAtPoint:NSMakePoint(NSMidX(lanes) - size.width / 2, NSMidY(lanes) - size.height / 2)

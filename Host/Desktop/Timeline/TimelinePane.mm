@@ -1,9 +1,11 @@
 #import "Desktop/Timeline/TimelinePane.h"
 
-#import "Desktop/Theme/DesktopTheme.h"
+#include "Desktop/Theme/Drawing.h"
+#include "Desktop/Theme/Metrics.h"
 #include "Timeline/RegionFacts.h"
-#import "Desktop/Shell/ShellText.h"
+#import "View/TextConversion.h"
 
+using namespace velmora::desktop;
 using namespace velmora::timeline;
 
 namespace {
@@ -12,6 +14,7 @@ constexpr CGFloat kTitleHeight = 38;
 constexpr CGFloat kTitleWidth = 130;
 constexpr CGFloat kButtonsWidth = 132;
 constexpr CGFloat kButtonHeight = 22;
+constexpr double kPage = 0.9;  // of what is on view, scrolled by a press beside a scroller's knob
 
 }  // namespace
 
@@ -65,11 +68,9 @@ constexpr CGFloat kButtonHeight = 22;
 
 - (void)drawRect:(NSRect)rect {
   const NSRect bounds = [self bounds];
-  [[DesktopPalette window] set];
-  NSRectFill(rect);
-  [[DesktopPalette line] set];
-  NSRectFill(NSMakeRect(0, NSHeight(bounds) - 1, NSWidth(bounds), 1));
-  NSRectFill(NSMakeRect(0, NSHeight(bounds) - kTitleHeight, NSWidth(bounds), 1));
+  Fill(rect, Tone::Window);
+  DrawTopLine(self);
+  Fill(NSMakeRect(0, NSHeight(bounds) - kTitleHeight, NSWidth(bounds), 1), Tone::Line);
 }
 
 - (TimelineView*)timeline {
@@ -114,18 +115,19 @@ constexpr CGFloat kButtonHeight = 22;
 
 - (void)addTitle {
   const NSRect bounds = [self bounds];
-  titleField = MakeLabel(NSMakeRect(12, NSHeight(bounds) - 27, kTitleWidth, 16), 12);
-  [titleField setFont:[NSFont boldSystemFontOfSize:12]];
+  titleField = MakeLabel(
+      NSMakeRect(kWindowMargin, NSHeight(bounds) - 27, kTitleWidth, kLabelHeight), kTitleSize);
+  [titleField setFont:[NSFont boldSystemFontOfSize:kTitleSize]];
   [titleField setStringValue:@"Session timeline"];
   [titleField setAutoresizingMask:NSViewMinYMargin];
   [self addSubview:titleField];
 
-  const CGFloat left = 12 + kTitleWidth;
+  const CGFloat left = kWindowMargin + kTitleWidth;
   factsField = MakeLabel(NSMakeRect(left, NSHeight(bounds) - kTitleHeight + 4,
                                     NSWidth(bounds) - left - kButtonsWidth, kTitleHeight - 8),
-                         10);
+                         kDetailSize);
   [factsField setAutoresizingMask:NSViewWidthSizable | NSViewMinYMargin];
-  [factsField setTextColor:[DesktopPalette quietText]];
+  [factsField setTextColor:ColorOf(Tone::QuietText)];
   [[factsField cell] setLineBreakMode:NSLineBreakByWordWrapping];
   [[factsField cell] setWraps:YES];
   [self addSubview:factsField];
@@ -178,7 +180,7 @@ constexpr CGFloat kButtonHeight = 22;
 }
 
 - (void)horizontalScrolled:(id)sender {
-  const CGFloat page = NSWidth([timeline lanesRect]) * 0.9;
+  const CGFloat page = NSWidth([timeline lanesRect]) * kPage;
   switch ([horizontalScroller hitPart]) {
     case NSScrollerDecrementPage:
       [timeline scrollPixels:-page lanes:0];
@@ -192,7 +194,7 @@ constexpr CGFloat kButtonHeight = 22;
 }
 
 - (void)verticalScrolled:(id)sender {
-  const CGFloat page = NSHeight([timeline lanesRect]) * 0.9;
+  const CGFloat page = NSHeight([timeline lanesRect]) * kPage;
   switch ([verticalScroller hitPart]) {
     case NSScrollerDecrementPage:
       [timeline scrollPixels:0 lanes:-page];
@@ -210,7 +212,7 @@ constexpr CGFloat kButtonHeight = 22;
   NSString* text = @"";
   if (pointed != [TimelineView noRegion]) {
     const RegionFacts facts = FactsOf([timeline model].Regions()[pointed], [timeline clock]);
-    text = StringOf(facts.title + "\n" + facts.details);
+    text = StringFromText(facts.title + "\n" + facts.details);
   } else if (![timeline model].Regions().empty()) {
     text = @"Point at a region for its facts; click to keep them.\n"
            @"Drag or turn the wheel to scroll, turn it with Ctrl to zoom.";

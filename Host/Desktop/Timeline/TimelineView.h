@@ -2,9 +2,9 @@
 
 #import <AppKit/AppKit.h>
 
+#include "Session/SessionClock.h"
 #include "Timeline/TimeScale.h"
 #include "Timeline/TimelineModel.h"
-#include "Session/SessionClock.h"
 
 @class TimelineView;
 

@@ -4,16 +4,20 @@
 
 #include <string>
 
-#include "ADL/AES31Project.h"
-#include "Desktop/Shell/ProjectReport.h"
-#include "Desktop/ViewHost/SessionSettings.h"
+#include "Desktop/Logic/ProjectReport.h"
+#include "Desktop/Logic/SessionSettings.h"
 #include "Spot/RegionMessage.h"
+
+@class Velmora_ViewController;
 
 // The view from its bundle, as this shell knows it: what any plug-in's shell would call, and the
 // few fields that it reads and fills to open a project without a hand on the button.
 @interface ViewConnection : NSObject {
-  NSViewController* controller;
+  Velmora_ViewController* controller;
 }
+
+// The name of the notification that ends each load, good or failed, on the main thread.
++ (NSString*)didLoadNotification;
 
 // Loads the bundle and makes the view; regions go to `host` and the session's rates come from
 // `settings`. Neither is owned, and both must outlive the object. Nil when the bundle cannot be

@@ -1,8 +1,8 @@
 #import "Desktop/ViewHost/ViewConnection.h"
 
-#import "Desktop/ViewHost/LoadObserver.h"
-#import "Desktop/Shell/ShellText.h"
 #include "View/HostInterfaces.h"
+#import "View/TextConversion.h"
+#import "View/Velmora_ViewController.h"
 
 using namespace velmora::desktop;
 
@@ -17,8 +17,9 @@ ViewContainer viewContainer;
 
 }  // namespace
 
-// What this shell calls in the bundle, whose classes it knows by name alone. The first two are
-// answered by classes, which the compiler sees as objects like any other.
+// What this shell calls of the bundle's classes, which it knows by name alone: a reference to a
+// class itself would have to be linked. Both are answered by classes, which the compiler sees as
+// objects like any other.
 @protocol DesktopViewFactory
 - (NSViewController*)viewControllerFromBundle:(NSBundle*)bundle
                              effectParameters:(AAX_IEffectParameters*)parameters
@@ -29,25 +30,18 @@ ViewContainer viewContainer;
 - (void)setRegionHost:(velmora::RegionHost*)host;
 @end
 
-@protocol DesktopView
-- (void)SetTransport:(AAX_ITransport*)transport;
-- (void)SetViewContainerOnViews:(AAX_IViewContainer*)container;
-- (NSTextField*)FileNameTextField;
-- (NSButton*)spotButton;
-- (void)LoadFile;
-- (void)DoSpot:(id)sender;
-- (velmora::AES31Project*)project;
-@end
-
 @interface ViewConnection (Private)
 - (BOOL)loadBundleAtPath:(NSString*)path
                 settings:(SessionSettings*)settings
                     host:(velmora::RegionHost*)host
                    error:(std::string*)error;
-- (id<DesktopView>)desktopView;
 @end
 
 @implementation ViewConnection
+
++ (NSString*)didLoadNotification {
+  return VelmoraDidLoadFileNotification;
+}
 
 - (id)initWithBundleAtPath:(NSString*)path
                   settings:(SessionSettings*)settings
@@ -72,26 +66,21 @@ ViewContainer viewContainer;
 }
 
 - (void)loadFile:(NSString*)path {
-  [[[self desktopView] FileNameTextField] setStringValue:path];
-  [[self desktopView] LoadFile];
+  [[controller FileNameTextField] setStringValue:path];
+  [controller LoadFile];
 }
 
 - (ProjectFacts)facts {
-  const std::string path = TextOf([[[self desktopView] FileNameTextField] stringValue]);
-  velmora::AES31Project* project = [[self desktopView] project];
-  if (project != nullptr) return GatherFacts(path, project, std::nullopt);
-  // The view keeps no project that did not load, nor why: another try tells the reason.
-  bool ok = false;
-  const velmora::AES31Project failed(path.c_str(), nullptr, &ok);
-  return GatherFacts(path, nullptr, failed.failure);
+  const std::string path = TextFromString([[controller FileNameTextField] stringValue]);
+  return GatherFacts(path, [controller project], [controller loadFailure]);
 }
 
 - (void)spot {
-  [[self desktopView] DoSpot:self];
+  [controller DoSpot:self];
 }
 
 - (BOOL)isSpotRunning {
-  return [[[self desktopView] spotButton] tag] == 1;
+  return [[controller spotButton] tag] == 1;
 }
 
 - (void)close {
@@ -115,37 +104,32 @@ ViewContainer viewContainer;
   [NSWorkspace sharedWorkspace];
   NSBundle* bundle = [NSBundle bundleWithPath:path];
   if (bundle == nil) {
-    *error = "there is no bundle at " + TextOf(path);
+    *error = "there is no bundle at " + TextFromString(path);
     return NO;
   }
   if (![bundle load] || [bundle principalClass] == Nil) {
-    *error = "the bundle at " + TextOf(path) + " does not load";
+    *error = "the bundle at " + TextFromString(path) + " does not load";
     return NO;
   }
   if (![[bundle principalClass]
           respondsToSelector:@selector(viewControllerFromBundle:effectParameters:controller:)]) {
-    *error = "the bundle at " + TextOf(path) + " offers no view";
+    *error = "the bundle at " + TextFromString(path) + " offers no view";
     return NO;
   }
   const Class connection = NSClassFromString(@"VelmoraHostConnection");
   [(id<DesktopHostConnection>)(id)connection setRegionHost:host];
 
-  controller = [(id<DesktopViewFactory>)(id)[bundle principalClass]
+  controller = (Velmora_ViewController*)[(id<DesktopViewFactory>)(id)[bundle principalClass]
       viewControllerFromBundle:bundle
               effectParameters:&effectParameters
                     controller:settings];
-  [LoadObserver watchClass:[controller class]];
-  [[self desktopView] SetTransport:settings];
-  [[self desktopView] SetViewContainerOnViews:&viewContainer];
+  [controller SetTransport:settings];
+  [controller SetViewContainerOnViews:&viewContainer];
   if ([controller view] == nil) {
-    *error = "the view of the bundle at " + TextOf(path) + " is missing";
+    *error = "the view of the bundle at " + TextFromString(path) + " is missing";
     return NO;
   }
   return YES;
-}
-
-- (id<DesktopView>)desktopView {
-  return (id<DesktopView>)controller;
 }
 
 @end

@@ -1,14 +1,14 @@
-#include "Desktop/Shell/CommandLine.h"
+#include "Desktop/Logic/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
 
+#include "Desktop/Logic/ExitStatus.h"
+
 namespace velmora::desktop {
 namespace {
-
-constexpr int kBadUsage = 1;
 
 constexpr const char* kExamples = R"(
 Examples:
@@ -23,15 +23,40 @@ void MakeAbsolute(std::string& path) {
   if (!path.empty()) path = std::filesystem::absolute(path).lexically_normal().string();
 }
 
+int Complain(const std::string& what) {
+  std::cerr << "velmora-desktop: " << what << "\nTry 'velmora-desktop --help'.\n";
+  return kBadUsage;
+}
+
+bool LooksLikeOption(const std::string& word) {
+  return word.size() > 1 && word.front() == '-';
+}
+
+/// What is wrong with words that nothing takes; an option among them is the likelier mistake.
+std::string ExtraText(const std::vector<std::string>& words) {
+  const auto option = std::find_if(words.begin(), words.end(), LooksLikeOption);
+  if (option != words.end()) return "there is no option '" + *option + "'";
+  return "one project at a time: '" + words.front() + "' is one too many";
+}
+
+/// What is wrong with an option that is there. The parser's own text begins with its name.
+std::string OptionText(const CLI::App& app, const CLI::ParseError& error) {
+  const std::string text = error.what();
+  const auto* const option = app.get_option_no_throw(text.substr(0, text.find(':')));
+  if (option == nullptr) return text;
+  if (option->count() > 1) return option->get_name() + ": given more than once";
+  return option->get_name() + ": a value must follow: " + option->get_type_name();
+}
+
 }  // namespace
 
 std::optional<int> ParseCommandLine(std::vector<std::string> arguments, ShellOptions& options) {
   CLI::App app("Shows the import view in a window, with a session that its regions land in.",
                "velmora-desktop");
   app.footer(kExamples);
+  app.allow_extras();  // they are named one by one, in words of this program's
   app.add_option("PROJECT.adl", options.project, "AES31-3 project to open");
-  app.add_option("--bundle", options.bundle, "Take the view from this bundle")
-      ->type_name("PATH");
+  app.add_option("--bundle", options.bundle, "Take the view from this bundle")->type_name("PATH");
   app.add_option("--snapshot", options.snapshot, "Draw the window to a picture and end")
       ->type_name("FILE.png");
   app.add_flag("--spot", options.spot, "Press the spot button once the project is loaded");
@@ -41,14 +66,14 @@ std::optional<int> ParseCommandLine(std::vector<std::string> arguments, ShellOpt
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
   try {
     app.parse(arguments);
+  } catch (const CLI::Success& request) {  // help was asked for
+    return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    const int status = app.exit(error, std::cout, std::cerr);
-    return status == 0 ? 0 : kBadUsage;
+    return Complain(OptionText(app, error));
   }
-  if (options.spot && options.project.empty()) {
-    std::cerr << "velmora-desktop: --spot needs a project to place\n";
-    return kBadUsage;
-  }
+  const std::vector<std::string> extras = app.remaining();
+  if (!extras.empty()) return Complain(ExtraText(extras));
+  if (options.spot && options.project.empty()) return Complain("--spot needs a project to place");
   MakeAbsolute(options.project);
   MakeAbsolute(options.bundle);
   MakeAbsolute(options.snapshot);

@@ -1,4 +1,4 @@
-#include "Desktop/ViewHost/SessionReceiver.h"
+#include "Desktop/Logic/SessionReceiver.h"
 
 #include <utility>
 

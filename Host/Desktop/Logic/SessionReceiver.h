@@ -13,7 +13,7 @@ namespace velmora::desktop {
 
 /// The host of the shell's spots: an embedded host that a spot's thread fills while the main thread
 /// reads. All operations may be called from any thread.
-class SessionReceiver : public RegionHost {
+class SessionReceiver final : public RegionHost {
  public:
   /// `arrived` is called on the sender's thread when there is something to take and the last notice
   /// has been answered by TakeNew: many regions that land at once give one notice.
@@ -23,8 +23,8 @@ class SessionReceiver : public RegionHost {
   std::int32_t Send(const RegionMessage& message) override;
 
   /// The regions that landed since the last call, in order of arrival.
-  std::vector<host::SessionRegion> TakeNew();
-  host::SessionSummary Summary() const;
+  [[nodiscard]] std::vector<host::SessionRegion> TakeNew();
+  [[nodiscard]] host::SessionSummary Summary() const;
   /// Empties the session. A spot that runs goes on into the new one.
   void Clear();
 
