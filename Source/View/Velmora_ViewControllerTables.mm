@@ -30,6 +30,10 @@ static NSFont* TableFont(CGFloat size) {
   return font != nil ? font : [NSFont systemFontOfSize:size];
 }
 
+@interface Velmora_ViewController (EventList)
+- (void)showEventList;
+@end
+
 @implementation Velmora_ViewController (Tables)
 
 - (NSInteger)numberOfRowsInTableView:(NSTableView*)tableView {
@@ -56,13 +60,12 @@ static NSFont* TableFont(CGFloat size) {
     setObjectValue:(id)value
     forTableColumn:(NSTableColumn*)column
                row:(NSInteger)row {
+  if (![[column identifier] isEqualToString:@"Space"]) return;  // only check boxes are edited
   model->spotRunning = [spotButton tag] == 1;
   velmora::SetObjectValue(*model, Identifier(tableView), ColumnIdentifier(column),
                           static_cast<std::int32_t>(row), [value intValue]);
-  if (tableView == _trackTableView && !model->spotRunning) {
-    [errorMessageLabel setStringValue:StringFromText(model->errorMessage)];
-    [_eventListTableView reloadData];
-  }
+  const bool isTrack = tableView == _trackTableView;
+  if (isTrack && !model->spotRunning && model->project != nullptr) [self showEventList];
 }
 
 - (void)tableView:(NSTableView*)tableView

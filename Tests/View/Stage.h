@@ -64,6 +64,10 @@ NSInteger Rows(NSTableView* table);
 // A press on the box or cell of a row, which must be on view.
 void ClickCell(NSTableView* table, NSString* column, NSInteger row);
 
+// Counts the reloads of tables, from the watch on.
+void WatchReloads();
+int Reloads();
+
 // Loads without a hand on the button.
 void LoadPath(const std::string& path);
 

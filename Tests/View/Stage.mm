@@ -40,6 +40,14 @@ void Stop(id bar, SEL, id) {
   startedBars[bar] = false;
 }
 
+int reloads = 0;
+void (*originalReload)(id, SEL) = nullptr;
+
+void Reload(id table, SEL selector) {
+  ++reloads;
+  originalReload(table, selector);
+}
+
 }  // namespace
 
 NSWindow* Window() {
@@ -136,6 +144,19 @@ void ClickCell(NSTableView* table, NSString* column, NSInteger row) {
     return [table frameOfCellAtColumn:[table columnWithIdentifier:column] row:row];
   });
   Click(table, place);
+}
+
+void WatchReloads() {
+  OnMain([] {
+    const Method method = class_getInstanceMethod([NSTableView class], @selector(reloadData));
+    originalReload = reinterpret_cast<void (*)(id, SEL)>(
+        reinterpret_cast<void*>(method_getImplementation(method)));
+    method_setImplementation(method, reinterpret_cast<IMP>(reinterpret_cast<void*>(Reload)));
+  });
+}
+
+int Reloads() {
+  return Ask([] { return reloads; });
 }
 
 void LoadPath(const std::string& path) {

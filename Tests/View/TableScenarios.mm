@@ -91,6 +91,41 @@ void KeepsTextsAsTheyAre() {
         Ask([] { return [ProjectTable() selectedRow]; }));
 }
 
+// What a nib with other editable columns could send.
+void DropsEditsOfOtherColumns() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 4, 2));
+  OnMain([] { [[Controller() errorMessageLabel] setStringValue:@"as it was"]; });
+  const std::string before = Flags() + TableText(TrackTable()) + TableText(EventTable());
+  const auto edit = [](NSTableView* table, NSString* identifier) {
+    OnMain([&] {
+      NSTableColumn* const column =
+          [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
+      [Controller() tableView:table
+               setObjectValue:[NSNumber numberWithInt:0]
+               forTableColumn:column
+                          row:1];
+    });
+  };
+  WatchReloads();
+  for (NSString* identifier : {@"Track", @"Type", @"Start", @"End", @"Other", @""}) {
+    edit(TrackTable(), identifier);
+    edit(EventTable(), identifier);
+    edit(ProjectTable(), identifier);
+  }
+  Check("no table is reloaded", 0, Reloads());
+  Check("the message stands", "as it was", Message());
+  Check("nothing has changed", before, Flags() + TableText(TrackTable()) + TableText(EventTable()));
+  edit(TrackTable(), @"Space");
+  Check("an edit of a box reloads the event table", 1, Reloads());
+  Check("and renews the message", "", Message());
+
+  LoadPath(folder.Path("missing.adl"));
+  const int loaded = Reloads();
+  edit(TrackTable(), @"Space");
+  Check("without a project a box does nothing either", loaded, Reloads());
+}
+
 // The message speaks for what is listed.
 void SwitchingTrackOffTakesMessageAway() {
   const test::TemporaryFolder folder;
@@ -163,6 +198,7 @@ void SpotsWhatIsTicked() {
 std::vector<Scenario> TableScenarios() {
   return {{"ticks-tracks", TicksTracks},
           {"keeps-texts", KeepsTextsAsTheyAre},
+          {"drops-other-edits", DropsEditsOfOtherColumns},
           {"message-follows-tracks", SwitchingTrackOffTakesMessageAway},
           {"refuses-edits", RefusesEditsDuringSpot},
           {"spots-ticked", SpotsWhatIsTicked}};
