@@ -9,6 +9,7 @@
 #include "View/HostInterfaces.h"
 #import "View/TextConversion.h"
 #import "View/TextView.h"
+#import "View/ThreadStart.h"
 #import "View/VelmoraHostConnection.h"
 #import "View/Velmora_ViewController.h"
 #import "View/spotThreadClass.h"
@@ -102,7 +103,9 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
   // no view object.
   [spotThread setRun:runs->Request([self spotProject], [self spotOptions])
                 host:[VelmoraHostConnection regionHost]];
-  [NSThread detachNewThreadSelector:@selector(spotProc:) toTarget:spotThread withObject:@"first"];
+  if (VelmoraDetachThread(@selector(spotProc:), spotThread, @"first")) return;
+  [spotThread dropRun];  // a run without a thread would hold up those after it
+  [self abortSpot];
 }
 
 // Does not wait for the worker, which stops at its next event and reports no more.

@@ -37,6 +37,9 @@ class SpotTask;
 // Hands over the work, before the thread starts.
 - (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun host:(velmora::RegionHost*)newHost;
 
+// Gives up the work, for a thread that could not be started.
+- (void)dropRun;
+
 // The body of the thread. The object means nothing.
 - (void)spotProc:(id)object;
 

@@ -75,6 +75,10 @@ struct ShowProgress {
   host = newHost;
 }
 
+- (void)dropRun {
+  run.reset();
+}
+
 // No C++ object may live in this function: the thread ends inside it.
 - (void)spotProc:(id)object {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];

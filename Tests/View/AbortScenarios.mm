@@ -164,6 +164,53 @@ void CancelsByControl() {
   CheckIdle();
 }
 
+// What the platform does when the system starts no further thread.
+bool threadsFail = false;
+id (*originalDetach)(id, SEL, SEL, id, id) = nullptr;
+
+id Detach(id self, SEL selector, SEL body, id target, id argument) {
+  if (!threadsFail) return originalDetach(self, selector, body, target, argument);
+  [target retain];  // for good: what held it is lost
+  [NSException raise:NSInternalInconsistencyException format:@"Unable to detach thread"];
+  return nil;
+}
+
+void SetThreadsFail(bool fail) {
+  OnMain([&] {
+    if (originalDetach == nullptr) {
+      const Method method = class_getClassMethod(
+          [NSThread class], @selector(detachNewThreadSelector:toTarget:withObject:));
+      originalDetach = reinterpret_cast<id (*)(id, SEL, SEL, id, id)>(
+          reinterpret_cast<void*>(method_getImplementation(method)));
+      method_setImplementation(method, reinterpret_cast<IMP>(reinterpret_cast<void*>(Detach)));
+    }
+    threadsFail = fail;
+  });
+}
+
+void ThreadDoesNotStart() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 3, 1));
+  WatchIndicator();
+  SetThreadsFail(true);
+  PressSpot();
+  CheckIdle();
+  Check("nothing counts", -1, Progress());
+  Check("nothing was sent", std::size_t{0}, LandedRegions());
+
+  SetThreadsFail(false);
+  PressSpot();
+  WaitFor("the next press spots", [] {
+    return
+        [[Controller() spotButton] tag] == 0 && [[Timeline() timeline] model].Regions().size() == 3;
+  });
+  SetThreadsFail(true);
+  PressSpot();
+  CheckIdle();
+  OnMain([] { [Variable<id>(Shell(), "view") close]; });
+  CheckTrue("the view goes without waiting for it", true);
+}
+
 // What the process does when it ends, told by the process itself.
 GatedHost* gateAtExit = nullptr;
 bool openedBeforeExit = false;
@@ -205,6 +252,7 @@ std::vector<Scenario> AbortScenarios() {
           {"loads-in-gap", LoadsDuringGap},
           {"loads-and-spots-in-gap", LoadsAndSpotsDuringGap},
           {"cancels", CancelsByControl},
+          {"thread-fails", ThreadDoesNotStart},
           {"closes", ClosesWindow},
           {"closes-during-spot", ClosesWindowDuringSpot}};
 }
