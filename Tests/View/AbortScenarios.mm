@@ -164,6 +164,71 @@ void CancelsByControl() {
   CheckIdle();
 }
 
+// After the last look at the abort a spot cannot be stopped. It ends as any other.
+void CancelsTooLate() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 1, 1));
+  NSTextField* const field = [Controller() CopyFolderNameTextField];
+  GatedHost& gate = StartSpot();
+  OnMain([] { [Controller() SpotCancelButton_Click:nil]; });
+  Check("the button stays for now", NSInteger{1}, SpotTag());
+  Click(field);
+  WaitFor("the field takes keys", [&] { return [field currentEditor] != nil; });
+  TypeText("half");
+  gate.Open();
+  WaitFor("the button comes back by itself", [] { return [[Controller() spotButton] tag] == 0; });
+  CheckIdle();
+  Check("nothing counts", -1, Progress());
+  Check("the indicator ends at 0", 0.0, Indicator());
+  WaitFor("the region has landed", [] { return LandedRegions() == 1; });
+  TypeText("way");
+  WaitFor("what is typed meanwhile goes on",
+          [&] { return TextOf([[field currentEditor] string]) == "halfway"; });
+  PressSpot();
+  WaitFor("the next press spots", [] {
+    return
+        [[Controller() spotButton] tag] == 0 && [[Timeline() timeline] model].Regions().size() == 2;
+  });
+}
+
+void AbortsTooLate() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 1, 1));
+  GatedHost& gate = StartSpot();
+  PressSpot();
+  CheckIdle();
+  gate.Open();
+  WaitFor("the indicator ends at 0",
+          [] { return [[Controller() spotProgressIndicator] doubleValue] == 0.0; });
+  CheckIdle();
+  Check("nothing counts", -1, Progress());
+  WaitFor("the region has landed", [] { return LandedRegions() == 1; });
+}
+
+// The end of an old spot says nothing to a window that shows a new one.
+void AbortsTooLateAndSpotsAgain() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 2, 1));
+  GatedHost& gate = StartSpot();
+  gate.LetThrough(1);
+  gate.WaitForArrival(2);
+  PressSpot();
+  PressSpot();
+  Check("a new spot runs", NSInteger{1}, SpotTag());
+  gate.LetThrough(1);
+  gate.WaitForArrival(3);
+  Pause(0.3);
+  Check("the old one has ended, the new one is on view", NSInteger{1}, SpotTag());
+  Check("with its picture", "Cancel_Off.png", SpotPicture());
+  Check("its controls are frozen", std::vector<bool>(11, false), ControlsEnabled());
+  CheckTrue("its indicator goes on", IsAnimating());
+  CheckTrue("it counts", Progress() > 0);
+  gate.Open();
+  WaitFor("it comes to its end", [] { return [[Controller() spotButton] tag] == 0; });
+  WaitFor("both have landed whole", [] { return LandedRegions() == 4; });
+  CheckIdle();
+}
+
 // What the platform does when the system starts no further thread.
 bool threadsFail = false;
 id (*originalDetach)(id, SEL, SEL, id, id) = nullptr;
@@ -252,6 +317,9 @@ std::vector<Scenario> AbortScenarios() {
           {"loads-in-gap", LoadsDuringGap},
           {"loads-and-spots-in-gap", LoadsAndSpotsDuringGap},
           {"cancels", CancelsByControl},
+          {"cancels-late", CancelsTooLate},
+          {"aborts-late", AbortsTooLate},
+          {"aborts-late-and-spots", AbortsTooLateAndSpotsAgain},
           {"thread-fails", ThreadDoesNotStart},
           {"closes", ClosesWindow},
           {"closes-during-spot", ClosesWindowDuringSpot}};

@@ -1,8 +1,8 @@
 #include "View/GatedHost.h"
 
-#import "View/VelmoraHostConnection.h"
 #include "View/Checks.h"
 #import "View/Driver.h"
+#import "View/VelmoraHostConnection.h"
 
 namespace velmora::view {
 

@@ -10,8 +10,8 @@
 #import "Desktop/Shell/SessionBar.h"
 #import "Desktop/Shell/ShellController.h"
 #import "Desktop/Timeline/TimelinePane.h"
-#import "View/Velmora_ViewController.h"
 #import "View/TextView.h"
+#import "View/Velmora_ViewController.h"
 
 // The window under test: the shell as its program starts it, and the view that it loaded.
 namespace velmora::view {
