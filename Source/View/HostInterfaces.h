@@ -2,10 +2,16 @@
 
 #include <cstdint>
 
-// The objects that a plug-in host hands to the view, as far as the view uses them. The host owns
-// them and keeps them alive for as long as the view controller holds their addresses; the view
-// calls them on the main thread only, and never deletes them. They stand outside any namespace
-// because the host's shell and the view's Objective-C headers name them by forward declaration.
+// What the view asks of its host. A shell implements these classes by adapters of its own, which
+// pass the questions on to the host's objects, and hands the adapters to the view. It never hands
+// over a host's own objects, even where their classes have the same names: a call goes by the
+// layout of the class that is declared here, and the host's classes have other layouts. The
+// compiler cannot see the mistake, since only a pointer crosses the border.
+//
+// The shell owns its adapters and keeps them alive for as long as the view controller holds their
+// addresses; the view calls them on the main thread only, and never deletes them. They stand
+// outside any namespace because shells and the view's Objective-C headers name them by forward
+// declaration.
 
 // Answers for the session as a whole.
 class AAX_IController {

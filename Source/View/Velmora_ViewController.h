@@ -27,6 +27,11 @@ class AAX_IViewContainer;
 // symbol but its classes.
 NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotification";
 
+// Objective-C has one namespace for all classes of a process, and a host loads the bundles of many
+// makers into its own. What is ours to name bears the prefix Velmora. The names TextView,
+// CTimeCode, myImageView, spotThreadClass, Velmora_ViewController and Velmora_ViewControllerFactory
+// are part of the interface to the nib and to shells, and stay.
+
 // The centre of the view: one object for each open window. It takes texts from the outlets, hands
 // them to the portable model and shows what comes back. The project, the rows of the tables and the
 // texts are the model's; they are read here by the accessors of their names, below. A controller
@@ -46,10 +51,10 @@ NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotificatio
   AAX_ITransport* mTransport;                // not owned; answers the timecode setting
   AAX_IViewContainer* mViewContainer;        // not owned, never used
   std::unique_ptr<velmora::ViewModel> model;
-  NSTableView* _projectInfomationTableView;
-  NSTableView* _trackTableView;
-  NSTableView* _eventListTableView;
-  NSTableView* _numberOfTracksTableView;
+  IBOutlet NSTableView* _projectInfomationTableView;
+  IBOutlet NSTableView* _trackTableView;
+  IBOutlet NSTableView* _eventListTableView;
+  IBOutlet NSTableView* _numberOfTracksTableView;
   NSButton* cpoySourcecheckBox;       // option: copy the sources
   NSMatrix* spotPsitionMatrix;        // option: where the events land
   NSMatrix* depthMatrix;              // option: bit depth

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "Model/ViewModel.h"
-#import "View/ModelColumn.h"
 #import "View/TextConversion.h"
+#import "View/VelmoraModelColumn.h"
 #import "View/Velmora_ViewController.h"
 
 static NSString* const kOn = @"1";
@@ -15,7 +15,7 @@ static NSArray* Column(id owner, const Rows& rows, Convert convert) {
   auto source = std::make_unique<ColumnSource>();
   source->rows = [&rows] { return rows.size(); };
   source->objectAt = [&rows, convert](std::size_t row) { return convert(rows[row]); };
-  return [ModelColumn columnOf:owner source:std::move(source)];
+  return [VelmoraModelColumn columnOf:owner source:std::move(source)];
 }
 
 template <class T, class Convert>
@@ -25,7 +25,7 @@ static NSArray* TrackColumn(id owner, const velmora::SparseColumn<T>& rows, Conv
   source->objectAt = [&rows, convert](std::size_t row) {
     return convert(*rows.At(static_cast<std::int32_t>(row)));
   };
-  return [ModelColumn columnOf:owner source:std::move(source)];
+  return [VelmoraModelColumn columnOf:owner source:std::move(source)];
 }
 
 static id BoxObject(velmora::EventBox box) {

@@ -14,12 +14,12 @@ struct ColumnSource {
 
 // An array that holds nothing itself: it asks its source each time. It serves columns that may span
 // as many rows as there are track numbers.
-@interface ModelColumn : NSArray {
+@interface VelmoraModelColumn : NSArray {
   id owner;
   std::unique_ptr<ColumnSource> source;
 }
 
 // An autoreleased column. `owner` is retained: it keeps alive what the source reads.
-+ (ModelColumn*)columnOf:(id)owner source:(std::unique_ptr<ColumnSource>)source;
++ (VelmoraModelColumn*)columnOf:(id)owner source:(std::unique_ptr<ColumnSource>)source;
 
 @end

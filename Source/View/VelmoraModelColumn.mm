@@ -1,11 +1,11 @@
-#import "View/ModelColumn.h"
+#import "View/VelmoraModelColumn.h"
 
 #include <utility>
 
-@implementation ModelColumn
+@implementation VelmoraModelColumn
 
-+ (ModelColumn*)columnOf:(id)owner source:(std::unique_ptr<ColumnSource>)source {
-  ModelColumn* column = [[[ModelColumn alloc] init] autorelease];
++ (VelmoraModelColumn*)columnOf:(id)owner source:(std::unique_ptr<ColumnSource>)source {
+  VelmoraModelColumn* column = [[[VelmoraModelColumn alloc] init] autorelease];
   column->owner = [owner retain];
   column->source = std::move(source);
   return column;
