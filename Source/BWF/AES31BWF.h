@@ -42,8 +42,8 @@ class AES31BWF {
   AES31BWF(const char* path, std::uint32_t sampleRate, std::uint32_t channels,
            std::int32_t bitDepth, std::int32_t frames);
 
-  /// The same in a file whose name is settled when it is created. Whether the file is kept is left
-  /// to the caller.
+  /// The same in a file whose name is settled when it is created, as GetPath tells it. Whether the
+  /// file is kept is left to the caller.
   AES31BWF(OutputFile& file, std::uint32_t sampleRate, std::uint32_t channels,
            std::int32_t bitDepth, std::int32_t frames);
 
@@ -93,7 +93,7 @@ class AES31BWF {
 
   /// True once something could not be written, also if only closing showed it. The system log has
   /// been told path and cause.
-  bool WriteFailed() const { return writeFailed_; }
+  [[nodiscard]] bool WriteFailed() const { return writeFailed_; }
 
   bool hasBext = false;
   BwfBext bext;

@@ -31,8 +31,8 @@ struct BwfBext {
   std::uint32_t timeReferenceHigh = 0;
   std::uint16_t version = 0;
   std::array<std::uint8_t, 254> umidAndReserved{};
-  const char* codingHistory = nullptr;  ///< terminated; null if the chunk has no more than 602
-                                        ///< bytes; owned by the AES31BWF
+  /// Terminated; null if the chunk has no more than 602 bytes. Owned by the AES31BWF.
+  const char* codingHistory = nullptr;
 };
 
 /// A chunk that is kept but not understood.

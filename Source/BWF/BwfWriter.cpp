@@ -16,7 +16,7 @@ namespace velmora {
 namespace {
 
 /// The body of the bext chunk is the cleared record as this machine lays it out, so it is longer
-/// than the published 602 bytes. Readers take what is behind them for an empty coding history.
+/// than the published 602 bytes. Readers take the bytes after those for an empty coding history.
 constexpr std::uint32_t kBextBodyBytes = sizeof(BwfBext);
 static_assert(kBextBodyBytes == (sizeof(void*) == 8 ? 616 : 608));
 

@@ -35,7 +35,7 @@ void HeaderReader::ReadBlock() {
 
 std::vector<std::uint8_t> HeaderReader::Bytes(std::int64_t count) {
   if (Holds(count)) {
-    const auto begin = block_.begin() + (place_ - blockBegin_);
+    const std::uint8_t* const begin = block_.data() + (place_ - blockBegin_);
     place_ += count;
     return {begin, begin + count};
   }

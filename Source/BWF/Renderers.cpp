@@ -34,8 +34,8 @@ class ClosingSource {
 /// project is too long for a wave file that can be read back: it would fill a disk with silence.
 std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, OutputFile& file, std::int64_t frames) {
   constexpr std::int64_t kLargestDataBytes = std::numeric_limits<std::int32_t>::max();
-  // Bits are rounded up to bytes when they are written; a depth of 0 writes none, but takes the
-  // time.
+  // A sample is written in whole bytes. At least one is counted even where a depth of 0 writes
+  // none, or such a file could have any length, and the loop over its frames take as long.
   const std::int64_t sampleBytes = std::max((model.GetBitsPerSample() + 7) / 8, 1U);
   const std::int64_t frameBytes = sampleBytes * std::max(model.GetChannels(), 1U);
   if (frames > kLargestDataBytes / frameBytes) return nullptr;

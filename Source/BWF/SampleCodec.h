@@ -14,25 +14,27 @@ namespace velmora {
 
 /// Full scale of a depth as the number that samples are multiplied by. The shift wraps as the
 /// processor's does, so that no depth that a file claims is undefined.
-inline float FullScale(std::uint32_t bits) {
+[[nodiscard]] constexpr float FullScale(std::uint32_t bits) {
   const std::uint32_t highest = (std::uint32_t{1} << ((bits - 1) & 31U)) - 1;
   return static_cast<float>(static_cast<std::int32_t>(highest));
 }
 
 /// Puts the next byte of a sample, which come in file order, on top of those before it. When all
 /// are there the sample stands left-justified; of more than four bytes only the last four count.
-constexpr std::uint32_t AddSampleByte(std::uint32_t leftJustified, std::uint8_t byte) {
+[[nodiscard]] constexpr std::uint32_t AddSampleByte(std::uint32_t leftJustified,
+                                                    std::uint8_t byte) {
   return leftJustified >> 8 | static_cast<std::uint32_t>(byte) << 24;
 }
 
 /// A sample left-justified in 32 bits as a float. 16 and 24 bits are exact.
-constexpr float SampleFromLeftJustified(std::uint32_t leftJustified) {
+[[nodiscard]] constexpr float SampleFromLeftJustified(std::uint32_t leftJustified) {
   constexpr float kScale = 0x1p-31F;
   return static_cast<float>(static_cast<std::int32_t>(leftJustified)) * kScale;
 }
 
-/// The low `count` bytes of a sample, low byte first; behind the fourth the sign goes on.
-inline void EncodeSample(std::int32_t sample, std::uint8_t* bytes, std::size_t count) {
+/// The low `count` bytes of a sample, low byte first. A sample has four bytes: all further ones
+/// repeat its sign, 0x00 or 0xFF.
+constexpr void EncodeSample(std::int32_t sample, std::uint8_t* bytes, std::size_t count) {
   constexpr std::size_t kSampleBytes = sizeof sample;
   const auto bits = static_cast<std::uint32_t>(sample);
   for (std::size_t i = 0; i < count && i < kSampleBytes; ++i) {

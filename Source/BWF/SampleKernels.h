@@ -12,8 +12,8 @@ class SampleConversion {
   /// @param gain linear factor, applied in doubles; null for none
   SampleConversion(std::uint32_t sourceBits, std::uint32_t targetBits, const double* gain);
 
-  std::size_t SourceBytes() const { return sourceBytes_; }  ///< of one sample
-  std::size_t TargetBytes() const { return targetBytes_; }  ///< of one sample
+  [[nodiscard]] std::size_t SourceBytes() const { return sourceBytes_; }  ///< of one sample
+  [[nodiscard]] std::size_t TargetBytes() const { return targetBytes_; }  ///< of one sample
 
   /// Converts `count` samples. A source depth below 8 bits has no samples: all are 0 then.
   void Convert(const std::uint8_t* source, std::uint8_t* target, std::size_t count) const;

@@ -7,7 +7,7 @@
 namespace velmora {
 
 /// A four-character code as the 32-bit number that reads the same in big-endian order.
-constexpr std::uint32_t FourCharCode(const char (&code)[5]) {
+[[nodiscard]] constexpr std::uint32_t FourCharCode(const char (&code)[5]) {
   std::uint32_t value = 0;
   for (int i = 0; i < 4; ++i) {
     value = value << 8 | static_cast<std::uint8_t>(code[i]);
@@ -39,15 +39,16 @@ struct RegionPlacement {
   std::int16_t track = 0;     ///< from 0
   std::int64_t position = 0;  ///< on the timeline, in samples; cut to the width of a long
   std::int16_t stream = 1;
-  bool relative = false;   ///< from the first track on, in place of an absolute track
+  bool relative = false;   ///< `track` counts from the host's first; else it is absolute
   std::int32_t start = 0;  ///< first sample inside the file
   std::int32_t stop = 0;   ///< end inside the file, exclusive
 };
 
 /// Builds the message for a file that `alias` names. A `name` over 255 bytes is cut there, while
 /// its length byte wraps.
-RegionMessage BuildRegionMessage(const RegionPlacement& placement, std::string_view name,
-                                 std::vector<std::uint8_t> alias);
+[[nodiscard]] RegionMessage BuildRegionMessage(const RegionPlacement& placement,
+                                               std::string_view name,
+                                               std::vector<std::uint8_t> alias);
 
 /// Where messages go.
 class RegionHost {

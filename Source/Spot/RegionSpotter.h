@@ -17,7 +17,7 @@ class RegionSpotter {
   /// @param position on the timeline, in samples
   /// @param stream   1 in this system
   /// @param name     the region's name on the host
-  /// @param relative place from the first track on, in place of an absolute track
+  /// @param relative `track` counts from the host's first track; else it is absolute
   /// @return 0, or the status of the step that failed, its low 16 bits sign-extended
   virtual std::int32_t SpotRegion(std::int16_t track, std::int64_t position, std::int16_t stream,
                                   const char* name, bool relative);

@@ -31,7 +31,7 @@ struct SpotOptions {
 };
 
 /// Fills in `timelineOffset` and `relativeTrack` from the other options and from the timestamp of
-/// the earliest cut; with a null `firstEvent` there is no displacement.
+/// the earliest cut. With a null `firstEvent` nothing is displaced; the track form is the same.
 void ComputePosition(SpotOptions& options, const char* firstEvent);
 
 /// By how many samples the session's timebase moves the project: the timestamp read in the

@@ -89,7 +89,7 @@ bool SpotPasses::RegionPass() {
         event != nullptr ? SpotMainRegion(i, *event, attempt).value_or(0) : 0;
     if (status != 0 && attempt < kAttempts) {
       ++failures;
-      --progress_;  // the step is counted again, and so once
+      --progress_;  // the next attempt counts this step again
       continue;
     }
     if (status != 0) observer_.RegionGivenUp(i, RegionPiece::Main, status);

@@ -21,7 +21,7 @@ class SpotPasses {
   bool Run();
 
  private:
-  static constexpr std::int32_t kAttempts = 80;  ///< for each region, one at once after the other
+  static constexpr std::int32_t kAttempts = 80;  ///< for each region, without a pause
 
   bool DepthPass();
   bool GainPass();

@@ -41,9 +41,8 @@ class SpotObserver {
 
 /// The whole of a spot: five passes over the events, in which files are made and regions sent, each
 /// up to 80 times. Failures are per event or piece, and the run goes on.
-/// @return false if it ended early, by the observer's abort or, with a last report all the same,
-/// for
-///         lack of memory; files and regions stay as they are
+/// @return false if it ended early: by the observer's abort, or for lack of memory, and then with a
+///         last report all the same. Files and regions that were made stay.
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer);
 
@@ -52,9 +51,9 @@ bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
 void ReleaseRenderedFiles(AES31Project& project);
 
 /// The track of a cut on the host, counted from the project's lowest.
-std::int16_t HostTrack(const AES31Event& event, std::int32_t minTrack);
+[[nodiscard]] std::int16_t HostTrack(const AES31Event& event, std::int32_t minTrack);
 
 /// True for an event that a spot works on: a cut whose two boxes are ticked.
-bool IsLive(const AES31Event& event);
+[[nodiscard]] bool IsLive(const AES31Event& event);
 
 }  // namespace velmora

@@ -230,10 +230,10 @@ TEST_F(BwfConversion, startsWhereBothStreamsStand) {
   target.CloseFile();
   EXPECT_EQ(PcmSamples(16, TemporaryFolder::Read(targetPath), kHeaderBytes),
             (Ints{32767, 8191, 16383, 0}))
-      << "what lies behind the file's end is silence";
+      << "what lies past the file's end is silence";
 }
 
-TEST_F(BwfConversion, bytesBehindTheDataChunkAreReadOn) {
+TEST_F(BwfConversion, bytesAfterTheDataChunkAreReadOn) {
   const std::string source =
       WaveBytes().Format({}).Claim("data", 8, PcmBytes(16, {0x4000})).Raw("\x34\x12\x78").Bytes();
   EXPECT_EQ(PcmSamples(24, Converted(source, 24), kHeaderBytes),

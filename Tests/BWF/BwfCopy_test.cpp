@@ -52,7 +52,7 @@ TEST_F(BwfCopy, sameDepthStartsAtTheFilesBeginWhereverTheStreamStands) {
   EXPECT_EQ(TargetBytes(), rich);
 }
 
-TEST_F(BwfCopy, sameDepthDropsWhatLiesBehindTheForm) {
+TEST_F(BwfCopy, sameDepthDropsWhatLiesAfterTheForm) {
   AES31BWF source(Source(rich + std::string(100000, 'x')).c_str());
   EXPECT_EQ(source.CopyTo(target.c_str(), -1), CopyDone);
   EXPECT_EQ(TargetBytes(), rich);
@@ -118,7 +118,7 @@ TEST_F(BwfCopy, otherDepthStartsAtTheFirstSampleWhereverTheStreamStands) {
             WrittenHeader(48000, 1, 24, 4) + PcmBytes(24, {8388351, -8388607, 255, -255}));
 }
 
-TEST_F(BwfCopy, otherDepthIgnoresBytesBehindTheAudio) {
+TEST_F(BwfCopy, otherDepthIgnoresBytesAfterTheAudio) {
   AES31BWF source(Source(PlainWave({}, {32767}) + std::string(50, 'x')).c_str());
   EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone);
   EXPECT_EQ(TargetBytes(), WrittenHeader(48000, 1, 24, 1) + PcmBytes(24, {8388351}));

@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
         InvalidRow{"noBlockAlign", WaveBytes().Format({.blockAlign = 0}).Data(kSamples).Bytes()},
         InvalidRow{"noChannelsNorBlockAlign",
                    WaveBytes().Format({.channels = 0, .blockAlign = 0}).Data(kSamples).Bytes()},
-        InvalidRow{"noChannelsBehindData",
+        InvalidRow{"noChannelsAfterData",
                    WaveBytes().Data(kSamples).Format({.channels = 0, .blockAlign = 2}).Bytes()},
         InvalidRow{"noBlockAlignInTheLastFormat",
                    WaveBytes(kFormat).Data(kSamples).Format({.blockAlign = 0}).Bytes()},
@@ -228,7 +228,7 @@ TEST(BwfBadInput, damagedHeadersNeverFault) {
   for (int round = 0; round < 1500; ++round) {
     std::string bytes = good;
     for (std::size_t hits = 1 + below(4); hits > 0; --hits) {
-      // The header's numbers stand at the file's begin and behind the 614 bytes of the bext body.
+      // The header's numbers stand at the file's begin and after the 614 bytes of the bext body.
       const std::size_t at = below(2) == 0 ? below(24) : 620 + below(bytes.size() - 620);
       constexpr unsigned char kEdges[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
       bytes[at] = static_cast<char>(below(2) == 0 ? kEdges[below(5)] : below(256));

@@ -147,7 +147,7 @@ TEST_F(BwfReader, shortBextHasNoHistoryAndItsFieldsRunOn) {
   ASSERT_NE(file.GetBext(), nullptr);
   EXPECT_EQ(file.GetBext()->codingHistory, nullptr);
   EXPECT_EQ(TextOf(file.bext.description).substr(0, 14), "0123456789fmt ");
-  EXPECT_EQ(file.GetFrames(), 2) << "the walk goes on behind the short chunk";
+  EXPECT_EQ(file.GetFrames(), 2) << "the walk goes on after the short chunk";
 }
 
 TEST_F(BwfReader, orderOfChunksDoesNotMatter) {
@@ -231,7 +231,7 @@ TEST_F(BwfReader, lastOfTwoFormatAndDataChunksWins) {
   EXPECT_EQ(file.GetFrames(), 2);
 }
 
-TEST_F(BwfReader, framesFollowTheFormatChunkThatStandsBehindTheData) {
+TEST_F(BwfReader, framesFollowTheFormatChunkThatStandsAfterTheData) {
   AES31BWF file(
       Write(WaveBytes().Format({.channels = 1}).Data(std::string(12, 'x')).Format({.channels = 3}))
           .c_str());
@@ -255,7 +255,7 @@ TEST_F(BwfReader, formatChunkIsReadToItsLastFieldWhateverItsSize) {
   const std::string fourteen = FormatBody({}).substr(0, 14);
   AES31BWF file(Write(WaveBytes().Chunk("fmt ", fourteen).Data(kTwoFrames)).c_str());
   ASSERT_TRUE(file.IsValid());
-  EXPECT_EQ(file.GetBitsPerSample(), 0x6164U) << "the first letters of the chunk behind";
+  EXPECT_EQ(file.GetBitsPerSample(), 0x6164U) << "the first letters of the next chunk";
   EXPECT_EQ(file.GetFrames(), 2);
 }
 
@@ -303,7 +303,7 @@ TEST_F(BwfReader, dataChunkIsFoundUpToTheEndOfTheForm) {
   EXPECT_EQ(inside.riffEnd, 45);
 }
 
-TEST_F(BwfReader, chunkBehindTheFormsEndIsNotKept) {
+TEST_F(BwfReader, chunkAfterTheFormsEndIsNotKept) {
   const WaveBytes form = WaveBytes().Format({}).Data(kTwoFrames);
   const auto formSize = static_cast<std::uint32_t>(form.Offset() - 8);
   AES31BWF file(Write(WaveBytes(form).Chunk("tail", "tail").RiffSize(formSize)).c_str());
@@ -327,7 +327,7 @@ TEST_F(BwfReader, riffSizeIsReadAsSignedAndComparedAsUnsigned) {
   }
 }
 
-TEST_F(BwfReader, emptyDataChunkIsFoundOnlyWithSomethingBehindIt) {
+TEST_F(BwfReader, emptyDataChunkIsFoundOnlyWithSomethingAfterIt) {
   AES31BWF last(Write(WaveBytes().Format({}).Data("")).c_str());
   EXPECT_FALSE(last.IsValid());
   AES31BWF inner(Write(WaveBytes().Format({}).Data("").Chunk("tail", "")).c_str());
@@ -337,11 +337,11 @@ TEST_F(BwfReader, emptyDataChunkIsFoundOnlyWithSomethingBehindIt) {
 }
 
 TEST_F(BwfReader, sizeWithTheTopBitSetEndsTheWalk) {
-  AES31BWF behind(
+  AES31BWF after(
       Write(WaveBytes().Format({}).Data(kTwoFrames).Claim("huge", 0x80000000).Chunk("tail", "tail"))
           .c_str());
-  EXPECT_TRUE(behind.IsValid());
-  EXPECT_EQ(behind.GetChunkCount(), 0U);
+  EXPECT_TRUE(after.IsValid());
+  EXPECT_EQ(after.GetChunkCount(), 0U);
   AES31BWF before(Write(WaveBytes().Claim("huge", 0xFFFFFFFF).Format({}).Data(kTwoFrames)).c_str());
   EXPECT_FALSE(before.IsValid());
 }
@@ -359,7 +359,7 @@ TEST_F(BwfReader, oddSizedChunkTakesNoPadByte) {
   EXPECT_TRUE(tight.IsValid());
   // With a pad byte, the next chunk is read one byte early: its name is NUL f m t and its size
   // begins with the blank.
-  const std::string behind = FormatBody({}) + LittleEndian().Text("data").U32(4).bytes + kTwoFrames;
+  const std::string after = FormatBody({}) + LittleEndian().Text("data").U32(4).bytes + kTwoFrames;
   AES31BWF padded(
       Write(WaveBytes().Chunk("odd ", "123").Raw(std::string(1, '\0')).Format({}).Data(kTwoFrames))
           .c_str());
@@ -368,8 +368,8 @@ TEST_F(BwfReader, oddSizedChunkTakesNoPadByte) {
   const BwfChunk* shifted = padded.GetChunk(1);
   EXPECT_EQ(shifted->identifier, 0x746D6600U);
   // The size would be 0x1020; the file ends earlier. The body begins with the size's last byte.
-  EXPECT_EQ(shifted->size, behind.size() + 1);
-  EXPECT_EQ(std::string(shifted->data.begin(), shifted->data.end()), std::string(1, '\0') + behind);
+  EXPECT_EQ(shifted->size, after.size() + 1);
+  EXPECT_EQ(std::string(shifted->data.begin(), shifted->data.end()), std::string(1, '\0') + after);
 }
 
 TEST_F(BwfReader, keptChunkThatPassesTheFileEndHoldsWhatThereIs) {

@@ -95,7 +95,7 @@ TEST_F(BwfSamples, everySixteenBitValueDecodesExactly) {
   }
 }
 
-TEST_F(BwfSamples, lastFrameAndChannelIsThereAndNothingBehindIt) {
+TEST_F(BwfSamples, lastFrameAndChannelIsThereAndNothingAfterIt) {
   AES31BWF file(
       Write(PlainWave({.channels = 2}, {0x0800, 0x1000, 0x2000, 0x4000}) + std::string(64, 'x'))
           .c_str());
@@ -125,7 +125,7 @@ TEST_F(BwfSamples, refusedReadOpensTheStreamAllTheSame) {
 TEST_F(BwfSamples, otherFormatTagsReadAsSilenceThoughValid) {
   const std::string loud = std::string(64, '\x40');
   for (const std::uint16_t tag : {std::uint16_t{3}, std::uint16_t{0xFFFE}, std::uint16_t{0}}) {
-    // The first fmt chunk leaves a depth behind that could be read.
+    // The first fmt chunk leaves a depth that could still be read.
     AES31BWF file(Write(WaveBytes()
                             .Format({.bits = 32})
                             .Format({.bits = 32, .formatTag = tag})
@@ -171,7 +171,7 @@ TEST_F(BwfSamples, readSampleReadsOnAndLeavesThePosition) {
   EXPECT_EQ(StreamOffset(file), 50);
 }
 
-TEST_F(BwfSamples, readSampleGoesOnBehindTheDataChunk) {
+TEST_F(BwfSamples, readSampleGoesOnAfterTheDataChunk) {
   AES31BWF file(Write(PlainWave({}, {1}) + std::string("\x00\x40", 2)).c_str());
   file.OpenAtData();
   file.ReadSample();
@@ -322,7 +322,7 @@ TEST_F(BwfSamples, anyOrderOfReadsFollowsStreamAndPosition) {
     constexpr std::uint32_t kFrames = 12;
     std::vector<std::int32_t> samples(kFrames * format.channels);
     for (std::int32_t& sample : samples) sample = static_cast<std::int32_t>(random());
-    const std::string bytes = PlainWave(format, samples) + "LISTsome bytes behind";
+    const std::string bytes = PlainWave(format, samples) + "LISTsome bytes after";
     AES31BWF file(Write(bytes).c_str());
     StreamModel model(bytes, format, kPlainDataOffset, kFrames);
     int stale = 0;

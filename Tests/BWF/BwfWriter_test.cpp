@@ -17,7 +17,7 @@ namespace {
 
 class BwfWriter : public testing::Test {
  protected:
-  // The bytes behind the header that the values leave in a file of one channel.
+  // The bytes after the header that the values leave in a file of one channel.
   std::string SampleBytes(std::int32_t bits, const std::vector<float>& values) {
     {
       AES31BWF file(path.c_str(), 48000, 1, bits, static_cast<std::int32_t>(values.size()));

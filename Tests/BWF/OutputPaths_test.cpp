@@ -18,7 +18,7 @@ struct StemRow {
   const char* stem;
 };
 
-TEST(CopyBaseName, runsFromTheLastSlashToTheFirstPointBehindIt) {
+TEST(CopyBaseName, runsFromTheLastSlashToTheFirstPointAfterIt) {
   for (const StemRow& row :
        {StemRow{"take.wav", "take"}, StemRow{"/x/take.wav", "take"},
         StemRow{"/x/take.1.wav", "take"}, StemRow{"/x/take", "take"}, StemRow{"take", "take"},
@@ -145,7 +145,7 @@ class FreeName : public testing::Test {
   const std::string source = root + "/src/a.wav";
 };
 
-TEST_F(FreeName, numbersRunFromOneBehindAPoint) {
+TEST_F(FreeName, numbersRunFromOneAfterAPoint) {
   EXPECT_EQ(First(), root + "/a.wav");
   Make(root + "/a.wav");
   EXPECT_EQ(First(), root + "/a.1.wav");

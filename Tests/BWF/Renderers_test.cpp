@@ -109,7 +109,7 @@ TEST_F(FadeRenderer, keepsRateChannelsAndDepthOfTheSource) {
   }
 }
 
-TEST_F(FadeRenderer, startsAtTheFirstFrameAndIsSilentBehindTheSource) {
+TEST_F(FadeRenderer, startsAtTheFirstFrameAndIsSilentAfterTheSource) {
   AES31BWF source(Source({.bits = 32}, {kOne, 0x10000000, 0x20000000, 0x40000000}).c_str());
   ExpectUsable(RenderFadeFile(target.c_str(), &source, 8, false, 2));
   EXPECT_EQ(TargetSamples(32), (Ints{0x20000000, 0x38000000, 0, 0, 0, 0, 0, 0}));

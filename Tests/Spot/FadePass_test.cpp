@@ -60,7 +60,7 @@ TEST_F(FadePassTest, fadeInGoesBeforeTheFadeOutOfAnEvent) {
                                            {"a_FadeOut.wav", 1, 0, 42, 0, 8, "a_FadeOut"}}));
 }
 
-TEST_F(FadePassTest, fadesGoBehindAllMainRegions) {
+TEST_F(FadePassTest, fadesGoAfterAllMainRegions) {
   LoadCuts(
       {{.destOut = Stamp(50), .outfade = FadeLength(4)}, {.source = 2, .infade = FadeLength(4)}});
   EXPECT_TRUE(Run());

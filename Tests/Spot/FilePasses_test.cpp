@@ -131,7 +131,7 @@ TEST_F(FilePassTest, equalDepthIsCopiedByteForByte) {
                                 .Chunk("LIST", "some")
                                 .Data(test::PcmBytes(16, {1, 2, 3}))
                                 .Bytes();
-  folder.Write("take.wav", bytes + "behind the form");
+  folder.Write("take.wav", bytes + "after the form");
   Load(ProjectBuilder().Source(1, "take.wav").Cut({}));
   CopyInto("copies");
   EXPECT_TRUE(Run());
@@ -289,7 +289,7 @@ TEST_F(FilePassTest, gainOfAMissingFileIsPassedOver) {
 TEST_F(FilePassTest, regionPassSpotsTheFileLeftOverFromAnAbortedRun) {
   WriteWave("take.wav", 24, test::Ramp(5));
   Load(ProjectBuilder().Source(1, "take.wav").Cut({}));
-  observer.abortAtPoll = 2;  // behind the depth pass
+  observer.abortAtPoll = 2;  // after the depth pass
   EXPECT_FALSE(Run());
   ASSERT_NE(project->events[0].renderedFile, nullptr);
   DepthOf24();  // now the source would need no file

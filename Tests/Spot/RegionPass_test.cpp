@@ -186,7 +186,7 @@ TEST_F(RegionPassTest, invalidRenderedFileGetsNoSecondChanceWithTheSource) {
 }
 
 TEST_F(RegionPassTest, conversionOfNoFramesIsAnInvalidRenderedFile) {
-  // A data chunk of no bytes is found only with another chunk behind it; the conversion ends with
+  // A data chunk of no bytes is found only with another chunk after it; the conversion ends with
   // its data chunk.
   folder.Write("take.wav",
                test::WaveBytes().Format({.bits = 24}).Data("").Chunk("LIST", "abcd").Bytes());

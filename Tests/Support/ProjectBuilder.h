@@ -66,7 +66,7 @@ class ProjectBuilder {
     if (!cut.gainDb.empty()) text += "\n  (Gain) 1 " + cut.gainDb;
     return Entry(text);
   }
-  /// An event of any other form: what stands behind its (Entry) and number.
+  /// An event of any other form: what stands after its (Entry) and number.
   ProjectBuilder& Entry(std::string_view text) {
     events_ += "(Entry) " + std::to_string(++entries_) + " ";
     events_ += text;

@@ -29,7 +29,7 @@ class LogCapture {
   std::vector<std::string> lines;
 };
 
-/// While it lives, no file of this process grows beyond `bytes`: a write behind that fails.
+/// While it lives, no file of this process grows beyond `bytes`: a write past that fails.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN)) {

@@ -124,7 +124,7 @@ inline std::string BextBody(const BextText& bext) {
 /// A RIFF WAVE file put together chunk by chunk, in any order, with true or false sizes.
 class WaveBytes {
  public:
-  /// A chunk with its true size and no pad byte behind an odd one.
+  /// A chunk with its true size and no pad byte after an odd one.
   WaveBytes& Chunk(std::string_view identifier, std::string_view body) {
     return Claim(identifier, static_cast<std::uint32_t>(body.size()), body);
   }

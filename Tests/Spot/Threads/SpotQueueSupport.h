@@ -157,7 +157,7 @@ class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_
                                       MainLoop& loop, CallLog& log) {
     return std::shared_ptr<Worker>(new Worker(number, std::move(run), host, loop, log));
   }
-  /// Ends a run that a failed test leaves behind.
+  /// Ends a run that a failed test leaves.
   ~Worker() override {
     run->Abort();
     host_.Release();
@@ -232,7 +232,7 @@ class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_
 };
 
 /// Writes a project of `cuts` cuts of 480 samples, a second apart from one hour on, all of one
-/// 16-bit source; `edits` stands behind each cut.
+/// 16-bit source; `edits` stands after each cut.
 inline std::string WriteProject(const TemporaryFolder& folder, const std::string& name, int cuts,
                                 const std::string& edits = "") {
   folder.Write("voice.wav", PlainWave({}, std::vector<std::int32_t>(4800, 1000)));
