@@ -68,14 +68,13 @@ OSErr SendEvent(const RegionMessage& message, Descriptors& made) {
 
 }  // namespace
 
-// All calls on the alias handle are here, ahead of the event's, though its bytes could be locked
-// and put straight into the event: a message is a value and has to hold the bytes before it is
-// sent. For the Apple Event Manager the order of calls is the same, and the handle can be given
-// back.
+// The bytes of the handle are copied and the handle is given back at once. They could be put into
+// the event straight from the handle, but a message is a value: it holds its bytes before there is
+// any event. The Apple Event Manager sees the same calls in the same order either way.
 std::int32_t AppleEventHost::MakeAlias(const char* path, std::vector<std::uint8_t>& alias) {
   alias.clear();
   FSRef file{};
-  // Not looked at: of a reference that names no file the next step makes no alias.
+  // The answer is not looked at: if no file is found, the next step fails.
   FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &file, nullptr);
   AliasHandle handle = nullptr;
   const OSErr status = FSNewAlias(nullptr, &file, &handle);
@@ -89,8 +88,7 @@ std::int32_t AppleEventHost::MakeAlias(const char* path, std::vector<std::uint8_
     alias.assign(*bytes, *bytes + size);
     HUnlock(bytes);
   } else {
-    // The message ends here as it does at any later step, with nothing made but all disposed of.
-    const Descriptors none;
+    const Descriptors none;  // a failure disposes of all descriptors here too, as at later steps
   }
   DisposeHandle(bytes);
   return status;

@@ -19,8 +19,8 @@ class AppleEventHost : public RegionHost {
 
   /// Sends the message as one Apple Event, and blocks for as long as its mode and time-out tell.
   /// The reply is not asked for: a refusal that only a reply would hold stays unseen.
-  /// @return 0, or the status of the first step that failed, its low 16 bits sign-extended; nothing
-  ///         is sent behind a failed step
+  /// @return 0, or the status of the first step that failed, its low 16 bits sign-extended; after
+  ///         a failed step nothing is sent
   std::int32_t Send(const RegionMessage& message) override;
 };
 

@@ -44,8 +44,8 @@ NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotificatio
   NSTextField* CopyFolderNameTextField;      // folder that receives copies
   NSTextField* totalStartTimeTextField;      // start of the project's material
   NSTextField* totalEndTimeTextField;        // end of the project's material
-  NSTextField* timeOffset;                   // plain field behind offsetTimeText
-  NSTextField* timeStart;                    // plain field behind startTimeText
+  NSTextField* timeOffset;                   // what offsetTimeText has committed
+  NSTextField* timeStart;                    // what startTimeText has committed
   AAX_IEffectParameters* mEffectParameters;  // not owned, never used
   AAX_IController* mController;              // not owned; answers the sample rate
   AAX_ITransport* mTransport;                // not owned; answers the timecode setting
@@ -173,7 +173,8 @@ NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotificatio
 // Starts a spot, or aborts the one that runs.
 - (IBAction)DoSpot:(id)sender;
 
-// Asks the worker to stop and enables the controls; the button stays as it is.
+// Asks the worker to stop and enables the controls. The button stays on Cancel, and its next press
+// only brings it back. If the request comes too late to stop anything, the end of the spot does so.
 - (IBAction)SpotCancelButton_Click:(id)sender;
 
 // The body of a worker's thread: runs the spot of the worker whose thread this is.
@@ -183,7 +184,7 @@ NSString* const VelmoraDidLoadFileNotification = @"VelmoraDidLoadFileNotificatio
 - (void)progress:(NSNumber*)number;
 
 // A report of the latest worker: the steps done, or -1 at its end, when the controls and the button
-// come back.
+// come back. An aborted worker reports only an end that it has reached all the same.
 - (void)showProgress:(std::int32_t)steps of:(NSNumber*)number;
 
 @end

@@ -108,7 +108,8 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
   [self abortSpot];
 }
 
-// Does not wait for the worker, which stops at its next event and reports no more.
+// Does not wait for the worker, which stops at its next event and reports no more. If it has none
+// left it ends as usual, and its last report finds all this done.
 - (void)abortSpot {
   thread_abort = YES;
   [spotThread abort];

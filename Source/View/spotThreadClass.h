@@ -13,8 +13,8 @@ class SpotTask;
 @class Velmora_ViewController;
 
 // The worker of one spot: the target of its thread, and the messenger between this thread and the
-// view. It may outlive the view controller. That is safe because a controller that goes aborts its
-// runs and waits for them, and an aborted run delivers nothing.
+// view. It may outlive the view controller. That is safe because a controller that goes closes its
+// queue of runs, which waits for them, and a run of a closed queue delivers nothing.
 @interface spotThreadClass : NSObject {
   std::int32_t count;    // not used
   std::int32_t max;      // not used

@@ -143,8 +143,8 @@ void LimitsOnCommit() {
   Check("all too large", " 23:59:59:29", commit(start, {"2", "5", "6", "1", "6", "1", "4", "0"}));
   Check("12:30 without a sign", " 12:30:00:00",
         commit(start, {"1", "2", "3", "0", "0", "0", "0", "0"}));
-  Check("the plain field behind the offset", "+11:59:00:00", FieldText([Controller() timeOffset]));
-  Check("the plain field behind the start", " 12:30:00:00", FieldText([Controller() timeStart]));
+  Check("the plain field of the offset", "+11:59:00:00", FieldText([Controller() timeOffset]));
+  Check("the plain field of the start", " 12:30:00:00", FieldText([Controller() timeStart]));
 }
 
 void LeavesEntries() {

@@ -152,7 +152,7 @@ void RunsToItsEnd() {
   Screenshot(Window(), "spot-done");
 }
 
-// Where the regions land follows the choice and the entry behind it.
+// Where the regions land follows the choice and its entry.
 void PlacesByChoice() {
   const test::TemporaryFolder folder;
   StartShellWith(SimpleProject(folder, 1, 1));

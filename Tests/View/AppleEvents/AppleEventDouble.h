@@ -12,8 +12,8 @@ namespace velmora::test {
 /// what it was given, bytes in hexadecimal, descriptors by the name under which they were made
 /// ("target", "event", "region", "reply") or as "empty".
 ///
-/// A step answers 0, or what `answers` holds for it. A step is a call's name, with the keyword or
-/// type behind it where there are several: "AEPutParamPtr Trak", "AECreateDesc sign".
+/// A step answers 0, or what `answers` holds for it. A step is a call's name, followed by the
+/// keyword or type where there are several: "AEPutParamPtr Trak", "AECreateDesc sign".
 struct AppleEventDouble {
   std::vector<std::string> calls;
   std::map<std::string, std::int32_t> answers;
