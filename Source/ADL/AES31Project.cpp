@@ -18,7 +18,7 @@
 namespace velmora {
 namespace {
 
-/// Short enough for a string to hold it without asking for memory.
+/// So short that a string holds it without asking for memory.
 constexpr const char* kNoMemory = "out of memory";
 
 /// Tells a file that is no regular one from one that does not open, by the errno of its opening.
@@ -146,8 +146,8 @@ void AES31Project::DumpProject() {
   }
   for (std::size_t i = 0; i < events.size(); ++i) {
     const AES31Event& event = events[i];
-    AES31Cut
-        cut;  // whatever the event is: the other kinds' fields end before the two that are shown
+    // Read as a cut whatever the event is: the fields of other kinds end before the two shown.
+    AES31Cut cut;
     std::memcpy(&cut, &event.cut, sizeof cut);
     std::fprintf(stderr, "Event: %d: %s (%i), channel: %d\n", static_cast<int>(i),
                  TextOrNull(event.label), cut.sourceIndex, cut.destChannel);

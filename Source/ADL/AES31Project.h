@@ -46,9 +46,10 @@ class AES31Project {
   virtual AES31Event* GetEvent(std::int32_t position);
   virtual std::int32_t GetEventCount();
 
-  /// Hands each event what it needs of its source.
+  /// Gives each event its source's file, first sample and length.
   virtual void LinkEvents();
-  /// Finds the audio file of each source below `folder` and opens it.
+  /// Finds the audio file of each source below `folder` and opens it. A file that a source held
+  /// before is deleted with the project, since events may still point to it.
   virtual void ResolveSources();
 
   // Two sets of readers. The first reads without any check and cannot fail; the load runs the

@@ -124,8 +124,8 @@ char* AdlScanner::ScanValues(AES31Entry& entry, char* at) {
 }
 
 /// `(LABEL)N` and then one value that may hold anything: N counts the separator and the value's
-/// bytes. The label's ")" is searched backwards, past the token's own start if it has none. Null if
-/// there is none at all.
+/// bytes. The label's ")" is searched backwards, past the token's own start if it has none. Answers
+/// null if there is none down to the start of the block.
 char* AdlScanner::ScanCountedValue(AES31Entry& entry, const Token& token) {
   char* parenthesis = token.end - 1;
   do {
@@ -146,8 +146,8 @@ char* AdlScanner::ScanCountedValue(AES31Entry& entry, const Token& token) {
   return token.end + count + 1;
 }
 
-/// The walk starts at the token's first byte and not behind the mark, so "/*/" is a whole comment
-/// whose end lies before its text.
+/// The walk starts at the token's first byte and not after its "/*", so "/*/" is a whole comment.
+/// Its end then lies before the text that is kept of it.
 char* AdlScanner::TakeComment(const Token& token) {
   comments_.push_back(token.begin + 2);
   char* at = token.begin;

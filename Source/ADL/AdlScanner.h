@@ -11,7 +11,7 @@ namespace velmora {
 /// each piece and keeps pointers to the pieces. Labels and values mean nothing to it, and it
 /// reports nothing: a damaged file yields a shorter tree.
 ///
-/// The block behaves as if blanks followed it. `*end` is a spare NUL behind the block; nothing else
+/// The block behaves as if blanks followed it. `*end` is a spare NUL after the block; nothing else
 /// outside the block is read or written.
 class AdlScanner {
  public:
@@ -52,8 +52,8 @@ class AdlScanner {
   char* const begin_;
   char* const end_;
   std::vector<std::vector<AES31Section>>& refLists_;
-  /// Stretches behind which backward searches found their ")", rising: none is left in them. They
-  /// keep the time of many searches in proportion to the block.
+  /// Stretches of the block, rising, in which backward searches have found no further ")". A later
+  /// search jumps over them, so that many searches together take time in proportion to the block.
   std::vector<std::pair<char*, char*>> searched_;
   std::vector<const char*>& comments_;
 };

@@ -21,10 +21,10 @@ class SparseColumn {
     rows_ = rows > 0 ? rows : 0;
     common_ = std::move(common);
   }
-  std::int32_t Rows() const { return rows_; }
-  bool Has(std::int32_t row) const { return row >= 0 && row < rows_; }
+  [[nodiscard]] std::int32_t Rows() const { return rows_; }
+  [[nodiscard]] bool Has(std::int32_t row) const { return row >= 0 && row < rows_; }
   /// The value at a row, null for a row that the column does not have.
-  const T* At(std::int32_t row) const {
+  [[nodiscard]] const T* At(std::int32_t row) const {
     if (!Has(row)) return nullptr;
     const auto found = exceptions_.find(row);
     return found == exceptions_.end() ? &common_ : &found->second;

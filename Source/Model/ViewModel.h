@@ -38,7 +38,7 @@ class ViewModel {
   /// Sets the boxes of all tracks that a cut uses at once, as so many edits would.
   void SetTrackBoxes(const std::function<bool(std::int32_t track)>& on);
 
-  bool HasCuts() const { return project != nullptr && firstEvent != nullptr; }
+  [[nodiscard]] bool HasCuts() const { return project != nullptr && firstEvent != nullptr; }
 
   std::shared_ptr<AES31Project> project;   ///< null before the first load and after a failed one
   std::optional<LoadFailure> loadFailure;  ///< of the last load; set if that failed

@@ -5,18 +5,18 @@
 
 namespace velmora {
 
-/// The value behind a timecode field.
+/// The value of a timecode field.
 struct TimecodeValue {
   std::int32_t hours = 0;
   std::int32_t mins = 0;
   std::int32_t secs = 0;
   std::int32_t frames = 0;
-  std::int32_t sgn = 1;          ///< +1 or -1; -0 keeps its minus
+  std::int32_t sgn = 1;          ///< +1 or -1, beside the fields so that zero can have a minus too
   bool sign = false;             ///< the field is signed
   std::int32_t max_frames = 30;  ///< frames stay below this
 
   /// Twelve characters: sign or blank, then HH:MM:SS:FF.
-  std::string ComposeString() const;
+  [[nodiscard]] std::string ComposeString() const;
 
   /// Takes over a text, each number limited by itself without carrying: 90 seconds become 59. A
   /// signed value ends at 12:00:00:00. Numbers that the text does not have are 0.
@@ -32,6 +32,7 @@ struct EntryResult {
 /// One key on a field that shows `text`: digits enter at the right and push the others to the left,
 /// as on a pocket calculator. `key` is the first byte of the key's UTF-8 text. `committed` is the
 /// value of the last commit, which Escape brings back.
-EntryResult TimeDataOperation(const std::string& text, char key, const TimecodeValue& committed);
+[[nodiscard]] EntryResult TimeDataOperation(const std::string& text, char key,
+                                            const TimecodeValue& committed);
 
 }  // namespace velmora

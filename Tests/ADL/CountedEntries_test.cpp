@@ -11,11 +11,11 @@ namespace {
 
 struct Counted {
   std::string_view rule;
-  std::string_view entries;  ///< behind "<ADL> <A> "
+  std::string_view entries;  ///< after "<ADL> <A> "
   std::string_view tree;
 };
 
-// (label)N: the value is the N - 1 bytes behind one separator, whatever they are.
+// (label)N: the value is the N - 1 bytes after one separator, whatever they are.
 TEST(CountedEntries, values) {
   constexpr auto kRows = std::to_array<Counted>({
       {"carriesParenthesesAndBrackets", "(x)9 a (b) <c (y) 1 </A> </ADL>", "A{x:a (b) <c; y:1}"},
@@ -27,10 +27,10 @@ TEST(CountedEntries, values) {
        "(x)3\x80"
        "ab (y) 1 </A> </ADL>",
        "A{x:ab; y:1}"},
-      {"byteBehindTheValueIsOverwritten", "(x)3 ab(y) 1 </A> </ADL>", "A{x:ab}"},
+      {"byteAfterTheValueIsOverwritten", "(x)3 ab(y) 1 </A> </ADL>", "A{x:ab}"},
       {"leadingZeros", "(x)0003 ab (y) 1 </A> </ADL>", "A{x:ab; y:1}"},
       {"plusAheadOfTheNumber", "(x)+3 ab (y) 1 </A> </ADL>", "A{x:ab; y:1}"},
-      {"lettersBehindTheNumber", "(x)3abc ab (y) 1 </A> </ADL>", "A{x:ab; y:1}"},
+      {"lettersAfterTheNumber", "(x)3abc ab (y) 1 </A> </ADL>", "A{x:ab; y:1}"},
       {"lastParenthesisCounts", "(x)y)3 ab (z) 1 </A> </ADL>", "A{x)y:ab; z:1}"},
       {"emptyLabel", "()3 ab (z) 1 </A> </ADL>", "A{:ab; z:1}"},
       {"zeroRunsToTheNextNul", "(x)0 (y) 1 </A> </ADL>", "A{x:(y; y:1}"},
@@ -78,7 +78,7 @@ TEST(CountedEntries, walksBackPastItsOwnStart) {
   EXPECT_EQ(Shown(project->sections), "A{x:\"q; y 1 </A>:1 </A>}");
 }
 
-TEST(CountedEntries, withoutAnyParenthesisBehindItEndsTheScan) {
+TEST(CountedEntries, withoutAnyParenthesisBeforeItEndsTheScan) {
   EXPECT_EQ(Shown(LoadedProject("<ADL> <A> (x) 1 (y 2 </A> <B> </B> </ADL>")->sections), "A{x:1}");
   EXPECT_EQ(Shown(LoadedProject("<ADL> <A> ( x ) 1 </A> <B> </B> </ADL>")->sections), "A{}");
 }

@@ -116,7 +116,7 @@ TEST(EventFields, altFillsItsFieldsAndIsNoLabel) {
   EXPECT_EQ(project.standardError(), "");
 }
 
-TEST(EventFields, cutFieldsBehindTheSharedStartAreZeroInOtherKinds) {
+TEST(EventFields, cutFieldsAfterTheSharedStartAreZeroInOtherKinds) {
   for (const char* const edit :
        {"(Silence) 9 8 7 6", "(Aux) 9 8 7 6", "(Vid) 9 8 7 6", "(Alt) 9 8 7 6", "(Rem) 9"}) {
     const LoadedProject project(WithEvents("(Entry) 1 " + std::string(edit)));
@@ -200,7 +200,7 @@ TEST(EventFields, whatGoesWithAnEditStandsBeforeOrAfterIt) {
   }
 }
 
-TEST(EventFields, cutWithCommentWordsBehindItReads) {
+TEST(EventFields, cutWithCommentWordsAfterItReads) {
   const LoadedProject project(WithEvents("(Entry) 1 (Cut) I 1 2 3 a b c d /* a remark */"));
   ExpectEqual(Only(project).cut, {"I", "a", "b", "c", "d", 1, 2, 3, 1, 1});
   EXPECT_EQ(project.standardError(), "");

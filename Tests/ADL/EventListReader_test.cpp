@@ -66,7 +66,7 @@ TEST(EventList, sameNumberTwiceIsTheLaterOneWhole) {
   EXPECT_EQ(event.cut.sourceIndex, 0);
 }
 
-TEST(EventList, twoSectionsGiveOneListBehindEachOther) {
+TEST(EventList, twoSectionsGiveOneListAfterEachOther) {
   const LoadedProject project(
       "<ADL> <EVENT_LIST> (Entry) 5 (Entry) 3 </EVENT_LIST> "
       "<event_list> (Entry) 4 (Entry) 3 </event_list> </ADL>");
@@ -126,7 +126,7 @@ TEST(EventList, refusals) {
       {"auxOf3Values", "(Entry) 1 (Aux) 1 2 3", "Aux"},
       {"vidOf3Values", "(Entry) 1 (Vid) 1 2 3", "Vid"},
       {"altOf3Values", "(Entry) 1 (Alt) 1 2 3", "Alt"},
-      {"cutBehindAnAltOf7Values", "(Entry) 1 (Alt) 1 2 3 4 (Cut) 1 2 3 4 5 6 7", "Cut"},
+      {"cutOf7ValuesAfterAnAlt", "(Entry) 1 (Alt) 1 2 3 4 (Cut) 1 2 3 4 5 6 7", "Cut"},
       {"infadeOf4Values", "(Entry) 1 (Infade) 00=00:01;00/0000 L 1 2", "Infade"},
       {"infadeOfNoValues", "(Entry) 1 (Infade)", "Infade"},
       {"infadeWithoutATimestamp", "(Entry) 1 (Infade) _ x 0 0 0", "Infade"},
@@ -136,7 +136,7 @@ TEST(EventList, refusals) {
       {"outfadeWithoutATimestamp", "(Entry) 1 (Outfade) 00=00:01;00 x 0 0 0", "Outfade"},
       {"xfadeOf5Values", "(Entry) 1 (Xfade) 1 2 3 4 5", "Xfade"},
       {"gainOf1Value", "(Entry) 1 (Gain) 1", "Gain"},
-      {"shortLineBehindSoundOnes", "(Entry) 1 (Cut) I 1 1 1 a b c d\n(Entry) 2 (Gain) 1", "Gain"},
+      {"shortLineAfterSoundOnes", "(Entry) 1 (Cut) I 1 1 1 a b c d\n(Entry) 2 (Gain) 1", "Gain"},
   });
   for (const Refused& row : kRows) {
     const LoadedProject project(WithEvents(row.lines));

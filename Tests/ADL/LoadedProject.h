@@ -78,7 +78,7 @@ inline std::string Shown(const AES31Section& section) {
   return Shown(section.name) + "{" + entries + "}";
 }
 
-/// A scanned tree: the sections one behind the other.
+/// A scanned tree: the sections one after the other.
 inline std::string Shown(const std::vector<AES31Section>& sections) {
   std::string shown;
   for (const AES31Section& section : sections) {

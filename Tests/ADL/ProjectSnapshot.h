@@ -55,7 +55,7 @@ inline void Write(std::ostream& out, const AES31Event& event) {
       << event.trackOn << ' ' << (event.renderedFile != nullptr) << '\n';
 }
 
-/// Everything that a load leaves behind, as text without an address in it.
+/// Everything that a load leaves in a project, as text without an address in it.
 inline std::string Snapshot(const Loading& loading) {
   const AES31Project& project = *loading.project;
   std::ostringstream out;

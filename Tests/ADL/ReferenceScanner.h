@@ -106,9 +106,9 @@ class ReferenceScanner {
       at = TokenEnd(start);
       if (Begins(start, "</" + tag + ">")) return at;
       if (Begins(start, "<REF_LIST>")) {
-        const Position behind = ScanReferenceList(at);
-        if (!behind) return std::nullopt;
-        at = *behind;
+        const Position next = ScanReferenceList(at);
+        if (!next) return std::nullopt;
+        at = *next;
       } else if (bytes_[start] == '<') {
         bytes_[at - 1] = '\0';
         Section section{at - 1 == start ? kEmptyText : start + 1, {}};
@@ -133,13 +133,13 @@ class ReferenceScanner {
       if (Begins(start, "</REF_LIST>")) break;
       if (!Begins(start, "<REF>")) continue;
       Tree list;
-      const Position behind = ScanSection(list, start, "REF");
-      if (!behind) {
+      const Position next = ScanSection(list, start, "REF");
+      if (!next) {
         --depth_;
         return std::nullopt;
       }
       refLists_.push_back(list);
-      at = *behind;
+      at = *next;
     }
     --depth_;
     return at;
@@ -160,11 +160,11 @@ class ReferenceScanner {
       at = TokenEnd(start);
       if (bytes_[start] == '(') {
         Entry entry{start + 1, {}};
-        const Position behind =
+        const Position next =
             bytes_[at - 1] == ')' ? ReadValues(entry, at) : ReadCounted(entry, at);
-        if (!behind) return end_;
+        if (!next) return end_;
         section.entries.push_back(entry);
-        at = *behind;
+        at = *next;
       } else if (BeginsExactly(start, "</") && Begins(start + 2, Text(section.name))) {
         return at;
       } else if (BeginsExactly(start, "/*")) {

@@ -69,10 +69,10 @@ TEST(ShiftJisToUtf8, eachByteThatCannotBeConvertedIsReplaced) {
        "\x82"
        "1",
        "?1"},
-      {"byteBehindIsLookedAtAfresh", "\x82\x20\x82\xA0", "? あ"},
+      {"nextByteIsLookedAtAfresh", "\x82\x20\x82\xA0", "? あ"},
       {"firstByteBeforeDelete", "\x82\x7F", "?\x7F"},
-      {"byteBehindMayBeginACharacter", "\x80\x82\xA0", "?あ"},
-      {"byteBehindMayBeKatakana", "\xA0\xB1", "?ｱ"},
+      {"nextByteMayBeginACharacter", "\x80\x82\xA0", "?あ"},
+      {"nextByteMayBeKatakana", "\xA0\xB1", "?ｱ"},
       {"everyByteByItself", "\xFF\xFE\xFD", "???"},
       {"secondByteOutOfRange", "\x82\xFD\x82\xA0", "??あ"},
       {"unusedCode", "\x87w\x82\xA0", "?wあ"},

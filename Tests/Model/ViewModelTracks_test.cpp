@@ -107,7 +107,7 @@ TEST_F(TracksTest, spanIsComparedInSamplesNotInText) {
   ASSERT_TRUE(LoadCuts({{.destIn = "00.00:00:23/0000", .destOut = "00.00:02:00/0000"},
                         {.destIn = "00|00:00:24/0000", .destOut = "00=00:01:30/0000"}}));
   EXPECT_EQ(model.totalStartTime, "00|00:00:24") << "38400 samples are before 44160";
-  EXPECT_EQ(model.totalEndTime, "00=00:01:30") << "108000 samples are behind 96000";
+  EXPECT_EQ(model.totalEndTime, "00=00:01:30") << "108000 samples are after 96000";
 }
 
 TEST_F(TracksTest, differencesThatWrapDecideAsTheyAre) {

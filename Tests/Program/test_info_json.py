@@ -273,7 +273,7 @@ class Failure(InfoTest):
                                    "index-missing", 3, "SOURCE_INDEX", "Index"),
             "linesOfCarriageReturnAndLineFeed": (b"<ADL>\r\n<EVENT_LIST>\r\n(Entry) 1\r\n(Gain) 1\r\n</EVENT_LIST>\r\n",
                                                  "values-missing", 4, "EVENT_LIST", "Gain"),
-            "lineBehindAQuotedLineFeed": (b'<ADL>\n<PROJECT>\n(PROJ_NOTES) "a\nb\nc"\n</PROJECT>\n<EVENT_LIST>\n'
+            "lineAfterAQuotedLineFeed": (b'<ADL>\n<PROJECT>\n(PROJ_NOTES) "a\nb\nc"\n</PROJECT>\n<EVENT_LIST>\n'
                                           b"(Entry) 1 (Gain) 1\n</EVENT_LIST>\n", "values-missing", 8, "EVENT_LIST", "Gain"),
         }
         for name, (content, code, line, section, label) in cases.items():

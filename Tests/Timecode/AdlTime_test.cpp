@@ -91,7 +91,7 @@ TEST(AdlToSamples, textThatEndsEarlyIsContinuedByNul) {
   EXPECT_EQ(AdlToSamples(nullptr), 9223372036854722480);
 }
 
-TEST(AdlToSamples, nothingBehindTheSixteenthCharacterCounts) {
+TEST(AdlToSamples, nothingAfterTheSixteenthCharacterCounts) {
   EXPECT_EQ(AdlToSamples("00.00:01:00/00009999"), 48000);
 }
 

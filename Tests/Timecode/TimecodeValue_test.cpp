@@ -83,7 +83,7 @@ constexpr auto kCommits = std::to_array<Commit>({
     {"plusInsideANumberIsRead", false, "+1:+2:+3:+4", " 01:02:03:04"},
     {"blanksAheadOfNumbersAreSkipped", false, "  1: 2: 3: 4", " 01:02:03:04"},
     {"shortNumbers", true, "-1:2:3:4", "-01:02:03:04"},
-    {"textBehindTheFramesIsIgnored", false, " 01:02:03:04/0999", " 01:02:03:04"},
+    {"textAfterTheFramesIsIgnored", false, " 01:02:03:04/0999", " 01:02:03:04"},
     {"numbersNotReachedAreZero", true, "+11", "+11:00:00:00"},
     {"scanStopsAtAnotherSeparator", true, "+01:02;03:04", "+01:02:00:00"},
     {"blankAheadOfAColonStopsTheScan", true, "+01 :02:03:04", "+01:00:00:00"},
@@ -152,7 +152,7 @@ TEST(TimecodeValue, framesStayBelowMaxFrames) {
   EXPECT_EQ(value.frames, 24);
 }
 
-TEST(TimecodeValue, frameLimitHoldsBehindTheTwelveHourRule) {
+TEST(TimecodeValue, frameLimitHoldsAfterTheTwelveHourRule) {
   TimecodeValue value;
   value.sign = true;
   value.max_frames = 25;
