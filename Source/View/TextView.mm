@@ -5,6 +5,11 @@
 #include "Timecode/TimecodeEntry.h"
 #import "View/CTimeCode.h"
 
+// Input comes as a string or as an attributed one.
+static NSString* PlainText(id text) {
+  return [text respondsToSelector:@selector(string)] ? [text string] : text;
+}
+
 @interface TextView (Typing)
 - (void)showText:(const char*)text;
 - (const char*)shownText;
@@ -86,9 +91,11 @@
 
 // What types. Input methods and services use the longer forms.
 
+// The first text is not inserted by the platform: its method may call the longer form below, and
+// that would end up here again.
 - (void)insertText:(id)text {
   if ([[self string] length] == 0) {
-    [super insertText:text];
+    [self setString:PlainText(text)];
   } else {
     [self typeText:text];
   }
@@ -189,11 +196,11 @@
   if (result.leave) [dummyTextField becomeFirstResponder];
 }
 
-// Types a string or an attributed one. Text that does not come by the keyboard can reach an entry
-// without the focus, which would not commit it: it is dropped.
+// Text that does not come by the keyboard can reach an entry without the focus, which would not
+// commit it: it is dropped.
 - (void)typeText:(id)text {
   if (!enable || [[self window] firstResponder] != self) return;
-  NSString* string = [text respondsToSelector:@selector(string)] ? [text string] : text;
+  NSString* string = PlainText(text);
   std::string keys;
   for (NSUInteger i = 0; i < [string length]; ++i) {
     const unichar character = [string characterAtIndex:i];
