@@ -319,12 +319,12 @@ void RefusesOtherEdits() {
            [offset setString:@""];
          }
        }}};
-  for (const auto& [name, edit] : edits) {
+  for (const auto& each : edits) {
     OnMain([&] {
       [offset selectAll:nil];
-      edit();
+      each.second();
     });
-    Check(std::string(name) + " changes nothing", kShown, EntryText(offset));
+    Check(std::string(each.first) + " changes nothing", kShown, EntryText(offset));
   }
   OnMain([&] { [offset insertText:@"+4"]; });
   Check("digits that are inserted are typed", "+00:00:12:34", EntryText(offset));
