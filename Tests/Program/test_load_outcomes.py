@@ -181,6 +181,9 @@ class NoAdl(LoadOutcome):
                 self.assertEqual([(each["code"], each["line"]) for each in told.json["diagnostics"]], [("no-adl", 0)])
                 self.assertEqual((told.json["sections"], told.json["events"], told.json["firstEvent"]), ([], [], None))
                 self.assert_status(shown, ALL_DONE)
+                self.assertRegex(shown.out + shown.err, r"\bADL\b")
+                self.assertRegex((shown.out + shown.err).lower(), r"\bno\b|\bnot\b")
+                self.assertNotRegex(shown.out, r"2147483647|2147483648")  # the limits of tracks that are not there
 
     def test_an_empty_adl_is_one(self):
         for content in (b"<ADL>", b"<adl></adl>", b"<ADL>xyz\n</ADL>", b"<ADL>\n<VERSION>\n</VERSION>\n</ADL>"):

@@ -173,7 +173,7 @@ bool HasForm(std::string_view text) {
   const auto in = [&](std::size_t at, std::string_view set) {
     return at < text.size() && set.find(text[at]) != std::string_view::npos;
   };
-  for (const std::size_t at : {1, 4, 7, 10, 12, 13, 14, 15}) {
+  for (const std::size_t at : {1U, 4U, 7U, 10U, 12U, 13U, 14U, 15U}) {
     if (!in(at, "0123456789")) return false;
   }
   return in(0, "012") && in(3, "012345") && in(6, "012345") && in(9, "012") && in(8, ";,") &&
