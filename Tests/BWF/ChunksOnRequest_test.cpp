@@ -45,13 +45,14 @@ std::vector<Chunk> WalkedChunks(std::string_view file) {
       static_cast<std::int64_t>(static_cast<std::int32_t>(U32At(file, 4))) + 8);
   std::vector<Chunk> kept;
   for (std::uint64_t at = 12; at + 8 <= file.size();) {
-    const std::uint32_t identifier = U32At(file, at);
-    const std::uint32_t size = U32At(file, at + 4);
+    const std::string_view rest = file.substr(static_cast<std::size_t>(at));
+    const std::uint32_t identifier = U32At(rest, 0);
+    const std::uint32_t size = U32At(rest, 4);
     at += 8;
     if (size > 0x7FFFFFFF || at >= end) break;
-    const std::string_view name = file.substr(at - 8, 4);
+    const std::string_view name = rest.substr(0, 4);
     if (name != "fmt " && name != "data" && name != "bext") {
-      kept.push_back({identifier, std::string(file.substr(at, size))});
+      kept.push_back({identifier, std::string(rest.substr(8, size))});
     }
     at += size;  // no pad byte after an odd one
   }
