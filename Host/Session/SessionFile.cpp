@@ -21,14 +21,15 @@ namespace fs = std::filesystem;
 constexpr int kTemporaryNames = 1000;  // more than this many in one folder is not by chance
 constexpr int kMostLinks = 40;         // the system follows no more of them either
 
-/// True for a session as WriteSessionJson begins it, and for an empty file.
+/// True for a session as WriteSessionJson begins it, in any layout, and for an empty file. Other
+/// programs write a "summary" too: it takes the members of ours to be one.
 bool HoldsSession(std::FILE* file) {
-  char head[64];
+  char head[256];
   const std::size_t size = std::fread(head, 1, sizeof head, file);
   if (std::ferror(file) != 0) return false;
-  const std::string_view text(head, size);
-  return text.empty() ||
-         (text.starts_with('{') && text.find("\"summary\"") != std::string_view::npos);
+  std::string text(head, size);
+  std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; });
+  return size == 0 || text.starts_with("{\"summary\":{\"tracks\":");
 }
 
 /// True for a name of something that this process has open, such as /dev/stdout. It may stand for
@@ -123,21 +124,28 @@ std::string SessionFile::ClaimFile() {
   return ::access(folder.c_str(), W_OK | X_OK) == 0 ? "" : Trouble(std::strerror(errno));
 }
 
+/// Opened at once and not only when there is something to write: a socket takes nothing, and a pipe
+/// that nobody reads would hold the program up for ever.
 std::string SessionFile::ClaimInPlace() {
-  inPlace_ = true;
-  return ::access(path_.c_str(), W_OK) == 0 ? "" : Trouble(std::strerror(errno));
+  // Appended: what has gone to standard output before may be in the same file.
+  const int descriptor =
+      ::open(path_.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  inPlace_.reset(descriptor < 0 ? nullptr : ::fdopen(descriptor, "a"));
+  if (inPlace_ == nullptr) {
+    return Trouble(errno == ENXIO ? "it is a socket, or a pipe that nobody reads"
+                                  : std::strerror(errno));
+  }
+  // A slow reader is waited for.
+  ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+  return {};
 }
 
 std::string SessionFile::Write(const Session& session, const SessionRates& /*rates*/) {
-  return inPlace_ ? WriteInPlace(session) : WriteBeside(session);
+  return inPlace_ != nullptr ? WriteInPlace(session) : WriteBeside(session);
 }
 
-std::string SessionFile::WriteInPlace(const Session& session) const {
-  // Appended: what has gone to standard output before may be in the same file.
-  const int descriptor = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC);
-  FileStream file(descriptor < 0 ? nullptr : ::fdopen(descriptor, "a"));
-  if (file == nullptr) return Trouble(std::strerror(errno));
-  const int error = WriteAll(session, std::move(file));
+std::string SessionFile::WriteInPlace(const Session& session) {
+  const int error = WriteAll(session, std::move(inPlace_));
   return error == 0 ? "" : Trouble(std::strerror(error));
 }
 

@@ -30,14 +30,14 @@ class SessionFile : public SessionTarget {
 
   std::string ClaimFile();
   std::string ClaimInPlace();
-  [[nodiscard]] std::string WriteInPlace(const Session& session) const;
+  [[nodiscard]] std::string WriteInPlace(const Session& session);
   [[nodiscard]] std::string WriteBeside(const Session& session) const;
   [[nodiscard]] std::string Publish(const std::string& written) const;
   [[nodiscard]] bool IsAsClaimed() const;
   [[nodiscard]] std::string Trouble(const std::string& cause) const;
 
   std::string path_;
-  bool inPlace_ = false;
+  FileStream inPlace_;  ///< what is written to in place, open since it was claimed; else null
   /// The earlier session; null if there is none. Held open, so that no later file can be taken for
   /// it: a file that is gone may leave its number to another.
   FileStream earlier_;

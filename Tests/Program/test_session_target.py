@@ -2,6 +2,8 @@
 
 import errno
 import json
+import os
+import subprocess
 import unittest
 
 from holding import SHIM, Spot, kinds_of_holders, picture
@@ -39,8 +41,8 @@ class SessionTarget(Spot):
                 self.assertEqual(len(json.loads(target.read_text())["tracks"]), 1)
 
     def test_what_is_no_earlier_session_stays(self):
-        contents = {"json of others": b'{"tracks": 3}', "text": b"to do: rehearse", "a list": b"[]",
-                    "sound": wave(10)}
+        contents = {"json of others": b'{"tracks": 3}', "a summary of others": b'{"summary": "two takes", "tracks": []}',
+                    "text": b"to do: rehearse", "a list": b"[]", "sound": wave(10)}
         for kind, content in contents.items():
             with self.subTest(kind):
                 target = self.folder_for(kind)
@@ -49,14 +51,21 @@ class SessionTarget(Spot):
 
     def test_what_is_no_file_stays(self):
         for kind, hold in kinds_of_holders(self.outside).items():
-            # A file is told by what it holds, and whoever names a pipe or a socket may mean it.
-            if kind in ("a pipe", "a socket") or ("file" in kind and "link" not in kind):
+            # A file is told by what it holds. A pipe that nobody reads would be waited for in vain.
+            if "file" in kind and "link" not in kind:
                 continue
             with self.subTest(kind):
                 target = self.folder_for(kind)
                 hold(target)
                 self.assert_refused(target, kind)
         self.assertFalse(self.outside.with_name("nowhere").exists())
+
+    def test_a_pipe_that_is_read_takes_the_session(self):
+        target = self.folder_for("read")
+        os.mkfifo(target)
+        reader = subprocess.Popen(["cat", target], stdout=subprocess.PIPE)
+        self.assert_status(self.spot_to(target), ALL_DONE)
+        self.assertEqual(json.loads(reader.communicate(timeout=20)[0])["summary"]["regions"], 2)
 
     @unittest.skipUnless(SHIM, "no library to preload in this build")
     def test_what_cannot_be_read_stays(self):
