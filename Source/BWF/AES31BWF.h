@@ -2,17 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <memory>
 #include <string>
 
 #include "BWF/BwfRecords.h"
+#include "BWF/KeptChunks.h"
 #include "Base/FileAccess.h"
 
 namespace velmora {
 
 class HeaderReader;
-class KeptChunkFinder;
 class OutputFile;
 
 /// What CopyTo answers.
@@ -66,9 +64,8 @@ class AES31BWF {
   virtual std::uint32_t GetSampleRate();
   virtual std::uint32_t GetBitsPerSample();
   virtual const char* GetPath();
-  /// A chunk that is not understood, by its place among these in the file; null out of range, and
-  /// if the file no longer holds it. The file is read when a chunk is asked for the first time, and
-  /// the answer stays until this object goes. Asking in order costs one walk over the file.
+  /// A chunk that is not understood, by its place among these in the file; null out of range. It is
+  /// read from the file when it is asked for the first time: see KeptChunks.
   virtual BwfChunk* GetChunk(std::int32_t index);
   /// How many of these the file holds.
   virtual std::size_t GetChunkCount();
@@ -87,10 +84,6 @@ class AES31BWF {
   /// @return 0 done, 1 no memory, 2 a stream that is not open, a read or a write error
   virtual std::int32_t ConvertInto(AES31BWF* target, bool applyGain, double gain);
 
-  /// The same copy into a file whose name is settled when it is created. The file is kept once
-  /// there is something to write into it.
-  std::int32_t CopyInto(OutputFile& target, std::int32_t bitDepth);
-
   /// True once something could not be written, also if only closing showed it. The system log has
   /// been told path and cause.
   [[nodiscard]] bool WriteFailed() const { return writeFailed_; }
@@ -107,15 +100,13 @@ class AES31BWF {
   std::int64_t position = 0;        ///< what GetSampleAt takes for the stream's position
   std::int32_t bytesPerSample = 0;  ///< of one channel's sample in a frame
   std::string path;
-  /// The chunks not understood that were asked for, by their place among all of these in the file.
-  std::map<std::int32_t, BwfChunk> chunks;
+  KeptChunks chunks;  ///< the chunks not understood, in file order
 
  private:
   bool Parse();
   void WalkChunks(HeaderReader& reader);
   void ReadFormatChunk(HeaderReader& reader);
   void ReadBextChunk(HeaderReader& reader);
-  BwfChunk* KeepChunk(std::int32_t index);
   void DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels, std::int32_t bitDepth,
                      std::int32_t frameCount);
   void CreateIn(OutputFile& file);
@@ -123,11 +114,9 @@ class AES31BWF {
   bool WriteBytes(const void* bytes, std::size_t count);
   bool Flush();
   void NoteWriteError();
-  std::int32_t CopyBytes(OutputFile& target);
-  std::int32_t CopyConverted(OutputFile& target, std::int32_t bitDepth);
+  std::int32_t CopyBytes(const char* target);
+  std::int32_t CopyConverted(const char* target, std::int32_t bitDepth);
 
-  std::size_t chunkCount_ = 0;
-  std::unique_ptr<KeptChunkFinder> chunkFinder_;  ///< null until a chunk is asked for
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
   bool writeFailed_ = false;

@@ -9,7 +9,6 @@
 #include <new>
 
 #include "BWF/AES31BWF.h"
-#include "BWF/OutputFile.h"
 #include "BWF/SampleKernels.h"
 #include "Base/Wrapping.h"
 
@@ -65,26 +64,19 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
 }
 
 std::int32_t AES31BWF::CopyTo(const char* targetPath, std::int32_t bitDepth) {
-  NamedFile target(targetPath);
-  return CopyInto(target, bitDepth);
-}
-
-std::int32_t AES31BWF::CopyInto(OutputFile& target, std::int32_t bitDepth) {
   if (!IsValid()) return CopyNotValid;
   const bool sameDepth = bitDepth == -1 || bitDepth == format.bitsPerSample;
-  return sameDepth ? CopyBytes(target) : CopyConverted(target, bitDepth);
+  return sameDepth ? CopyBytes(targetPath) : CopyConverted(targetPath, bitDepth);
 }
 
-/// The file as it stands, up to the end of its RIFF form, in bounded memory. A file that is begun
-/// stays; a form that ends before the file's begin leaves it empty.
-std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
-  FileStream target = file.Create();
+/// The file as it stands, up to the end of its RIFF form, in bounded memory. A form that ends
+/// before the file's begin leaves an empty target.
+std::int32_t AES31BWF::CopyBytes(const char* targetPath) {
+  FileStream target = CreateFile(targetPath);
   if (target == nullptr) return CopyTargetNotCreated;
   OpenAtData();
   const Bytes block = Allocate(kCopyBlockBytes);
-  const bool ready = stream != nullptr && block != nullptr;
-  if (ready) file.Keep();
-  if (!ready || riffEnd < 0) {
+  if (stream == nullptr || block == nullptr || riffEnd < 0) {
     CloseFile();
     return CopyFailed;
   }
@@ -104,22 +96,24 @@ std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
   const bool read = std::ferror(stream.get()) == 0;
   CloseFile();
   if (std::fclose(target.release()) != 0 && writeError == 0) writeError = errno;
-  if (writeError != 0) LogWriteError(file.Path().c_str(), writeError);
+  if (writeError != 0) LogWriteError(targetPath, writeError);
   return read && writeError == 0 ? CopyDone : CopyFailed;
 }
 
 /// The audio alone, in a new file of the other depth. A header can claim far more samples than its
 /// file has bytes: what no size field can hold is not begun.
-std::int32_t AES31BWF::CopyConverted(OutputFile& file, std::int32_t bitDepth) {
+std::int32_t AES31BWF::CopyConverted(const char* targetPath, std::int32_t bitDepth) {
   constexpr std::uint64_t kLargestDataBytes = std::numeric_limits<std::uint32_t>::max() - 1024;
   const std::uint64_t frameBytes =
       std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8U, 1U);
   if (frames > kLargestDataBytes / std::max<std::uint64_t>(frameBytes, 1)) return CopyFailed;
-  AES31BWF target(file, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
-  if (!target.IsValid()) return CopyTargetNotCreated;
   OpenAtData();
-  if (stream == nullptr) return CopyFailed;
-  file.Keep();
+  if (stream == nullptr) return CopyFailed;  // before a file is made in vain
+  AES31BWF target(targetPath, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
+  if (!target.IsValid()) {
+    CloseFile();
+    return CopyTargetNotCreated;
+  }
   DisableCache();
   target.DisableCache();
   const std::int32_t status = ConvertInto(&target, false, 0.0);

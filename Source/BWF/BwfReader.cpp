@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <new>
-#include <utility>
 
 #include "BWF/AES31BWF.h"
 #include "BWF/ChunkWalk.h"
@@ -60,6 +58,7 @@ void AES31BWF::WalkChunks(HeaderReader& reader) {
   ChunkWalk walk(riffEnd);
   ChunkPlace chunk;
   ChunkPlace lastBext;
+  std::size_t kept = 0;
   while (walk.Next(reader, chunk)) {
     if (chunk.identifier == kFmtId) {
       ReadFormatChunk(reader);
@@ -71,9 +70,10 @@ void AES31BWF::WalkChunks(HeaderReader& reader) {
       ReadBextChunk(reader);
       lastBext = chunk;
     } else {
-      ++chunkCount_;
+      ++kept;
     }
   }
+  chunks.Reset(path, riffEnd, kept);
   if (lastBext.size > kBextFixedBytes) {
     reader.GoTo(lastBext.body + kBextFixedBytes);
     codingHistory_ = TextAt(reader, lastBext.size - kBextFixedBytes);
@@ -174,29 +174,11 @@ const char* AES31BWF::GetPath() {
 }
 
 BwfChunk* AES31BWF::GetChunk(std::int32_t index) {
-  if (index < 0 || std::cmp_greater_equal(index, chunkCount_)) return nullptr;
-  const auto known = chunks.find(index);
-  if (known != chunks.end()) return &known->second;
-  try {
-    return KeepChunk(index);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
-BwfChunk* AES31BWF::KeepChunk(std::int32_t index) {
-  if (chunkFinder_ == nullptr) chunkFinder_ = std::make_unique<KeptChunkFinder>(path, riffEnd);
-  ChunkPlace place;
-  if (!chunkFinder_->Find(index, place)) return nullptr;
-  BwfChunk chunk;
-  chunk.identifier = place.identifier;
-  chunk.data = chunkFinder_->Body(place);
-  chunk.size = static_cast<std::uint32_t>(chunk.data.size());
-  return &chunks.emplace(index, std::move(chunk)).first->second;
+  return chunks.At(index);
 }
 
 std::size_t AES31BWF::GetChunkCount() {
-  return chunkCount_;
+  return chunks.size();
 }
 
 BwfFormat* AES31BWF::GetFormat() {

@@ -62,20 +62,4 @@ bool ChunkWalk::Next(HeaderReader& reader, ChunkPlace& chunk) {
   return true;
 }
 
-bool KeptChunkFinder::Find(std::int32_t index, ChunkPlace& chunk) {
-  if (index < nextIndex_) {
-    walk_ = ChunkWalk(riffEnd_);
-    nextIndex_ = 0;
-  }
-  while (walk_.Next(reader_, chunk)) {
-    if (IsKeptChunk(chunk.identifier) && nextIndex_++ == index) return true;
-  }
-  return false;
-}
-
-std::vector<std::uint8_t> KeptChunkFinder::Body(const ChunkPlace& chunk) {
-  reader_.GoTo(chunk.body);
-  return reader_.Bytes(chunk.size);
-}
-
 }  // namespace velmora

@@ -82,6 +82,11 @@ class ChunkWalk {
   /// the file, and at a size with its top bit set.
   [[nodiscard]] bool Next(HeaderReader& reader, ChunkPlace& chunk);
 
+  /// Where the next chunk begins.
+  [[nodiscard]] std::int64_t Place() const { return next_; }
+  /// Goes on from a place that an earlier walk over this file had reached.
+  void GoOnFrom(std::int64_t place) { next_ = place; }
+
  private:
   static constexpr std::int64_t kFirstChunk = 12;  // after "RIFF", the size and "WAVE"
 
@@ -100,24 +105,5 @@ inline constexpr std::uint32_t kBextId = 0x74786562;
 constexpr bool IsKeptChunk(std::uint32_t identifier) {
   return identifier != kFmtId && identifier != kDataId && identifier != kBextId;
 }
-
-/// Finds the kept chunks of a file again, one by one. Going on from one to the next costs no more
-/// than that step; going back begins anew.
-class KeptChunkFinder {
- public:
-  KeptChunkFinder(std::string path, std::int64_t riffEnd)
-      : reader_(std::move(path)), riffEnd_(riffEnd), walk_(riffEnd) {}
-
-  /// Goes to the kept chunk of that index; false if the file has none.
-  [[nodiscard]] bool Find(std::int32_t index, ChunkPlace& chunk);
-  /// The body of the chunk found last, as much of it as the file holds.
-  [[nodiscard]] std::vector<std::uint8_t> Body(const ChunkPlace& chunk);
-
- private:
-  HeaderReader reader_;
-  std::int64_t riffEnd_;
-  ChunkWalk walk_;
-  std::int64_t nextIndex_ = 0;  ///< of the kept chunk that the walk meets next
-};
 
 }  // namespace velmora

@@ -14,7 +14,7 @@ namespace velmora {
 namespace {
 
 constexpr mode_t kMode = 0666;  // less the user's mask
-constexpr int kForWriting = O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC;
+constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_CLOEXEC;
 
 /// Opening a FIFO for reading blocks until somebody writes, unless told not to.
 int OpenDescriptor(const char* path) {
@@ -57,7 +57,9 @@ std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes, std::size
 }
 
 FileStream CreateFile(const char* path) {
-  const int descriptor = open(path, kForWriting | O_TRUNC, kMode);
+  int descriptor = open(path, kForWriting | O_TRUNC);
+  if (descriptor < 0 && errno == ENOENT)
+    descriptor = open(path, kForWriting | O_CREAT | O_TRUNC, kMode);
   if (descriptor < 0) return nullptr;
   std::FILE* const stream = fdopen(descriptor, "wb");
   if (stream == nullptr) close(descriptor);
@@ -66,7 +68,7 @@ FileStream CreateFile(const char* path) {
 
 FileStream CreateNewFile(const char* path) {
   // O_EXCL alone follows no link; O_NOFOLLOW says so where a file system does not keep to it.
-  const int descriptor = open(path, kForWriting | O_EXCL | O_NOFOLLOW, kMode);
+  const int descriptor = open(path, kForWriting | O_CREAT | O_EXCL | O_NOFOLLOW, kMode);
   if (descriptor < 0) return nullptr;
   std::FILE* const stream = fdopen(descriptor, "wb");
   if (stream == nullptr) {
@@ -76,6 +78,11 @@ FileStream CreateNewFile(const char* path) {
     errno = error;
   }
   return FileStream(stream);
+}
+
+bool IsEmptyFile(const char* path) {
+  struct stat facts {};
+  return lstat(path, &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_size == 0;
 }
 
 void RemoveFile(const char* path) {

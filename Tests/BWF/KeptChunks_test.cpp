@@ -39,10 +39,34 @@ TEST_F(KeptChunks, nothingIsHeldUntilOneIsAsked) {
   AES31BWF file(
       Write(WaveBytes().Chunk("1st ", "a").Format({}).Data("abcd").Chunk("2nd ", "b")).c_str());
   EXPECT_EQ(file.GetChunkCount(), 2U);
-  EXPECT_TRUE(file.chunks.empty());
+  EXPECT_EQ(file.chunks.Held(), 0U);
   EXPECT_EQ(BodyOf(file.GetChunk(1)), "b");
-  EXPECT_EQ(file.chunks.size(), 1U);
+  EXPECT_EQ(file.chunks.Held(), 1U);
   EXPECT_EQ(file.stream, nullptr) << "the file is closed again";
+}
+
+TEST_F(KeptChunks, readLikeAVector) {
+  AES31BWF file(
+      Write(WaveBytes().Chunk("1st ", "a").Format({}).Data("abcd").Chunk("2nd ", "b")).c_str());
+  ASSERT_EQ(file.chunks.size(), 2U);
+  EXPECT_EQ(&file.chunks[1], file.GetChunk(1));
+  std::string bodies;
+  for (const BwfChunk& chunk : file.chunks) bodies += BodyOf(&chunk);
+  EXPECT_EQ(bodies, "ab");
+}
+
+TEST_F(KeptChunks, comeFromTheLastToTheFirstInOneWalkToo) {
+  constexpr std::int32_t kCount = 20000;
+  WaveBytes wave;
+  for (std::int32_t i = 0; i < kCount; ++i) wave.Chunk("kept", std::to_string(i));
+  AES31BWF file(Write(wave.Format({}).Data("abcd")).c_str());
+  for (std::int32_t i = kCount; i-- > 0;) ASSERT_EQ(BodyOf(file.GetChunk(i)), std::to_string(i));
+  AES31BWF again(file.GetPath());
+  std::mt19937 random(17);
+  for (int i = 0; i < 5000; ++i) {
+    const auto index = static_cast<std::int32_t>(random() % kCount);
+    ASSERT_EQ(BodyOf(again.GetChunk(index)), std::to_string(index));
+  }
 }
 
 TEST_F(KeptChunks, answersDoNotDependOnTheOrderAndStay) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,53 @@ class FilePassTest : public test::SpotTest {
     return files;
   }
 };
+
+// ---- what the depth pass asks of a file ----
+
+/// Answers a copy with a status of its own, after making what it is told to make.
+class AnsweringFile : public AES31BWF {
+ public:
+  AnsweringFile(const std::string& source, std::int32_t status, std::string content)
+      : AES31BWF(source.c_str()), status_(status), content_(std::move(content)) {}
+
+  std::int32_t CopyTo(const char* target, std::int32_t bitDepth) override {
+    asked.push_back(std::filesystem::path(target).filename().string() + " " +
+                    std::to_string(bitDepth));
+    if (!content_.empty()) std::ofstream(target) << content_;
+    return status_;
+  }
+
+  std::vector<std::string> asked;
+
+ private:
+  std::int32_t status_;
+  std::string content_;
+};
+
+struct AnswerRow {
+  const char* rule;
+  std::int32_t status;
+  const char* content;
+  bool fileStays;
+};
+
+TEST_F(FilePassTest, copiesAreMadeByTheSourceAndItsAnswerIsObeyed) {
+  for (const AnswerRow& row : {AnswerRow{"refused", 1, "", false},
+                               {"failed before a byte", 2, "", false},
+                               {"came out short", 2, "RIFF", true},
+                               {"done", 0, "RIFF", true}}) {
+    SCOPED_TRACE(row.rule);
+    WriteWave("take.wav", 16, {1, 2});
+    Load(ProjectBuilder().Source(1, "take.wav").Cut({}));
+    DepthOf24();
+    AnsweringFile source(folder.Path("take.wav"), row.status, row.content);
+    project->events[0].sourceFile = &source;
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(source.asked, (Lines{"take_24bit.wav 24"}));
+    EXPECT_EQ(std::filesystem::exists(folder.Path("take_24bit.wav")), row.fileStays);
+    std::filesystem::remove(folder.Path("take_24bit.wav"));
+  }
+}
 
 // ---- depth pass without copies ----
 
