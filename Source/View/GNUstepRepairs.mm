@@ -43,6 +43,8 @@ id InitTable(id self, SEL selector, NSCoder* coder) {
   self = originalTableInit(self, selector, coder);
   if (self != nil && [coder allowsKeyedCoding] && [coder containsValueForKey:@"identifier"]) {
     NSMapInsert(Identifiers(), self, [coder decodeObjectForKey:@"identifier"]);
+    // Here a row's height has the space between rows in it, which AppKit adds to the height.
+    [self setRowHeight:[self rowHeight] + [self intercellSpacing].height];
   }
   return self;
 }

@@ -32,6 +32,8 @@ void MiddleClick(NSView* view);
 // Presses at one place, moves and lets go at another.
 void Drag(NSView* view, NSPoint from, NSPoint to);
 void TurnWheel(NSView* view, NSPoint place, int notches);  // up if positive
+// The same while a key is held down: "ctrl", "shift".
+void TurnWheelWith(const std::string& key, NSView* view, NSPoint place, int notches);
 // A key by its X name: "Return", "KP_Enter", "minus", "alt+F4".
 void Key(const std::string& name);
 // The same for a key that keeps the main thread busy.

@@ -197,6 +197,14 @@ void TurnWheel(NSView* view, NSPoint place, int notches) {
   }
 }
 
+void TurnWheelWith(const std::string& key, NSView* view, NSPoint place, int notches) {
+  RunXdotool({"keydown", key});
+  Pause(kHoldSeconds);
+  TurnWheel(view, place, notches);
+  RunXdotool({"keyup", key});
+  Pause(kHoldSeconds);
+}
+
 void Key(const std::string& name) {
   KeyUnanswered(name);
   OnMain([] {});

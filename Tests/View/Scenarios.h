@@ -18,6 +18,7 @@ std::vector<Scenario> EditScenarios();
 std::vector<Scenario> PasteScenarios();
 std::vector<Scenario> SpotScenarios();
 std::vector<Scenario> AbortScenarios();
+std::vector<Scenario> LookScenarios();
 std::vector<Scenario> ShellScenarios();
 std::vector<Scenario> ProgramScenarios();
 

@@ -7,7 +7,7 @@ const std::vector<Scenario>& AllScenarios() {
     std::vector<Scenario> scenarios;
     for (const auto& part : {LoadingScenarios(), TroubleScenarios(), TableScenarios(),
                              EntryScenarios(), EditScenarios(), PasteScenarios(), SpotScenarios(),
-                             AbortScenarios(), ShellScenarios(), ProgramScenarios()}) {
+                             AbortScenarios(), LookScenarios(), ShellScenarios(), ProgramScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;

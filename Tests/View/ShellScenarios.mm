@@ -1,9 +1,13 @@
 // What the shell shows beside the view, and how quick both are.
 
+#include <sys/inotify.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <functional>
 
 #include "Timeline/TimeScale.h"
 #import "View/Checks.h"
@@ -15,8 +19,6 @@
 namespace velmora::view {
 
 namespace {
-
-using timeline::TimelineModel;
 
 TimelineView* Lanes() {
   return [Timeline() timeline];
@@ -82,24 +84,6 @@ void FillsTimeline() {
   CheckContains("and its file", "ada.wav", Facts());
   Screenshot(Window(), "timeline-facts");
 
-  const double before = SamplesPerPixel();
-  Key("plus");
-  CheckTrue("plus zooms in", SamplesPerPixel() < before);
-  const std::int64_t origin = Origin();
-  Key("Right");
-  CheckTrue("the right arrow scrolls on", Origin() > origin);
-  Key("Left");
-  Check("the left arrow scrolls back", origin, Origin());
-  Key("End");
-  CheckTrue("End goes to the end", Origin() > origin);
-  Key("Home");
-  CheckTrue("Home goes to the start", Origin() <= origin);
-  Key("minus");
-  CheckTrue("minus zooms out again", std::abs(SamplesPerPixel() / before - 1) < 0.01);
-  Keys({"plus", "plus", "plus"});
-  Key("0");
-  CheckTrue("0 shows all", std::abs(SamplesPerPixel() / before - 1) < 0.01);
-
   const NSRect lane = Ask([] { return [Lanes() rectOfLane:1]; });
   const NSPoint middle = NSMakePoint(NSMidX(lane), NSMidY(lane));
   Key("plus");
@@ -109,6 +93,117 @@ void FillsTimeline() {
 
   Click(Variable<NSView*>(Bar(), "clearButton"));
   WaitFor("the session is empty", [] { return [Lanes() model].Regions().empty(); });
+}
+
+// How often a file is opened while `work` is done.
+int OpensOf(const std::string& path, const std::function<void()>& work) {
+  // Closing is watched too: equal events in a row would come as one.
+  const int watcher = inotify_init1(IN_NONBLOCK);
+  CheckTrue("the file is watched",
+            inotify_add_watch(watcher, path.c_str(), IN_OPEN | IN_CLOSE) >= 0);
+  work();
+  int opens = 0;
+  inotify_event event;
+  while (read(watcher, &event, sizeof event) == sizeof event) opens += event.mask & IN_OPEN ? 1 : 0;
+  close(watcher);
+  return opens;
+}
+
+// The reason is the view's own: the file is not loaded again for it.
+void TellsFailure() {
+  const test::TemporaryFolder folder;
+  const std::string bad = folder.Write(
+      "bad.adl", "<ADL>\n<EVENT_LIST>\n(Entry) 1 (Cut) I 1 1 1 x\n</EVENT_LIST>\n</ADL>\n");
+  StartShell();
+  const int opens = OpensOf(bad, [&] { LoadPath(bad); });
+  CheckContains("line and section are told", "bad.adl does not load: line 3: <EVENT_LIST>",
+                StatusText());
+  Check("the file was read once", 1, opens);
+}
+
+// Text that is no UTF-8 is read as Shift-JIS, as in the view.
+void ReadsShiftJis() {
+  const test::TemporaryFolder folder;
+  desktop::ShellOptions options;
+  options.project = folder.Path("\x83\x65\x83\x58\x83\x67.adl");
+  StartShell(options);
+  WaitFor("the load has ended",
+          [] { return !TextOf([[Controller() errorMessageLabel] stringValue]).empty(); });
+  CheckContains("the status line has the name", "\u30c6\u30b9\u30c8.adl does not load",
+                StatusText());
+  Check("the field has it too", folder.Path("\u30c6\u30b9\u30c8.adl"),
+        FieldText([Controller() FileNameTextField]));
+}
+
+void ObeysKeys() {
+  const test::TemporaryFolder folder;
+  SpotStorm(folder);
+  const NSRect lane = Ask([] { return [Lanes() rectOfLane:1]; });
+  Click(Lanes(), NSMakeRect(NSMidX(lane), NSMidY(lane), 2, 2));
+  const double all = SamplesPerPixel();
+  const auto showsAll = [&] {
+    return std::abs([Lanes() scale].SamplesPerPixel() / all - 1) < 0.01;
+  };
+
+  // A menu lights up for a moment before it acts: hence the waiting.
+  for (const char* in : {"plus", "equal", "KP_Add", "ctrl+plus", "ctrl+equal"}) {
+    Key(in);
+    WaitFor(std::string(in) + " zooms in",
+            [&] { return [Lanes() scale].SamplesPerPixel() < all * 0.9; });
+    Key("minus");
+    WaitFor("minus zooms out again", showsAll);
+  }
+  for (const char* out : {"KP_Subtract", "ctrl+minus"}) {
+    Keys({"plus", out});
+    WaitFor(std::string(out) + " zooms out", showsAll);
+  }
+  for (const char* whole : {"0", "f", "ctrl+0"}) {
+    Keys({"plus", "plus", "plus", whole});
+    WaitFor(std::string(whole) + " shows all", showsAll);
+  }
+
+  Keys({"plus", "plus", "plus", "Home"});
+  const std::int64_t start = Origin();
+  struct Way {
+    const char* there;
+    const char* back;
+  };
+  for (const Way way : {Way{"Right", "Left"}, {"Next", "Prior"}, {"End", "Home"}}) {
+    Key(way.there);
+    CheckTrue(std::string(way.there) + " scrolls on", Origin() > start);
+    Key(way.back);
+    Check(std::string(way.back) + " scrolls back", start, Origin());
+  }
+}
+
+void ObeysWheel() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 60, 30));
+  PressSpot();
+  WaitFor("all regions have landed", [] { return [Lanes() model].Regions().size() == 60; });
+  const NSRect lanes = Ask([] { return [Lanes() lanesRect]; });
+  const NSPoint middle = NSMakePoint(NSMidX(lanes), NSMidY(lanes));
+  const auto firstLane = [] { return Ask([] { return [Lanes() visibleLanes].location; }); };
+
+  TurnWheel(Lanes(), middle, -5);
+  CheckTrue("the wheel scrolls down", firstLane() > 0);
+  TurnWheel(Lanes(), middle, 5);
+  Check("and up", NSUInteger{0}, firstLane());
+
+  const double before = SamplesPerPixel();
+  const auto pointed = [&] {
+    return Ask([&] { return [Lanes() scale].ToSample(middle.x - NSMinX(lanes)); });
+  };
+  const std::int64_t sample = pointed();
+  TurnWheelWith("ctrl", Lanes(), middle, 3);
+  CheckTrue("with Ctrl it zooms in", SamplesPerPixel() < before * 0.6);
+  CheckTrue("around the pointer", std::abs(static_cast<double>(pointed() - sample)) < before * 2);
+
+  const std::int64_t origin = Origin();
+  TurnWheelWith("shift", Lanes(), middle, -2);
+  CheckTrue("with Shift it scrolls on", Origin() > origin);
+  TurnWheelWith("shift", Lanes(), middle, 2);
+  Check("and back", origin, Origin());
 }
 
 void ScrollsLanes() {
@@ -297,6 +392,10 @@ void Resizes() {
 
 std::vector<Scenario> ShellScenarios() {
   return {{"fills-timeline", FillsTimeline},
+          {"tells-failure", TellsFailure},
+          {"reads-shift-jis", ReadsShiftJis},
+          {"obeys-keys", ObeysKeys},
+          {"obeys-wheel", ObeysWheel},
           {"scrolls-lanes", ScrollsLanes},
           {"many-events", ShowsManyEvents},
           {"long-spot", StaysAliveDuringLongSpot},
