@@ -13,9 +13,10 @@ struct RegionFacts {
   std::string details;  ///< where it lies on the timeline and in its file
 };
 
-RegionFacts FactsOf(const host::SessionRegion& region, const host::SessionClock& clock);
+[[nodiscard]] RegionFacts FactsOf(const host::SessionRegion& region,
+                                  const host::SessionClock& clock);
 
-/// A length in seconds and its parts, "1 min 02.500 s".
-std::string DurationText(std::int64_t samples, float sampleRate);
+/// A length in samples as people say it: "2.500 s", "1 min 02.500 s", "1 h 00 min 02.500 s".
+[[nodiscard]] std::string DurationText(std::int64_t samples, float sampleRate);
 
 }  // namespace velmora::timeline

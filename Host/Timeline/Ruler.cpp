@@ -142,7 +142,7 @@ std::vector<RulerTick> RulerTicks(const TimeScale& scale, const host::SessionClo
   const double samplesPerFrame =
       static_cast<double>(clock.SampleRate()) * rate.denominator / rate.numerator;
   const double samplesPerSpacing = spacing * scale.SamplesPerPixel();
-  // Labels that count samples are wider by what stands behind the timecode.
+  // Labels that count samples are wider: the count follows the timecode.
   if (samplesPerFrame > 2.5 * samplesPerSpacing) {
     return SampleTicks(scale, clock, width, ChooseSamples(1.5 * samplesPerSpacing));
   }

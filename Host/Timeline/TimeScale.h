@@ -15,8 +15,8 @@ class TimeScale {
   static constexpr double kFinest = 1.0 / 16;  ///< samples per pixel at the deepest zoom
   static constexpr double kCoarsest = 1e15;    ///< samples per pixel at the widest
 
-  double SamplesPerPixel() const { return samplesPerPixel_; }
-  std::int64_t Origin() const { return origin_; }  ///< sample at x = 0
+  [[nodiscard]] double SamplesPerPixel() const { return samplesPerPixel_; }
+  [[nodiscard]] std::int64_t Origin() const { return origin_; }  ///< sample at x = 0
 
   /// Sets the sample at the left edge.
   void MoveTo(std::int64_t origin) { origin_ = origin; }
@@ -24,13 +24,14 @@ class TimeScale {
   void ScrollBy(double pixels);
   /// Shows `first` to `end` (exclusive) across `width` pixels, with a small margin on both sides.
   void Fit(std::int64_t first, std::int64_t end, double width);
-  /// Magnifies by `factor` (above 1: closer), keeping the sample under `x` where it is.
+  /// Magnifies by `factor` (above 1: closer; not above 0: not at all), keeping the sample under `x`
+  /// where it is.
   void ZoomAround(double x, double factor);
 
   /// View coordinate of a sample; beyond the view, any value on the right side of it.
-  double ToX(std::int64_t sample) const;
+  [[nodiscard]] double ToX(std::int64_t sample) const;
   /// Sample under a view coordinate, rounded down.
-  std::int64_t ToSample(double x) const;
+  [[nodiscard]] std::int64_t ToSample(double x) const;
 
  private:
   std::int64_t origin_ = 0;
@@ -45,11 +46,11 @@ struct ScrollState {
 
 /// The scroller's state for a view of `width` pixels over content from `first` to `end`. The
 /// visible range counts as content where it lies outside, so that a knob never jumps.
-ScrollState ScrollStateOf(const TimeScale& scale, double width, std::int64_t first,
-                          std::int64_t end);
+[[nodiscard]] ScrollState ScrollStateOf(const TimeScale& scale, double width, std::int64_t first,
+                                        std::int64_t end);
 
 /// The origin that a scroller's value asks for.
-std::int64_t OriginForScroll(const TimeScale& scale, double width, std::int64_t first,
-                             std::int64_t end, double value);
+[[nodiscard]] std::int64_t OriginForScroll(const TimeScale& scale, double width, std::int64_t first,
+                                           std::int64_t end, double value);
 
 }  // namespace velmora::timeline

@@ -16,7 +16,7 @@ enum class PieceKind { Region, FadeIn, Crossfade, FadeOut };
 
 /// Told by the suffix of the region's name, or of its file's where a dot in the file's name has cut
 /// the region's short: "Take_FadeIn", "/audio/Take.2_FadeIn.1.wav".
-PieceKind KindOfRegion(const host::SessionRegion& region);
+[[nodiscard]] PieceKind KindOfRegion(const host::SessionRegion& region);
 
 /// A stretch of a lane to draw: one piece, or several that are too narrow to tell apart.
 struct LaneSpan {
@@ -41,23 +41,26 @@ class TimelineModel {
   void Clear();
   void Add(host::SessionRegion region);
 
-  const std::vector<host::SessionRegion>& Regions() const { return session_.Regions(); }
-  std::size_t LaneCount() const { return lanes_.size(); }
-  /// Lanes stand in rising order of their tracks; only tracks that hold a region have one.
-  const Lane& LaneAt(std::size_t lane);
+  [[nodiscard]] const std::vector<host::SessionRegion>& Regions() const {
+    return session_.Regions();
+  }
+  [[nodiscard]] std::size_t LaneCount() const { return lanes_.size(); }
+  /// Lanes stand in rising order of their tracks; only tracks that hold a region have one. `lane` is
+  /// below LaneCount(), here and in what follows.
+  [[nodiscard]] const Lane& LaneAt(std::size_t lane);
 
   /// Span of all regions, in samples; both 0 without regions.
-  std::int64_t First() const { return first_; }
-  std::int64_t End() const { return end_; }  ///< exclusive
+  [[nodiscard]] std::int64_t First() const { return first_; }
+  [[nodiscard]] std::int64_t End() const { return end_; }  ///< exclusive
 
   /// What to draw of a lane between the view's x = 0 and `width`: pieces of a pixel or more one by
   /// one, and runs of narrower ones with less than a pixel between them as one span.
-  std::vector<LaneSpan> Spans(std::size_t lane, const TimeScale& scale, double width);
+  [[nodiscard]] std::vector<LaneSpan> Spans(std::size_t lane, const TimeScale& scale, double width);
 
   /// The region that is heard at `x` on a lane. A piece narrower than `reach` pixels answers to
   /// clicks beside it, the nearest first.
-  std::optional<std::size_t> HitTest(std::size_t lane, const TimeScale& scale, double x,
-                                     double reach);
+  [[nodiscard]] std::optional<std::size_t> HitTest(std::size_t lane, const TimeScale& scale,
+                                                   double x, double reach);
 
  private:
   struct Slot {

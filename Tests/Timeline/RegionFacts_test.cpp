@@ -48,7 +48,7 @@ TEST(DurationText, roundingUpToAMinuteReadsAsOne) {
   EXPECT_EQ(DurationText(48000 * 60 - 48, 48000), "59.999 s");
 }
 
-TEST(FileNameOf, isWhatStandsBehindTheLastSlash) {
+TEST(FileNameOf, isWhatFollowsTheLastSlash) {
   EXPECT_EQ(FileNameOf("/a/b.wav"), "b.wav");
   EXPECT_EQ(FileNameOf("b.wav"), "b.wav");
   EXPECT_EQ(FileNameOf("/a/"), "");

@@ -14,7 +14,7 @@ constexpr NSSize kGripSize = {36, 2};
 constexpr CGFloat kLeastWidth = 980;
 constexpr CGFloat kLeastUpperHeight = 620;  // below it the view's parts lie over each other
 constexpr CGFloat kLeastLowerHeight = 120;
-constexpr CGFloat kUsualLowerHeight = 224;  // four tracks
+constexpr CGFloat kUsualLowerHeight = 206;  // four tracks
 
 }  // namespace
 

@@ -3,21 +3,31 @@
 
     ./draw_pictures.py            writes into ThemeImages/ beside this script
 
-Nothing but the Python standard library is needed. Each picture is a list of shapes, given by their
+The colours that the window has too are read from Palette.h. Nothing but the Python standard library is needed. Each picture is a list of shapes, given by their
 signed distance in pixels, and edges are smooth because coverage is what the distance says it is.
 """
 
 import math
 import pathlib
+import re
 import struct
 import zlib
 
-ACCENT = (47, 111, 222)
-WHITE = (255, 255, 255)
+HERE = pathlib.Path(__file__).resolve().parent
+
+
+def tone(name):
+    """A colour of the window, as red, green and blue."""
+    number = re.search(rf"^  {name} = 0x(\w{{6}}),", (HERE / "Palette.h").read_text(encoding="utf-8"), re.MULTILINE)
+    return tuple(bytes.fromhex(number[1]))
+
+
+ACCENT = tone("Accent")
+WHITE = tone("Surface")
 OUTLINE = (160, 170, 182)
 INK = (84, 96, 110)
 FAINT = (176, 184, 194)
-PALE = (191, 214, 251)
+PALE = tone("MarkedText")
 FOLDER = (126, 168, 236)
 FOLDER_BACK = (92, 138, 214)
 
@@ -164,7 +174,7 @@ def pictures():
 
 
 def main():
-    folder = pathlib.Path(__file__).resolve().parent / "ThemeImages"
+    folder = HERE / "ThemeImages"
     folder.mkdir(exist_ok=True)
     for name, (width, height, shapes) in pictures().items():
         write_png(folder / (name + ".png"), width, height, render(width, height, shapes))
