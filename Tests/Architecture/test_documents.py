@@ -1,0 +1,37 @@
+"""What Docs/Architecture.md names is there: tests, files and folders."""
+
+import re
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+ARCHITECTURE = (ROOT / "Docs" / "Architecture.md").read_text(encoding="utf-8")
+
+
+def test_cases():
+    """All test cases of the project, as ctest and the test programs name them."""
+    names = set()
+    for source in (ROOT / "Tests").rglob("*.cpp"):
+        for suite, case in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)", source.read_text(encoding="utf-8"), re.M):
+            names |= {f"{suite}.{case}", f"{suite}.*"}
+    scenarios = (ROOT / "Tests" / "View" / "CMakeLists.txt").read_text(encoding="utf-8")
+    names |= {f"view.{name}" for name in re.findall(r"[a-z]+(?:-[a-z]+)*", scenarios)}
+    return names
+
+
+class Architecture(unittest.TestCase):
+    def test_every_kept_behaviour_has_its_test(self):
+        rows = [row for row in re.findall(r"^\|(.*)\|$", ARCHITECTURE, re.M) if row.count("|") == 2]
+        named = [re.fullmatch(r" `([\w.*-]+)` ", row.split("|")[2]) for row in rows]
+        named = [match.group(1) for match in named if match]
+        self.assertGreater(len(named), 30)
+        self.assertEqual([name for name in named if name not in test_cases()], [])
+
+    def test_every_place_is_there(self):
+        places = re.findall(r"`((?:Source|Host|Tests|Docs)/[\w./-]*)`", ARCHITECTURE)
+        self.assertGreater(len(places), 12)
+        self.assertEqual([place for place in places if not (ROOT / place).exists()], [])
+
+
+if __name__ == "__main__":
+    unittest.main()
