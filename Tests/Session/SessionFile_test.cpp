@@ -320,13 +320,22 @@ TEST_F(SessionFileTest, aDeviceIsWrittenToInPlace) {
 TEST_F(SessionFileTest, aPipeIsWrittenToInPlace) {
   const test::Watchdog watchdog;
   path_ = test::Fifo(folder_, "pipe");
-  const auto target = Claimed();
-  std::string received;
-  std::thread reader([&] { received = Content(); });
-  EXPECT_EQ(WriteTo(*target, 2), "");
-  reader.join();
+  // So small a session fits into the pipe, so that one thread can write it and read it afterwards.
+  const int reader = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_GE(reader, 0);
+  EXPECT_EQ(WriteTo(*Claimed(), 2), "");
+  std::string received(4096, '\0');
+  received.resize(static_cast<std::size_t>(
+      std::max<ssize_t>(read(reader, received.data(), received.size()), 0)));
+  close(reader);
   EXPECT_EQ(received, TextOf(SessionOf(2)));
   EXPECT_TRUE(fs::is_fifo(path_));
+}
+
+TEST_F(SessionFileTest, aPipeThatNobodyReadsIsRefused) {
+  const test::Watchdog watchdog;
+  path_ = test::Fifo(folder_, "pipe");
+  EXPECT_EQ(Refusal(), path_ + " cannot be written: it is a socket, or a pipe that nobody reads");
 }
 
 TEST_F(SessionFileTest, aDescriptorsNameReachesTheFileThatIsOpen) {
