@@ -63,7 +63,7 @@ install_packages() {
   # Lists that are only partly fresh may still do: whether they do is the install's to say.
   "${as_root[@]}" apt-get update -q >&2 || say "apt-get update failed; trying to install all the same"
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -q -y --no-install-recommends "${missing[@]}" >&2
+    apt-get -o DPkg::Lock::Timeout=120 install -q -y --no-install-recommends "${missing[@]}" >&2
 }
 
 # folder_of PRESET: where it is built. The view is built beside the portable part, with the same flags.

@@ -3,8 +3,8 @@
 
     includes.py ROOT
 
-A room is a folder of Source/ or Host/, or one of Host/Desktop's own folders. Prints each include that breaks a rule as "FILE:LINE: RULE"; the
-exit status is 1 if there was one.
+A room is a folder of Source/ or Host/, or one of Host/Desktop's own folders. Prints each include that
+breaks a rule as "FILE:LINE: RULE"; the exit status is 1 if there was one.
 """
 
 import re
