@@ -7,9 +7,9 @@
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "Spot/EventFiles.h"
 #include "BWF/SampleKernels.h"
 #include "BenchSupport.h"
+#include "Spot/EventFiles.h"
 
 namespace velmora::bench {
 namespace {

@@ -45,8 +45,8 @@ class TimelineModel {
     return session_.Regions();
   }
   [[nodiscard]] std::size_t LaneCount() const { return lanes_.size(); }
-  /// Lanes stand in rising order of their tracks; only tracks that hold a region have one. `lane` is
-  /// below LaneCount(), here and in what follows.
+  /// Lanes stand in rising order of their tracks; only tracks that hold a region have one. `lane`
+  /// is below LaneCount(), here and in what follows.
   [[nodiscard]] const Lane& LaneAt(std::size_t lane);
 
   /// Span of all regions, in samples; both 0 without regions.

@@ -191,7 +191,8 @@ TEST(TimelineModel, aHundredThousandRegionsAreQuick) {
   for (int i = 0; i < 100000; ++i) model.Add(Region(i % 8, i * 3000LL, 2900));
   TimeScale scale;
   scale.Fit(model.First(), model.End(), 1200);
-  for (std::size_t lane = 0; lane < model.LaneCount(); ++lane) static_cast<void>(model.LaneAt(lane));
+  for (std::size_t lane = 0; lane < model.LaneCount(); ++lane)
+    static_cast<void>(model.LaneAt(lane));
   const auto start = std::chrono::steady_clock::now();
   std::size_t spans = 0;
   for (std::size_t lane = 0; lane < model.LaneCount(); ++lane) {
