@@ -12,6 +12,7 @@ namespace velmora {
 
 class HeaderReader;
 class OutputFile;
+struct ChunkPlace;
 
 /// What CopyTo answers.
 enum CopyStatus : std::int32_t {
@@ -106,7 +107,7 @@ class AES31BWF {
   bool Parse();
   void WalkChunks(HeaderReader& reader);
   void ReadFormatChunk(HeaderReader& reader);
-  void ReadBextChunk(HeaderReader& reader);
+  void ReadBextChunk(HeaderReader& reader, const ChunkPlace& chunk);
   void DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels, std::int32_t bitDepth,
                      std::int32_t frameCount);
   void CreateIn(OutputFile& file);

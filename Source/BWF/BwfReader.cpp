@@ -67,18 +67,16 @@ void AES31BWF::WalkChunks(HeaderReader& reader) {
       dataSize_ = static_cast<std::uint32_t>(chunk.size);
       hasData = true;
     } else if (chunk.identifier == kBextId) {
-      ReadBextChunk(reader);
+      hasBext = true;
       lastBext = chunk;
     } else {
       ++kept;
     }
   }
   chunks.Reset(path, riffEnd, kept);
-  if (lastBext.size > kBextFixedBytes) {
-    reader.GoTo(lastBext.body + kBextFixedBytes);
-    codingHistory_ = TextAt(reader, lastBext.size - kBextFixedBytes);
-    bext.codingHistory = codingHistory_.c_str();
-  }
+  // Only the last one counts. Each takes far more bytes than its size field may say, so a file of
+  // many would cost a hundred times its length if all were read.
+  if (hasBext) ReadBextChunk(reader, lastBext);
 }
 
 void AES31BWF::ReadFormatChunk(HeaderReader& reader) {
@@ -93,8 +91,8 @@ void AES31BWF::ReadFormatChunk(HeaderReader& reader) {
   hasFormat = true;
 }
 
-/// All but the coding history, which is read once, when the walk has met the last bext chunk.
-void AES31BWF::ReadBextChunk(HeaderReader& reader) {
+void AES31BWF::ReadBextChunk(HeaderReader& reader, const ChunkPlace& chunk) {
+  reader.GoTo(chunk.body);
   reader.Fill(bext.description);
   reader.Fill(bext.originator);
   reader.Fill(bext.originatorReference);
@@ -104,7 +102,10 @@ void AES31BWF::ReadBextChunk(HeaderReader& reader) {
   bext.timeReferenceHigh = reader.LittleEndian<std::uint32_t>();
   bext.version = reader.LittleEndian<std::uint16_t>();
   reader.Fill(bext.umidAndReserved);
-  hasBext = true;
+  if (chunk.size > kBextFixedBytes) {
+    codingHistory_ = TextAt(reader, chunk.size - kBextFixedBytes);
+    bext.codingHistory = codingHistory_.c_str();
+  }
 }
 
 AES31BWF::~AES31BWF() {

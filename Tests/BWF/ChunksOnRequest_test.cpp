@@ -279,6 +279,19 @@ TEST(ChunksOnRequest, CostTimeInProportion) {
   EXPECT_LT(seconds(16000), 24 * few + 0.2) << "2,000 took " << few << " s";
 }
 
+// A bext chunk is 602 bytes long whatever its size field says, so that many can lie on each other.
+TEST(ChunksOnRequest, ManyBextChunksCostNoMoreThanOthers) {
+  const TemporaryFolder folder;
+  const auto seconds = [&](const char* identifier) {
+    WaveBytes bytes = WaveBytes().Format({}).Data(PcmBytes(16, {1, 2}));
+    for (int i = 0; i < 200000; ++i) bytes.Chunk(identifier, "");
+    const std::string path = folder.Write(identifier, bytes.Bytes());
+    return CpuSeconds([&path] { EXPECT_TRUE(AES31BWF(path.c_str()).IsValid()); });
+  };
+  const double others = seconds("note");
+  EXPECT_LT(seconds("bext"), 10 * others + 0.02) << "others took " << others << " s";
+}
+
 #endif
 
 }  // namespace
