@@ -50,11 +50,13 @@ void PrintTable(const ViewModel& model, std::string_view identifier, std::ostrea
     return a.viewPosition < b.viewPosition;
   });
   std::vector<TextTable::Column> headings;
+  headings.reserve(columns.size());
   for (const TableColumn& column : columns) headings.push_back(HeadingOf(column));
   TextTable table(std::move(headings));
   const std::int32_t rows = NumberOfRows(model, identifier);
   for (std::int32_t row = 0; row < std::min(rows, kMostTableRows); ++row) {
     std::vector<std::string> cells;
+    cells.reserve(columns.size());
     for (const TableColumn& column : columns) cells.push_back(CellText(column.value(model, row)));
     const bool isMissing = Style(model, identifier, "", row).background == Background::Red;
     table.Add(std::move(cells), isMissing);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "Program/BoxChoice.h"
 #include "Timecode/RateTables.h"
@@ -44,7 +45,7 @@ std::optional<std::int32_t> FrameRateCodeOf(const std::string& text) {
 
 CLI::Validator OneOf(std::vector<std::string> words) {
   return CLI::Validator(
-      [words](std::string& text) -> std::string {
+      [words = std::move(words)](std::string& text) -> std::string {
         std::string list;
         for (const std::string& word : words) {
           if (text == word) return {};

@@ -154,7 +154,7 @@ std::string SessionFile::WriteBeside(const Session& session) const {
   FileStream file = CreateBeside(path_, written);
   if (file == nullptr) return Trouble(std::strerror(errno));
   const int error = WriteAll(session, std::move(file));
-  const std::string complaint = error == 0 ? Publish(written) : Trouble(std::strerror(error));
+  std::string complaint = error == 0 ? Publish(written) : Trouble(std::strerror(error));
   if (!complaint.empty()) RemoveFile(written.c_str());
   return complaint;
 }

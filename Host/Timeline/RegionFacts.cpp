@@ -1,5 +1,6 @@
 #include "Timeline/RegionFacts.h"
 
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 
@@ -38,7 +39,7 @@ std::string DurationText(std::int64_t samples, float sampleRate) {
     std::snprintf(text, sizeof text, "%.3f s", seconds);
     return text;
   }
-  const auto milliseconds = static_cast<std::int64_t>(magnitude * 1000 + 0.5);
+  const std::int64_t milliseconds = std::llround(magnitude * 1000);
   const std::int64_t minutes = milliseconds / 60000;
   const double rest = static_cast<double>(milliseconds % 60000) / 1000;
   const char* sign = seconds < 0 ? "-" : "";

@@ -164,7 +164,7 @@ static NSString* PlainText(id text) {
 // Menus show what there is to choose.
 - (BOOL)validateUserInterfaceItem:(id<NSValidatedUserInterfaceItem>)item {
   const SEL dead[] = {@selector(cut:), @selector(delete:), @selector(undo:), @selector(redo:)};
-  for (const SEL action : dead) {
+  for (SEL action : dead) {
     if (sel_isEqual([item action], action)) return NO;
   }
   if (sel_isEqual([item action], @selector(paste:))) return enable;

@@ -41,7 +41,7 @@ std::string ExtraText(const std::vector<std::string>& words) {
 
 /// What is wrong with an option that is there. The parser's own text begins with its name.
 std::string OptionText(const CLI::App& app, const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const auto* const option = app.get_option_no_throw(text.substr(0, text.find(':')));
   if (option == nullptr) return text;
   if (option->count() > 1) return option->get_name() + ": given more than once";

@@ -1,5 +1,6 @@
 #import "Desktop/Shell/SessionBar.h"
 
+#include <cmath>
 #include <vector>
 
 #include "Desktop/Theme/Drawing.h"
@@ -18,7 +19,7 @@ constexpr CGFloat kGroupGap = 2 * kControlGap;  // between a control and the nex
 
 // Tags carry rates in thousandths of a hertz, which tells all of them apart.
 NSInteger TagOfRate(float rate) {
-  return static_cast<NSInteger>(static_cast<double>(rate) * 1000 + 0.5);
+  return std::lround(static_cast<double>(rate) * 1000);
 }
 
 }  // namespace
