@@ -85,6 +85,10 @@ class AES31BWF {
   /// @return 0 done, 1 no memory, 2 a stream that is not open, a read or a write error
   virtual std::int32_t ConvertInto(AES31BWF* target, bool applyGain, double gain);
 
+  /// CopyTo into a file whose name is settled when it is created. It is kept if anything came to
+  /// stand in it. The copy itself is CopyTo's, with the name that the file has by then.
+  [[nodiscard]] std::int32_t CopyInto(OutputFile& file, std::int32_t bitDepth);
+
   /// True once something could not be written, also if only closing showed it. The system log has
   /// been told path and cause.
   [[nodiscard]] bool WriteFailed() const { return writeFailed_; }
@@ -115,9 +119,10 @@ class AES31BWF {
   bool WriteBytes(const void* bytes, std::size_t count);
   bool Flush();
   void NoteWriteError();
-  std::int32_t CopyBytes(const char* target);
-  std::int32_t CopyConverted(const char* target, std::int32_t bitDepth);
+  std::int32_t CopyBytes(OutputFile& file);
+  std::int32_t CopyConverted(OutputFile& file, std::int32_t bitDepth);
 
+  OutputFile* handed_ = nullptr;  ///< the file of a CopyInto that is under way; not owned
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
   bool writeFailed_ = false;

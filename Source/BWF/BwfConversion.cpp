@@ -9,6 +9,7 @@
 #include <new>
 
 #include "BWF/AES31BWF.h"
+#include "BWF/OutputFile.h"
 #include "BWF/SampleKernels.h"
 #include "Base/Wrapping.h"
 
@@ -65,14 +66,25 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
 
 std::int32_t AES31BWF::CopyTo(const char* targetPath, std::int32_t bitDepth) {
   if (!IsValid()) return CopyNotValid;
+  NamedFile named(targetPath);
+  OutputFile& file = handed_ != nullptr ? *handed_ : named;
   const bool sameDepth = bitDepth == -1 || bitDepth == format.bitsPerSample;
-  return sameDepth ? CopyBytes(targetPath) : CopyConverted(targetPath, bitDepth);
+  return sameDepth ? CopyBytes(file) : CopyConverted(file, bitDepth);
+}
+
+std::int32_t AES31BWF::CopyInto(OutputFile& file, std::int32_t bitDepth) {
+  struct Handed {
+    OutputFile*& place;
+    ~Handed() { place = nullptr; }
+  } handed{handed_};
+  handed_ = &file;
+  return CopyTo(file.Path().c_str(), bitDepth);
 }
 
 /// The file as it stands, up to the end of its RIFF form, in bounded memory. A form that ends
 /// before the file's begin leaves an empty target.
-std::int32_t AES31BWF::CopyBytes(const char* targetPath) {
-  FileStream target = CreateFile(targetPath);
+std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
+  FileStream target = file.Create();
   if (target == nullptr) return CopyTargetNotCreated;
   OpenAtData();
   const Bytes block = Allocate(kCopyBlockBytes);
@@ -95,21 +107,23 @@ std::int32_t AES31BWF::CopyBytes(const char* targetPath) {
   }
   const bool read = std::ferror(stream.get()) == 0;
   CloseFile();
+  if (std::fflush(target.get()) != 0 && writeError == 0) writeError = errno;
+  if ((read && writeError == 0) || FileSize(target.get()) > 0) file.Keep();
   if (std::fclose(target.release()) != 0 && writeError == 0) writeError = errno;
-  if (writeError != 0) LogWriteError(targetPath, writeError);
+  if (writeError != 0) LogWriteError(file.Path().c_str(), writeError);
   return read && writeError == 0 ? CopyDone : CopyFailed;
 }
 
 /// The audio alone, in a new file of the other depth. A header can claim far more samples than its
 /// file has bytes: what no size field can hold is not begun.
-std::int32_t AES31BWF::CopyConverted(const char* targetPath, std::int32_t bitDepth) {
+std::int32_t AES31BWF::CopyConverted(OutputFile& file, std::int32_t bitDepth) {
   constexpr std::uint64_t kLargestDataBytes = std::numeric_limits<std::uint32_t>::max() - 1024;
   const std::uint64_t frameBytes =
       std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8U, 1U);
   if (frames > kLargestDataBytes / std::max<std::uint64_t>(frameBytes, 1)) return CopyFailed;
   OpenAtData();
   if (stream == nullptr) return CopyFailed;  // before a file is made in vain
-  AES31BWF target(targetPath, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
+  AES31BWF target(file, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
   if (!target.IsValid()) {
     CloseFile();
     return CopyTargetNotCreated;
@@ -118,6 +132,7 @@ std::int32_t AES31BWF::CopyConverted(const char* targetPath, std::int32_t bitDep
   target.DisableCache();
   const std::int32_t status = ConvertInto(&target, false, 0.0);
   CloseFile();
+  if (target.Flush() || FileSize(target.stream.get()) > 0) file.Keep();
   target.CloseFile();
   return status == 0 && !target.WriteFailed() ? CopyDone : CopyFailed;
 }

@@ -58,7 +58,7 @@ class OutputNames {
 
 /// The stem: from after the last `/` to before the first `.` that follows. Stem and extension
 /// follow different rules on purpose, so a name with two dots loses its middle.
-std::string CopyBaseName(const char* path);
+[[nodiscard]] std::string CopyBaseName(const char* path);
 
 /// True for whatever opens for reading, a folder too. Never blocks. Not the rule for new files: a
 /// name that does not open may be held all the same.

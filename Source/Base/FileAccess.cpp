@@ -80,11 +80,6 @@ FileStream CreateNewFile(const char* path) {
   return FileStream(stream);
 }
 
-bool IsEmptyFile(const char* path) {
-  struct stat facts {};
-  return lstat(path, &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_size == 0;
-}
-
 void RemoveFile(const char* path) {
   unlink(path);
 }

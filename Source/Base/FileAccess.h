@@ -33,9 +33,6 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 /// and then nothing is left. errno tells the reason of a null, EEXIST for a name that is held.
 [[nodiscard]] FileStream CreateNewFile(const char* path);
 
-/// True for a regular file without a byte. Follows no link.
-[[nodiscard]] bool IsEmptyFile(const char* path);
-
 /// Removes a file; failure passes.
 void RemoveFile(const char* path);
 

@@ -18,11 +18,12 @@ std::unique_ptr<AES31BWF> RenderGainFile(const AES31Event& event, const char* pa
 
 /// A free name in `folder` for a copy of the event's source, as OutputNames finds it. Not reserved:
 /// what must not be shared with another run is made as a NewFile.
-std::string BuildCopyPath(const AES31Event& event, const char* folder);
+[[nodiscard]] std::string BuildCopyPath(const AES31Event& event, const char* folder);
 
 /// A free name for a file derived from the event's source, `suffix` after its stem; beside the
 /// source if `folder` is null. Not reserved.
-std::string BuildDerivedPath(const AES31Event& event, const char* folder, const char* suffix);
+[[nodiscard]] std::string BuildDerivedPath(const AES31Event& event, const char* folder,
+                                           const char* suffix);
 
 /// The path of the event's source file; empty if it has none.
 [[nodiscard]] std::string SourcePath(const AES31Event& event);

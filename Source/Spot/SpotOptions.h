@@ -35,7 +35,7 @@ struct SpotOptions {
 void ComputePosition(SpotOptions& options, const char* firstEvent);
 
 /// By how many samples the session's timebase moves the project: the timestamp read in the
-/// session's timebase less the same read in its own.
-std::int64_t Compensation(const SpotOptions& options, const char* firstEvent);
+/// session's timebase less the same read in its own. 0 for a null timestamp.
+[[nodiscard]] std::int64_t Compensation(const SpotOptions& options, const char* firstEvent);
 
 }  // namespace velmora

@@ -3,7 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include "Base/FileAccess.h"
 #include "Base/Wrapping.h"
 #include "Spot/EventFiles.h"
 #include "Timecode/AdlTime.h"
@@ -54,18 +53,9 @@ void SpotPasses::PrepareDepth(std::int32_t index, AES31Event& event) {
   const char* const folder = copy ? options_.copyFolder.c_str() : nullptr;
   const char* const suffix = copy ? "" : options_.depthSuffix.c_str();
   NewFile target = names_.New(SourcePath(event), folder, suffix);
-  const std::int32_t status = CopyToNewFile(source, target);
+  const std::int32_t status = source.CopyInto(target, options_.bitDepth);
   observer_.FileMade(FilePass::Depth, index, target.Path(), status);
   if (status == CopyDone) SetRenderedFile(event, std::make_unique<AES31BWF>(target.Path().c_str()));
-}
-
-/// The copy opens its target by name, so an empty file takes the name for it, exclusively. It is
-/// given back if nothing came to be in it.
-std::int32_t SpotPasses::CopyToNewFile(AES31BWF& source, NewFile& target) {
-  if (target.Create() == nullptr) return source.IsValid() ? CopyTargetNotCreated : CopyNotValid;
-  const std::int32_t status = source.CopyTo(target.Path().c_str(), options_.bitDepth);
-  if (status == CopyDone || !IsEmptyFile(target.Path().c_str())) target.Keep();
-  return status;
 }
 
 bool SpotPasses::GainPass() {

@@ -35,7 +35,6 @@ class SpotPasses {
   AES31Event* LiveEvent(std::int32_t index);
 
   void PrepareDepth(std::int32_t index, AES31Event& event);
-  std::int32_t CopyToNewFile(AES31BWF& source, NewFile& target);
   void PrepareGain(std::int32_t index, AES31Event& event);
   /// The status of one attempt, none if there is nothing to place.
   std::optional<std::int32_t> SpotMainRegion(std::int32_t index, const AES31Event& event,

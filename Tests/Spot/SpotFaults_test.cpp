@@ -36,6 +36,9 @@ struct Fault {
 
 Fault openFault, lookFault, streamFault, memoryFault;
 
+/// Opens for writing that would take, or follow, what the name stands for.
+int opensThatMayMeetAFile = 0;
+
 template <class Function>
 Function* Original(const char* name) {
   // A function of a library is found as a pointer to data: POSIX has it that way.
@@ -55,6 +58,7 @@ void* Allocate(std::size_t size) {
 extern "C" {
 int open64(const char* path, int flags, ...) {
   if (openFault.Strikes()) return -1;
+  if ((flags & O_ACCMODE) != O_RDONLY && (flags & O_EXCL) == 0) ++opensThatMayMeetAFile;
   static auto* const original = Original<int(const char*, int, ...)>("open64");
   va_list rest;
   va_start(rest, flags);
@@ -189,6 +193,25 @@ TEST_F(SpotFaultTest, noFailedCallLosesAFileOrLeavesAnEmptyOne) {
       ++struck;
     }
     EXPECT_GE(struck, 5) << row.call;
+  }
+}
+
+// What has been created must not be opened by its name again: another file may have the name by
+// then.
+TEST_F(SpotFaultTest, filesAreWrittenThroughTheOpenThatCreatedThem) {
+  for (const char* const copyFolder : {"", "copies"}) {
+    for (const std::int32_t bitDepth : {16, 24}) {
+      Prepare();
+      options.bitDepth = bitDepth;
+      if (*copyFolder != '\0') {
+        options.copyFolder = folder.Path(copyFolder);
+        options.copySource = 1;
+        std::filesystem::create_directories(options.copyFolder);
+      }
+      opensThatMayMeetAFile = 0;
+      EXPECT_TRUE(Run());
+      EXPECT_EQ(opensThatMayMeetAFile, 0) << copyFolder << ' ' << bitDepth;
+    }
   }
 }
 
