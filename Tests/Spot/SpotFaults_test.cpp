@@ -224,7 +224,7 @@ TEST_F(SpotFaultTest, nameThatAnErrorHidesIsPassedOver) {
 
 TEST_F(SpotFaultTest, fileThatFailsToBeCreatedOnceIsMadeUnderTheNextName) {
   Prepare();
-  streamFault = {.left = 1, .error = ENOMEM};
+  streamFault = {.left = 2, .error = ENOMEM};  // the first is that of the source
   EXPECT_TRUE(Run());
   EXPECT_EQ(ToldAsMade().at(0), "take_24bit.3.wav");
   EXPECT_FALSE(Exists("take/take_24bit.2.wav"));
