@@ -31,7 +31,7 @@ MAY_USE = {
     "Host/Session": CORE,
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
-    "Host/Program": PORTABLE,
+    "Host/Program": [*SESSION, "Host/Embedded"],
 }
 
 # The shell's own rooms, each of which uses none but those before it.
