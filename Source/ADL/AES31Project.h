@@ -86,7 +86,6 @@ class AES31Project {
   bool ReadConstants(const AES31Section& section);
   bool WalkSourceIndex(const AES31Section& section, Checks checks);
   bool WalkEventList(const AES31Section& section, Checks checks);
-  [[nodiscard]] std::string FindSource(const char* location) const;
   /// Each notes the failure and answers false.
   bool FailAt(LoadFailureCode code, const AES31Section& section, const AES31Entry& entry,
               std::string reason);

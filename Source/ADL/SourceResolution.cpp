@@ -7,6 +7,7 @@
 
 #include "ADL/AES31Project.h"
 #include "ADL/ShiftJis.h"
+#include "ADL/SourceSearch.h"
 #include "Base/FileAccess.h"
 #include "Base/Text.h"
 
@@ -27,7 +28,7 @@ std::int32_t SourceKeyOf(const AES31Event& event) {
 void AES31Project::ResolveSources() {
   for (auto& [index, source] : sourceFiles) {
     Retire(source);
-    const std::string path = FindSource(source.fValues[0]);
+    const std::string path = FindSourceFile(folder, source.fValues[0]);
     if (!path.empty()) source.file = new AES31BWF(path.c_str());
   }
 }
@@ -63,13 +64,7 @@ void AES31Project::DeleteFiles() {
   ForEachFile([](const AES31BWF* file) { delete file; });
 }
 
-/// The path of a source below `folder`, or the empty text. The location's ends are looked for from
-/// its bare name on, then with one more folder each:
-///
-///     "file://srv/Vol/Audio/x.wav"  ->  x.wav, Audio/x.wav, Vol/Audio/x.wav, ...
-///
-/// The location is never used as a path by itself, and escapes in it mean nothing.
-std::string AES31Project::FindSource(const char* location) const {
+std::string FindSourceFile(const std::string& folder, const char* location) {
   if (location == nullptr || *location == '\0') return {};
   std::string text = ShiftJisToUtf8(location + 1);  // what stands there is taken for a quote
   if (text.empty()) return {};

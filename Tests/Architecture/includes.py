@@ -17,7 +17,11 @@ SPOT = [*FILES, "Source/ADL"]
 MODEL = [*SPOT, "Source/Spot"]
 CORE = [*MODEL, "Source/Model"]
 SESSION = [*CORE, "Host/Session"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded"]
+FIELD = [*CORE, "Host/Field"]
+CHECK = [*FIELD, "Host/Media", "Host/Session"]
+PREPARE = [*CHECK, "Host/Check"]
+TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
+PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -31,7 +35,11 @@ MAY_USE = {
     "Host/Session": CORE,
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
-    "Host/Program": [*SESSION, "Host/Embedded"],
+    "Host/Field": CORE,
+    "Host/Media": CORE,
+    "Host/Check": CHECK,
+    "Host/Prepare": PREPARE,
+    "Host/Program": [*SESSION, "Host/Embedded", *TASKS],
 }
 
 # The shell's own rooms, each of which uses none but those before it.
