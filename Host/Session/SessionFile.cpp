@@ -6,9 +6,11 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "Session/FileBuffer.h"
 #include "Session/SessionJson.h"
@@ -45,6 +47,15 @@ bool NamesDescriptor(fs::path path) {
 
 bool IsSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// When a file was last written to: seconds, and nanoseconds within the second.
+std::pair<std::time_t, long> ModifiedAt(const struct stat& facts) {
+#ifdef __APPLE__
+  return {facts.st_mtimespec.tv_sec, facts.st_mtimespec.tv_nsec};
+#else
+  return {facts.st_mtim.tv_sec, facts.st_mtim.tv_nsec};
+#endif
 }
 
 /// Creates a file of a free name in the folder of `path`; null if that fails. The name is short,
@@ -178,7 +189,7 @@ std::string SessionFile::Publish(const std::string& written) const {
 bool SessionFile::IsAsClaimed() const {
   struct stat now {};
   return ::stat(path_.c_str(), &now) == 0 && IsSameFile(now, earlierFacts_) &&
-         now.st_size == earlierFacts_.st_size && now.st_mtime == earlierFacts_.st_mtime;
+         now.st_size == earlierFacts_.st_size && ModifiedAt(now) == ModifiedAt(earlierFacts_);
 }
 
 std::string SessionFile::Trouble(const std::string& cause) const {

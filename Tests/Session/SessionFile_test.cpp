@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -239,6 +240,8 @@ TEST_F(SessionFileTest, whatHasAppearedMeanwhileStays) {
 TEST_F(SessionFileTest, anEarlierSessionThatHasChangedMeanwhileStays) {
   const std::pair<const char*, std::function<void()>> rows[] = {
       {"writtenTo", [&] { std::ofstream(path_, std::ios::app) << "more"; }},
+      {"writtenToWithTheSameSizeInTheSameSecond",
+       [&] { std::fstream(path_, std::ios::in | std::ios::out).seekp(-1, std::ios::end) << " "; }},
       {"replaced",
        [&] {
          folder_.Write("new", kEarlier);
@@ -253,6 +256,8 @@ TEST_F(SessionFileTest, anEarlierSessionThatHasChangedMeanwhileStays) {
   for (const auto& [rule, change] : rows) {
     fs::remove(path_);
     folder_.Write("s.json", kEarlier);
+    // Further back than the ticks in which a file system counts.
+    fs::last_write_time(path_, fs::last_write_time(path_) - std::chrono::milliseconds(50));
     const auto target = Claimed();
     change();
     const std::string content = Content();
