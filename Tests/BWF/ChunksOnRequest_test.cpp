@@ -232,7 +232,7 @@ std::string SparseFile(const TemporaryFolder& folder, std::uint32_t bytes) {
 }
 
 constexpr std::uint32_t kSparseBytes = 64U << 20;
-constexpr std::size_t kSparseChunks = (kSparseBytes - 48) / 8 - 1;  // the last has no room behind
+constexpr std::size_t kSparseChunks = (kSparseBytes - 48) / 8 - 1;  // the last has no room after it
 
 TEST(ChunksOnRequest, MillionsCostNoMemory) {
   const TemporaryFolder folder;

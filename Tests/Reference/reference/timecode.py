@@ -98,7 +98,7 @@ def timecode_to_samples(text, code, rate):
         at = match.end()
         return int(match.group())
 
-    def behind_separator():
+    def after_separator():
         nonlocal at
         if at >= len(text):
             return 0
@@ -113,11 +113,11 @@ def timecode_to_samples(text, code, rate):
     blanks()
     hours = number() % 100
     blanks()
-    minutes = behind_separator() % 60
+    minutes = after_separator() % 60
     blanks()
-    seconds = behind_separator() % 60
+    seconds = after_separator() % 60
     blanks()
-    frames = behind_separator() % CODE_FRAMES[code]
+    frames = after_separator() % CODE_FRAMES[code]
     stamp = '%02d%c%02d:%02d%c%02d%c0000' % (hours, CODE_MARKS[code], minutes, seconds, CODE_SEPARATORS[code], frames,
                                              '|' if rate == 44100 else '/')
     return wrap64(sign * to_samples(stamp.encode()))
