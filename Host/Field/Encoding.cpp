@@ -11,7 +11,7 @@
 #include "Base/FileNames.h"
 #include "Base/Utf8.h"
 #include "Field/Keyword.h"
-#include "Field/Location.h"
+#include "Media/Locations.h"
 
 namespace velmora::field {
 namespace {
@@ -202,12 +202,16 @@ bool IsFile(const std::string& path, int& asked) {
 
 /// A location names a file below the folder by one of its ends, or anywhere by the whole.
 bool NamesFile(const std::string& location, const std::string& folder, int& asked) {
-  for (const std::string& path : PathsOf(location)) {
+  const media::Location spellings = media::DecodeLocation(location);
+  for (const std::string& path : spellings.paths) {
     if (path.starts_with('/') && IsFile(path, asked)) return true;
-    for (std::size_t slash = path.rfind('/');; slash = path.rfind('/', slash - 1)) {
-      const std::string end = slash == std::string::npos ? path : path.substr(slash + 1);
+  }
+  for (const std::string& tail : spellings.tails) {
+    for (std::size_t begin = tail.size(); begin > 0 && asked <= kMostFiles;) {
+      const std::size_t slash = tail.rfind('/', begin - 1);
+      begin = slash == std::string::npos ? 0 : slash;
+      const std::string end = tail.substr(slash == std::string::npos ? 0 : slash + 1);
       if (!end.empty() && IsFile(folder + "/" + end, asked)) return true;
-      if (slash == std::string::npos || slash == 0 || asked > kMostFiles) break;
     }
   }
   return false;

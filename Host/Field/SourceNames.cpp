@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "Base/FileNames.h"
 #include "Base/Text.h"
-#include "Field/Location.h"
+#include "Media/Locations.h"
 
 namespace velmora::field {
 namespace {
@@ -40,10 +39,9 @@ void SourceNames::FillTables() {
         tables_[rule * kKinds + kind].emplace(forms[rule], i);
       }
     };
-    for (const std::string& path : PathsOf(sources_[i].location)) {
-      add(kFileName, FileNameOf(path));
-      add(kLocation, path);
-    }
+    const media::Location location = media::DecodeLocation(sources_[i].location);
+    for (const std::string& name : location.names) add(kFileName, name);
+    for (const std::string& path : location.paths) add(kLocation, path);
     add(kLocation, sources_[i].location);
     add(kName, sources_[i].name);
   }
@@ -51,7 +49,17 @@ void SourceNames::FillTables() {
 
 std::optional<std::size_t> SourceNames::Find(const std::string& utf8Name) {
   if (tables_.empty()) FillTables();
-  const std::vector<std::string> forms = Forms(utf8Name);
+  const std::optional<std::size_t> found = FindText(utf8Name);
+  if (found) return found;
+  // A path may stand where a name belongs.
+  for (const std::string& name : media::DecodeLocation(utf8Name).names) {
+    if (const std::optional<std::size_t> byName = FindText(name)) return byName;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::size_t> SourceNames::FindText(const std::string& text) const {
+  const std::vector<std::string> forms = Forms(text);
   const std::size_t kinds = tables_.size() / forms.size();
   for (std::size_t i = 0; i < tables_.size(); ++i) {
     const auto found = tables_[i].find(forms[i / kinds]);

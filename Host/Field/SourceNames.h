@@ -22,6 +22,7 @@ class SourceNames {
  private:
   using Table = std::unordered_map<std::string, std::size_t>;
   void FillTables();
+  [[nodiscard]] std::optional<std::size_t> FindText(const std::string& text) const;
 
   const std::vector<Source>& sources_;
   std::vector<Table> tables_;  ///< one for each rule, in their order

@@ -17,8 +17,8 @@ SPOT = [*FILES, "Source/ADL"]
 MODEL = [*SPOT, "Source/Spot"]
 CORE = [*MODEL, "Source/Model"]
 SESSION = [*CORE, "Host/Session"]
-FIELD = [*CORE, "Host/Field"]
-CHECK = [*FIELD, "Host/Media", "Host/Session"]
+FIELD = [*CORE, "Host/Media"]
+CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
 PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS]
@@ -35,7 +35,7 @@ MAY_USE = {
     "Host/Session": CORE,
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
-    "Host/Field": CORE,
+    "Host/Field": FIELD,
     "Host/Media": CORE,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
