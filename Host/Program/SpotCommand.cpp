@@ -31,13 +31,6 @@ void SetBoxes(ViewModel& model, const SpotArguments& arguments) {
   }
 }
 
-host::SessionRates RatesFor(const SpotArguments& arguments, const ViewModel& model) {
-  host::SessionRates rates = host::PresetFor(model.firstEvent);
-  rates.sampleRate = arguments.sessionRate.value_or(rates.sampleRate);
-  rates.frameRate = arguments.sessionFrameRate.value_or(rates.frameRate);
-  return rates;
-}
-
 SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
                        const host::SessionRates& session) {
   SpotChoices choices;
@@ -105,7 +98,8 @@ bool Finish(const host::Session& session, const host::SessionRates& rates, const
 /// Spots a loaded project. Returns the exit status.
 int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTarget* target) {
   SetBoxes(model, arguments);
-  const host::SessionRates rates = RatesFor(arguments, model);
+  const host::SessionRates rates =
+      host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
   const SpotOptions options = OptionsFor(arguments, model, rates);
 
   host::Session session;
