@@ -1,11 +1,10 @@
 #include "Program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
+#include "Program/AbsolutePath.h"
 #include "Program/Hosts.h"
 #include "Program/OptionForms.h"
 #include "Program/Usage.h"
@@ -21,9 +20,12 @@ constexpr const char* kExamples = R"(Examples:
   velmora spot Radio.adl --fades --gain --copy-to Audio
   velmora spot Radio.adl --position start --start 10:00:00:00 --depth 16
   velmora spot Radio.adl --only-tracks 1,3-5 --host embedded:session.json
+  velmora check Radio.adl --media Takes          what would go wrong, where, what helps
+  velmora check . --json | jq -r .verdict        every project below a folder
 
-Exit status: 0 all done; 1 bad usage; 2 the project does not load; 3 spotted, but
-something of a ticked cut was left out; 130 interrupted (Ctrl-C stops between events).)";
+Exit status: 0 all done; 1 bad usage; 2 the project does not load, or is no ADL;
+3 spotted, but something of a ticked cut was left out, or checked, and something would
+fail, be misplaced or be lost; 130 interrupted (Ctrl-C stops between events).)";
 
 /// Words of --position, in the order of help.
 constexpr std::pair<const char*, PositionMode> kPositions[] = {{"project", PositionAsProject},
@@ -42,17 +44,6 @@ PositionMode PositionOf(const std::string& text) {
     if (text == word) return mode;
   }
   return PositionAsProject;
-}
-
-/// The project sees absolute paths alone; what is absolute already stays as it was typed.
-std::string AbsolutePath(const std::string& path) {
-  if (path.empty()) return path;  // names nothing, and is complained about as such
-  const std::filesystem::path given(path);
-  if (given.is_absolute()) return path;
-  const std::filesystem::path absolute = std::filesystem::absolute(given);
-  // Taking ".." away would change the way through a symbolic link.
-  const bool climbs = std::find(given.begin(), given.end(), "..") != given.end();
-  return climbs ? absolute.string() : absolute.lexically_normal().string();
 }
 
 /// Options as they are typed, without the library's notes on types and relations.
@@ -178,6 +169,32 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   return {};
 }
 
+struct RawCheckOptions {
+  RawReadingOptions reading;
+  std::uint32_t jobs = 0;
+};
+
+void AddCheckOptions(CLI::App& check, CheckArguments& arguments, RawCheckOptions& raw) {
+  check
+      .add_option("projects", arguments.projects, "ADL files, and folders: every *.adl below them")
+      ->type_name("PROJECT...")
+      ->required();
+  AddReadingOptions(check, raw.reading);
+  check
+      .add_option("--jobs", raw.jobs,
+                  "Projects that are read side by side; otherwise\none for each processor")
+      ->type_name("N")
+      ->check(JobsForm());
+  check.add_flag("--json", arguments.json, "As JSON Lines, one object for each project");
+}
+
+CheckArguments FinishCheck(CheckArguments arguments, const RawCheckOptions& raw,
+                           const CLI::App& check) {
+  arguments.options = FinishReadingOptions(raw.reading, check);
+  arguments.jobs = raw.jobs;
+  return arguments;
+}
+
 }  // namespace
 
 Command ReadCommandLine(int argc, const char* const* argv) {
@@ -199,6 +216,11 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   CLI::App* const spot = app.add_subcommand("spot", "Prepare the audio and place every cut");
   AddSpotOptions(*spot, spotArguments, raw);
 
+  CheckArguments checkArguments;
+  RawCheckOptions rawCheck;
+  CLI::App* const check = app.add_subcommand("check", "Say what would go wrong in a spot, and why");
+  AddCheckOptions(*check, checkArguments, rawCheck);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // help or version was asked for
@@ -210,6 +232,7 @@ Command ReadCommandLine(int argc, const char* const* argv) {
     infoArguments.project = AbsolutePath(infoArguments.project);
     return infoArguments;
   }
+  if (check->parsed()) return FinishCheck(std::move(checkArguments), rawCheck, *check);
   spotArguments.project = AbsolutePath(spotArguments.project);
   const std::string complaint = Finish(spotArguments, raw, *spot);
   if (!complaint.empty()) return BadUsage(complaint, "spot");

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "Program/BoxChoice.h"
+#include "Program/CheckArguments.h"
 #include "Session/HostKind.h"
 
 namespace velmora::program {
@@ -34,7 +35,7 @@ struct SpotArguments {
 };
 
 /// An exit status: there is nothing to do, help was shown or a complaint made.
-using Command = std::variant<int, InfoArguments, SpotArguments>;
+using Command = std::variant<int, InfoArguments, SpotArguments, CheckArguments>;
 
 /// Reads the command line and shows help or says what is wrong with it. Touches no file.
 [[nodiscard]] Command ReadCommandLine(int argc, const char* const* argv);

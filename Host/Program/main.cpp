@@ -2,6 +2,7 @@
 #include <exception>
 #include <variant>
 
+#include "Program/CheckCommand.h"
 #include "Program/CommandLine.h"
 #include "Program/ExitStatus.h"
 #include "Program/InfoCommand.h"
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     const Command command = ReadCommandLine(argc, argv);
     if (const auto* const info = std::get_if<InfoArguments>(&command)) return RunInfo(*info);
     if (const auto* const spot = std::get_if<SpotArguments>(&command)) return RunSpotCommand(*spot);
+    if (const auto* const check = std::get_if<CheckArguments>(&command)) return RunCheck(*check);
     return std::get<int>(command);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velmora: %s\n", error.what());

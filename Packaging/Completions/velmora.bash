@@ -24,7 +24,7 @@ _velmora() {
     before=${COMP_WORDS[COMP_CWORD - 2]}
   fi
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in info | spot) command=$word && break ;; esac
+    case $word in info | spot | check) command=$word && break ;; esac
   done
 
   local options='-h --help'
@@ -43,12 +43,21 @@ _velmora() {
         --offset | --start | --skip-* | --only-* | --session-rate) return ;;
       esac
       ;;
+    check)
+      options+=' --media --trust --encoding --session-rate --session-frame-rate --jobs --json'
+      case $before in
+        --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
+        --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
+        --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --encoding | --session-rate | --jobs) return ;;
+      esac
+      ;;
     *) options+=' --version' ;;
   esac
   if [[ $typed == -* ]]; then
     _velmora_offer "$typed" -W "$options"
   elif [[ -z $command ]]; then
-    _velmora_offer "$typed" -W 'info spot'
+    _velmora_offer "$typed" -W 'info spot check'
   else
     _velmora_offer_files "$typed" '*.[aA][dD][lL]'
   fi

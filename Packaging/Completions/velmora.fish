@@ -4,16 +4,18 @@ function __velmora_project
     __fish_complete_suffix .adl
 end
 
-set -l commands info spot
+set -l commands info spot check
 set -l alone "not __fish_seen_subcommand_from $commands"
 set -l info "__fish_seen_subcommand_from info"
 set -l spot "__fish_seen_subcommand_from spot"
+set -l check "__fish_seen_subcommand_from check"
 
 complete -c velmora -f
 complete -c velmora -s h -l help -d "Print what is taken"
 complete -c velmora -n $alone -l version -d "Print the version"
 complete -c velmora -n $alone -a info -d "Show what a project holds"
 complete -c velmora -n $alone -a spot -d "Prepare the audio and place every cut"
+complete -c velmora -n $alone -a check -d "Say what would go wrong in a spot, and why"
 complete -c velmora -n "not $alone" -k -a "(__velmora_project)"
 
 complete -c velmora -n $info -l json -d "As one JSON object"
@@ -34,3 +36,11 @@ complete -c velmora -n $spot -l session-frame-rate -x -a "24 25 29.97 29.97df 30
 complete -c velmora -n $spot -l host -x -a embedded -d "Where the regions go"
 complete -c velmora -n $spot -l json -d "Tell every step as JSON Lines"
 complete -c velmora -n $spot -l quiet -d "No progress bar"
+
+complete -c velmora -n $check -l media -x -a "(__fish_complete_directories)" -d "A folder to look for audio in"
+complete -c velmora -n $check -l trust -x -a "marks header" -d "What tells the rates of times"
+complete -c velmora -n $check -l encoding -x -d "The encoding of the project's text"
+complete -c velmora -n $check -l session-rate -x -d "The sample rate of the session to spot into"
+complete -c velmora -n $check -l session-frame-rate -x -a "24 25 29.97 29.97df 30 30df 23.976" -d "That session's frame rate"
+complete -c velmora -n $check -l jobs -x -d "Projects that are read side by side"
+complete -c velmora -n $check -l json -d "As JSON Lines"

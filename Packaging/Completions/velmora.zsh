@@ -29,6 +29,19 @@ _velmora_spot() {
     '*:project:_files -g "*.(#i)adl"'
 }
 
+_velmora_check() {
+  _arguments -s \
+    '(- *)'{-h,--help}'[print what the command takes]' \
+    '--media[a folder to look for audio in]:folder:_files -/' \
+    '--trust[what tells the rates of times]:what:(marks header)' \
+    "--encoding[the encoding of the project's text]:encoding: " \
+    '--session-rate[the sample rate of the session to spot into]:Hz: ' \
+    "--session-frame-rate[that session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
+    '--jobs[projects that are read side by side]:number: ' \
+    '--json[as JSON Lines]' \
+    '*:project:_files -g "*.(#i)adl"'
+}
+
 _velmora() {
   local curcontext=$curcontext state line
   _arguments -C \
@@ -38,7 +51,8 @@ _velmora() {
     '*:: :->rest'
   case $state in
     command)
-      local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut')
+      local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut'
+        'check:say what would go wrong in a spot, and why')
       _describe command commands
       ;;
     rest)
