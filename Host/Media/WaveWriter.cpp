@@ -89,7 +89,10 @@ std::vector<std::uint8_t> WaveFileHead(const WaveShape& shape, std::vector<std::
                                   audioBytes + tailBytes;
   Bytes head;
   head.Text("RIFF").U32(formBytes).Text("WAVE").Text("fmt ").U32(kFormatBytes);
-  head.U16(1).U16(static_cast<std::uint32_t>(shape.channels)).U32(rate).U32(rate * frameBytes);
+  head.U16(shape.formatTag)
+      .U16(static_cast<std::uint32_t>(shape.channels))
+      .U32(rate)
+      .U32(rate * frameBytes);
   head.U16(frameBytes).U16(static_cast<std::uint32_t>(shape.bits));
   if (!bext.empty()) head.Text("bext").U32(bextBytes).All(bext);
   return head.Text("data").U32(audioBytes).Take();

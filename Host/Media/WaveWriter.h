@@ -15,8 +15,9 @@ namespace velmora::media {
 struct WaveShape {
   std::int32_t sampleRate = 0;  ///< Hz
   std::int32_t channels = 0;
-  std::int32_t bits = 0;  ///< 16, 24 or 32
+  std::int32_t bits = 0;  ///< a multiple of 8
   std::int64_t frames = 0;
+  std::uint16_t formatTag = 1;  ///< RIFF WAVE: integers
 
   [[nodiscard]] std::int64_t FrameBytes() const { return std::int64_t{channels} * (bits / 8); }
   [[nodiscard]] std::int64_t AudioBytes() const { return frames * FrameBytes(); }
@@ -48,7 +49,7 @@ class NewFile {
   std::string trouble_;
 };
 
-/// The header of a plain PCM wave file (RIFF WAVE) up to its first sample: a fmt chunk of 16 bytes,
+/// The header of a plain wave file (RIFF WAVE) up to its first sample: a fmt chunk of 16 bytes,
 /// the bext chunk if there is one, and the head of the data chunk. All chunks before the audio have
 /// even sizes, so that readers with and without pad bytes agree.
 /// @param bext the chunk's body; empty for none. It is filled up to 602 bytes and an even size.
