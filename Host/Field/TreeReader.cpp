@@ -80,8 +80,11 @@ TreeReader::TreeReader(std::string_view file)
 Tree TreeReader::Read() && {
   SkipByteOrderMark();
   if (FindStart()) {
+    // About what projects come to. What is not used costs no memory, what grows is copied.
+    tree_.values.reserve(tree_.file.size() / 9);
+    tree_.entries.reserve(tree_.file.size() / 30);
     ReadOuter();
-    tree_.cutOff = !outerClosed_ && (tree_.hasOpeningTag || cutInside_ || !scopes_.empty());
+    tree_.cutOff = cutInside_ || (!outerClosed_ && (tree_.hasOpeningTag || !scopes_.empty()));
     PopTo(0);
     EndPiece();
     if (!tree_.cutOff) {
@@ -162,6 +165,7 @@ void TreeReader::ReadOuter() {
 /// False at the end of what counts.
 bool TreeReader::TakeTag(const Tag& tag) {
   const char* const begin = at_;
+  if (tag.end == end_ && tag.end[-1] != '>') cutInside_ = true;
   if (!tag.plain && !Inside(ScopeKind::ReferenceList)) {
     AddStray(begin, std::max(tag.end, StrayEnd(begin)), StrayKind::Bracket);
   }
@@ -313,7 +317,8 @@ bool TreeReader::TakeValue(const char* lineOf) {
       if (*begin == '(' ? ReadsAsLabel(begin, onLine, label) : ReadsAsTag(begin, onLine, tag)) {
         return false;
       }
-      if (!onLine) return false;  // a stray word
+      // What is no label or tag is a stray word at the start of a line or if the end cuts it.
+      if (!onLine || TokenEnd(begin) == end_) return false;
       if (!Inside(ScopeKind::ReferenceList)) {
         AddStray(begin, StrayEnd(begin), StrayKind::Bracket);
       }
@@ -383,19 +388,36 @@ void TreeReader::TakeComment(bool amongValues) {
   at_ = end;
 }
 
-/// Up to the end of the line, or to a label, tag or comment on it.
+/// Up to the end of the line, or to something on it that is more than words: a label, a comment, a
+/// closing tag, outside of sections any tag.
 void TreeReader::TakeStrayWord() {
   const char* const begin = at_;
   const char* end = begin;
+  do {
+    end = at_ = StrayTokenEnd(at_);
+    while (at_ != end_ && IsBlank(*at_) && !EndsLine(*at_)) ++at_;
+  } while (at_ != end_ && !EndsLine(*at_) && !EndsStrayWords());
+  if (!Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Word);
+}
+
+/// A text in quotation marks on the line is one token, whatever brackets stand in it.
+const char* TreeReader::StrayTokenEnd(const char* at) const {
+  if (*at == '"') {
+    const char* const mark =
+        std::find_if(at + 1, end_, [](char c) { return c == '"' || EndsLine(c); });
+    if (mark != end_ && *mark == '"') return mark + 1;
+  }
+  return TokenEnd(at);
+}
+
+bool TreeReader::EndsStrayWords() const {
   Tag tag;
   Label label;
-  do {
-    end = at_ = TokenEnd(at_);
-    while (at_ != end_ && IsBlank(*at_) && !EndsLine(*at_)) ++at_;
-  } while (at_ != end_ && !EndsLine(*at_) && !At(at_, "/*") &&
-           !(*at_ == '<' && ReadsAsTag(at_, true, tag)) &&
-           !(*at_ == '(' && ReadsAsLabel(at_, true, label)));
-  if (!Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Word);
+  if (At(at_, "/*")) return true;
+  if (*at_ == '<') {
+    return ReadsAsTag(at_, true, tag) && (tag.closes || !Inside(ScopeKind::Section));
+  }
+  return *at_ == '(' && ReadsAsLabel(at_, true, label) && label.plain && IsIdentifier(label.name);
 }
 
 // Tokens ---------------------------------------------------------------------------------------
@@ -413,7 +435,7 @@ bool TreeReader::ReadsAsTag(const char* at, bool amongValues, Tag& tag) const {
     tag.end = nameEnd + 1;
     return true;
   }
-  if (amongValues) return false;
+  if (amongValues && nameEnd != end_) return false;
   // A bracket that comes late, after attributes say, or never.
   const char* const far = nameEnd + std::min(kMostOfAName, end_ - nameEnd);
   const char* const late =

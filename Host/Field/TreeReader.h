@@ -64,6 +64,8 @@ class TreeReader {
   void TakeQuotedValue();
   void TakeComment(bool amongValues);
   void TakeStrayWord();
+  [[nodiscard]] const char* StrayTokenEnd(const char* at) const;
+  [[nodiscard]] bool EndsStrayWords() const;
 
   [[nodiscard]] bool ReadsAsTag(const char* at, bool amongValues, Tag& tag) const;
   [[nodiscard]] bool ReadsAsLabel(const char* at, bool amongValues, Label& label) const;

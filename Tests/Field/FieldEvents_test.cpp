@@ -22,7 +22,9 @@ TEST(ReadProject, aProjectAsItComes) {
    (Infade) 00.00.00.05/0000 CURVE -9,5 -4.5 _ I 7 00.00.01.00/0000
    (Gain) _ +5.00 (Gain) 4 -6,02
    (Rem) NAME
-     "Cut ")" "\x1b" R"(""
+     "Cut ")"
+                                   "\x1b"
+                                   R"(""
  (Entry) 0001 (Cut) I my take.wav 1 1 00.00.00.00 01.00.00.00 01.00.00.12 D
    (Outfade) _ LIN _ _ _ (Rem) NAME two words
 </EVENT_LIST>
