@@ -177,13 +177,16 @@ TEST(FindingsList, copiedTextHasTheRowsThatWereAskedFor) {
 }
 
 TEST(FindingsList, headlineNamesTheProject) {
-  EXPECT_EQ(FindingsList(Mixed()).Headline(), "Demo.adl: " + check::SummaryLine(*Mixed()));
+  EXPECT_EQ(FindingsList(Mixed()).Headline(),
+            "Demo.adl: " + check::SummaryLine(*Mixed()) + "; and 1 note");
   EXPECT_EQ(FindingsList(Checked({}, check::Verdict::Clean)).Headline(),
             "Demo.adl: nothing to find fault with");
   EXPECT_EQ(
       FindingsList(Checked({Of(Code::NamesUnused, check::Severity::Note)}, check::Verdict::Clean))
           .Headline(),
       "Demo.adl: 1 note, nothing is lost");
+  const auto lost = Checked({Of(Code::MediaMissing, check::Severity::Lost)});
+  EXPECT_EQ(FindingsList(lost).Headline(), "Demo.adl: " + check::SummaryLine(*lost));
   EXPECT_EQ(FindingsList().Headline(), "");
   EXPECT_EQ(FindingsList(nullptr).RowCount(), 0U);
 }

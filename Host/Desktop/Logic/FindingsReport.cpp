@@ -150,10 +150,11 @@ std::size_t FindingsList::RowOf(std::size_t number) const {
 std::string FindingsList::Headline() const {
   if (checked_ == nullptr) return {};
   const std::string name = FileNameOf(checked_->path);
+  const std::string notes = Counted(checked_->Count(check::Severity::Note), "note");
+  const bool hasNotes = checked_->Count(check::Severity::Note) > 0;
   const std::string summary = check::SummaryLine(*checked_);
-  if (!summary.empty()) return name + ": " + summary;
-  if (RowCount() == 0) return name + ": nothing to find fault with";
-  return name + ": " + Counted(RowCount(), "note") + ", nothing is lost";
+  if (!summary.empty()) return name + ": " + summary + (hasNotes ? "; and " + notes : "");
+  return name + ": " + (hasNotes ? notes + ", nothing is lost" : "nothing to find fault with");
 }
 
 std::string FindingsList::FullText(std::size_t row) const {
