@@ -101,7 +101,7 @@ Texts TextsWith(const std::optional<StatusItem>& findings, bool failed) {
 TEST(WithFindings, graveOnesComeFirstButForTheLoadThatFailed) {
   const StatusItem findings{Severity::Problem, "findings"};
   EXPECT_EQ(TextsWith(findings, true),
-            (Texts{"Demo.adl does not load", "findings", "first", "second"}));
+            (Texts{"Demo.adl does not load", "findings", FailureText(LoadFailure()), "second"}));
   EXPECT_EQ(TextsWith(findings, false), (Texts{"findings", "first", "second"}));
   EXPECT_EQ(TextsWith(StatusItem{Severity::Quiet, "checking"}, true),
             (Texts{"first", "second", "checking"}));

@@ -19,6 +19,7 @@ check::Finding Left(check::Severity severity, const std::string& text) {
   finding.line = 8;
   finding.source = 2;
   finding.text = text;
+  finding.effect = "Silence.";
   finding.remedy = "Add the folder.";
   return finding;
 }
@@ -109,10 +110,9 @@ Prepared Full() {
 TEST(DescribePrepared, whatIsLeftFirstThenChangesByKindThenFiles) {
   EXPECT_EQ(DescribePrepared(Full(), 100),
             "Left, in the lines of the new project (1)\n"
-            "  Line 8, source 2: x.wav is nowhere. Add the folder.\n"
-            "\n"
-            "Worth knowing (1)\n"
-            "  Line 8, source 2: Names go unused. Add the folder.\n"
+            "  Line 8, source 2: x.wav is nowhere.\n"
+            "    Silence.\n"
+            "    Add the folder.\n"
             "\n"
             "Changed: Fade lengths with another mark than ; or , before the frames (2)\n"
             "  Line 12, event 1: Mark written.\n"
@@ -122,7 +122,12 @@ TEST(DescribePrepared, whatIsLeftFirstThenChangesByKindThenFiles) {
             "  Line 20, event 3: Split.\n"
             "\n"
             "Audio files (1)\n"
-            "  a.wav: linked from /media/a.wav\n");
+            "  a.wav: linked from /media/a.wav\n"
+            "\n"
+            "Worth knowing, in the lines of the new project (1)\n"
+            "  Line 8, source 2: Names go unused.\n"
+            "    Silence.\n"
+            "    Add the folder.\n");
 }
 
 TEST(DescribePrepared, longGroupsAreCutAndSayByHowMany) {

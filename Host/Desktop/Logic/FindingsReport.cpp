@@ -93,10 +93,14 @@ std::optional<StatusItem> DescribeFindings(const check::CheckedProject& checked)
 std::vector<StatusItem> WithFindings(std::vector<StatusItem> items, const ProjectFacts& facts,
                                      const std::optional<StatusItem>& findings) {
   if (!findings) return items;
-  const bool grave = findings->severity == Severity::Problem;
-  items.insert(grave ? items.begin() : items.end(), *findings);
-  if (grave && facts.failure) {
-    items.insert(items.begin(), {Severity::Problem, FileNameOf(facts.path) + " does not load"});
+  if (findings->severity != Severity::Problem) {
+    items.push_back(*findings);
+  } else if (!facts.failure) {
+    items.insert(items.begin(), *findings);
+  } else {
+    items.front().text = FailureText(*facts.failure);
+    items.insert(items.begin(),
+                 {{Severity::Problem, FileNameOf(facts.path) + " does not load"}, *findings});
   }
   return items;
 }

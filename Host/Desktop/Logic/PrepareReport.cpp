@@ -26,23 +26,21 @@ void AddGroup(std::string& text, const std::string& heading, std::size_t count, 
   if (count > most) text += "  and " + std::to_string(count - most) + " more\n";
 }
 
-void AddLeft(const Prepared& prepared, std::size_t most, std::string& text) {
-  std::vector<const check::Finding*> grave;
-  std::vector<const check::Finding*> notes;
+void AddLeft(const Prepared& prepared, bool notes, const std::string& heading, std::size_t most,
+             std::string& text) {
+  std::vector<const check::Finding*> findings;
   for (const check::Finding& finding : prepared.left) {
-    (finding.severity == check::Severity::Note ? notes : grave).push_back(&finding);
+    if ((finding.severity == check::Severity::Note) == notes) findings.push_back(&finding);
   }
-  const auto addLines = [&](const std::string& heading, const auto& findings) {
-    AddGroup(text, heading, findings.size(), most, [&](std::size_t i) {
-      const check::Finding& finding = *findings[i];
-      std::string line =
-          PlaceText(finding.line, finding.entry, finding.source) + ": " + OneLine(finding.text);
-      if (!finding.remedy.empty()) line += " " + OneLine(finding.remedy);
-      return line;
-    });
-  };
-  addLines("Left, in the lines of the new project (" + std::to_string(grave.size()) + ")", grave);
-  addLines("Worth knowing (" + std::to_string(notes.size()) + ")", notes);
+  const std::string count = " (" + std::to_string(findings.size()) + ")";
+  AddGroup(text, heading + count, findings.size(), most, [&](std::size_t i) {
+    const check::Finding& finding = *findings[i];
+    std::string line = PlaceText(finding.line, finding.entry, finding.source);
+    line += ": " + OneLine(finding.text);
+    if (!finding.effect.empty()) line += "\n    " + OneLine(finding.effect);
+    if (!finding.remedy.empty()) line += "\n    " + OneLine(finding.remedy);
+    return line;
+  });
 }
 
 void AddChanges(const Prepared& prepared, std::size_t most, std::string& text) {
@@ -126,9 +124,10 @@ std::string OutcomeText(const Prepared& prepared) {
 
 std::string DescribePrepared(const Prepared& prepared, std::size_t mostOfAGroup) {
   std::string text;
-  AddLeft(prepared, mostOfAGroup, text);
+  AddLeft(prepared, false, "Left, in the lines of the new project", mostOfAGroup, text);
   AddChanges(prepared, mostOfAGroup, text);
   AddFiles(prepared, mostOfAGroup, text);
+  AddLeft(prepared, true, "Worth knowing, in the lines of the new project", mostOfAGroup, text);
   return text;
 }
 

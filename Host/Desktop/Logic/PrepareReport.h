@@ -19,8 +19,8 @@ namespace velmora::desktop {
 /// Whether there is a prepared project to load.
 [[nodiscard]] bool IsPrepared(const prepare::Prepared& prepared);
 
-/// What is left, what was changed and which files were made, in lines. Of each group at most
-/// `mostOfAGroup` lines, with the number of those that do not stand there.
+/// What is left, what was changed, which files were made and what is worth knowing. Of each group
+/// at most `mostOfAGroup` lines, with the number of those that do not stand there.
 [[nodiscard]] std::string DescribePrepared(const prepare::Prepared& prepared,
                                            std::size_t mostOfAGroup);
 

@@ -239,6 +239,7 @@ std::vector<std::size_t> RowsIn(NSIndexSet* set) {
     [[column headerCell] setAlignment:NSRightTextAlignment];
   }
   sortColumn = [[table tableColumns] objectAtIndex:0];
+  [[[table tableColumns] lastObject] setMinWidth:kLeastTextWidth];
   [table setColumnAutoresizingStyle:NSTableViewNoColumnAutoresizing];
   [self shareWidth];
   [content addSubview:tableScroll];
@@ -275,24 +276,24 @@ std::vector<std::size_t> RowsIn(NSIndexSet* set) {
 
 @implementation FindingsPanel (Showing)
 
-// The columns of texts share what the others leave, in the proportions that they have.
+// The columns of texts share what the others leave, in the proportions of their usual widths.
 - (void)shareWidth {
   NSTableView* table = TableIn(tableScroll);
-  const CGFloat room = [tableScroll contentSize].width;
+  CGFloat room = [tableScroll contentSize].width;
   CGFloat texts = 0;
-  CGFloat others = 0;
   for (const Column& column : kColumns) {
-    const CGFloat width = [[table tableColumnWithIdentifier:column.identifier] width] +
-                          [table intercellSpacing].width;
-    (IsText(column.column) ? texts : others) += width;
+    if (IsText(column.column)) {
+      texts += column.width;
+    } else {
+      room -= [[table tableColumnWithIdentifier:column.identifier] width];
+    }
   }
   for (const Column& column : kColumns) {
     if (!IsText(column.column)) continue;
-    NSTableColumn* tableColumn = [table tableColumnWithIdentifier:column.identifier];
-    const CGFloat share = ([tableColumn width] + [table intercellSpacing].width) / texts;
-    [tableColumn setWidth:std::max(kLeastTextWidth, std::floor((room - others) * share) -
-                                                        [table intercellSpacing].width)];
+    const CGFloat width = std::floor(room * column.width / texts) - [table intercellSpacing].width;
+    [[table tableColumnWithIdentifier:column.identifier] setWidth:std::max(kLeastTextWidth, width)];
   }
+  [table sizeLastColumnToFit];  // what rounding and spacing have left
 }
 
 - (void)sort {
