@@ -49,10 +49,7 @@ bool SameSamples(AES31BWF& system, const SoundFile& sound, std::int64_t first, s
 bool SameAudio(AES31BWF& system, const AudioFacts& facts, const SoundFile& sound) {
   const std::int64_t count =
       std::min(facts.frames, std::max<std::int64_t>(kComparedSamples / facts.channels, 1));
-  // One reading instance for each stretch: its reads in order are its best.
-  AES31BWF end(system.GetPath());
-  return SameSamples(system, sound, 0, count) &&
-         SameSamples(end, sound, facts.frames - count, count);
+  return SameSamples(system, sound, 0, count) && SameSamples(system, sound, facts.frames - 1, 1);
 }
 
 bool SameFormat(AES31BWF& system, const AudioFacts& facts) {
