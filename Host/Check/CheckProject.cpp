@@ -175,6 +175,7 @@ CheckedProject OutOfMemory(const std::string& path) {
 }
 
 std::string SummaryLine(const CheckedProject& checked) {
+  if (checked.verdict == Verdict::Unreadable) return "this is no ADL that can be read";
   struct Phrase {
     Severity severity;
     const char* one;

@@ -60,7 +60,7 @@ struct CheckedProject {
 [[nodiscard]] CheckedProject OutOfMemory(const std::string& path);
 
 /// What a check says in one line: "3 findings: 2 lose something, 1 fails", for programs that only
-/// point to it. Empty if nothing fails, is misplaced or lost.
+/// point to it, or that it is no ADL. Empty if nothing fails, is misplaced or lost.
 [[nodiscard]] std::string SummaryLine(const CheckedProject& checked);
 
 }  // namespace velmora::check

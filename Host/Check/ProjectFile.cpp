@@ -57,10 +57,10 @@ ProjectFile ReadProjectFile(const std::string& path) {
   const std::int64_t size = FileSize(stream.get());
   if (size < 0) {
     file.trouble = "the size of the file cannot be told";
-  } else if (size > kReadAtOnce && !CanBeAdl(stream.get(), size)) {
-    file.trouble = "neither <ADL> nor an EVENT_LIST stands in this file";
   } else if (size > kLargest) {
     file.trouble = "the file is larger than any ADL: " + std::to_string(size) + " bytes";
+  } else if (size > kReadAtOnce && !CanBeAdl(stream.get(), size)) {
+    file.trouble = "neither <ADL> nor an EVENT_LIST stands in this file";
   } else {
     file.bytes.resize(static_cast<std::size_t>(size));
     if (std::fread(file.bytes.data(), 1, file.bytes.size(), stream.get()) != file.bytes.size()) {

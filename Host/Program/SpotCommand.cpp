@@ -9,6 +9,7 @@
 #include "Model/Tables.h"
 #include "Program/CopyFolder.h"
 #include "Program/ExitStatus.h"
+#include "Program/FindingsHint.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
 #include "Program/SpotNotes.h"
@@ -124,6 +125,15 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
   return whole ? kAllDone : kLeftOut;
 }
 
+/// The last line of all, where it is read, and not between the system's own alerts.
+int WithHint(const SpotArguments& arguments, const ViewModel& model, int status) {
+  check::CheckOptions options;
+  options.sessionRate = arguments.sessionRate;
+  options.sessionFrameRate = arguments.sessionFrameRate;
+  if (status != kInterrupted) HintAtFindings(arguments.project, model.loadFailure, options);
+  return status;
+}
+
 }  // namespace
 
 int RunSpotCommand(const SpotArguments& arguments) {
@@ -139,13 +149,13 @@ int RunSpotCommand(const SpotArguments& arguments) {
   ViewModel model;
   if (!model.LoadFile(arguments.project)) {
     ComplainAboutLoad(arguments.project, model);
-    return kDoesNotLoad;
+    return WithHint(arguments, model, kDoesNotLoad);
   }
   if (!model.HasCuts()) {
     std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
-    return kLeftOut;
+    return WithHint(arguments, model, kLeftOut);
   }
-  return SpotModel(arguments, model, claimed.target.get());
+  return WithHint(arguments, model, SpotModel(arguments, model, claimed.target.get()));
 }
 
 }  // namespace velmora::program
