@@ -54,48 +54,58 @@ Value Join(Values values, std::size_t first, std::size_t last) {
   return {std::string_view(begin, static_cast<std::size_t>(EndOf(values[end]) - begin)), false};
 }
 
-/// A name of several words stands on one line; words of other lines are none of it.
-bool StandOnOneLine(Values values, std::size_t first, std::size_t last) {
-  for (std::size_t i = first; i < last; ++i) {
-    if (!StandTogether(values[i], values[i + 1])) return false;
-  }
-  return true;
-}
-
 /// Where the three times of a cut begin: at the fifth value, unless they evidently stand elsewhere.
 std::size_t TimesOfCut(Values values) {
   constexpr std::size_t kUsual = 4;
-  if (IsTimeOrNone(values, kUsual) && IsTimeOrNone(values, kUsual + 1) &&
-      IsTimeOrNone(values, kUsual + 2)) {
-    return kUsual;
-  }
+  const auto fits = [values](std::size_t i) {
+    return IsTime(values, i) && IsTime(values, i + 1) && IsTime(values, i + 2);
+  };
+  if (fits(kUsual)) return kUsual;
   for (std::size_t i = 1; i + 2 < values.size(); ++i) {
-    const bool times = IsTime(values, i) && IsTime(values, i + 1) && IsTime(values, i + 2);
-    if (times && (i < kUsual || StandOnOneLine(values, 1, i - 3))) return i;
+    if (fits(i)) return i;
   }
   return kUsual;
 }
 
+/// A name ends with a short extension: where a location of several words ends.
+bool EndsLikeAFile(std::string_view text) {
+  constexpr std::size_t kLongest = 5;
+  const std::size_t dot = text.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return false;
+  const std::string_view extension = text.substr(dot + 1);
+  return !extension.empty() && extension.size() <= kLongest &&
+         std::all_of(extension.begin(), extension.end(), [](char c) {
+           return (LowerCase(c) >= 'a' && LowerCase(c) <= 'z') || (c >= '0' && c <= '9');
+         });
+}
+
 /// Where start and length of a source stand: at the third value, unless a location of several words
-/// moves them.
+/// moves them. Two times tell it, then a file name's end, then one time, then the run of `_`.
 std::size_t TimesOfSource(Values values) {
   constexpr std::size_t kUsual = 2;
   if (values.empty() || values[0].quoted) return kUsual;
   if (IsTime(values, 1)) return 1;
+  std::size_t words = 1;  // of the first value's line
+  while (words < values.size() && StandTogether(values[words - 1], values[words])) ++words;
+
+  const auto times = [values](std::size_t i) { return IsTime(values, i) + IsTime(values, i + 1); };
   const auto fits = [values](std::size_t i) {
-    return IsTimeOrNone(values, i) && IsTimeOrNone(values, i + 1) &&
-           (IsTime(values, i) || IsTime(values, i + 1));
+    return IsTimeOrNone(values, i) && IsTimeOrNone(values, i + 1);
   };
-  if (fits(kUsual)) return kUsual;
-  for (std::size_t i = kUsual; i + 1 < values.size(); ++i) {
-    if (fits(i) && StandOnOneLine(values, 0, i - 2)) return i;
+  for (std::size_t i = kUsual; i < words + 2; ++i) {
+    if (times(i) == 2) return i;
   }
-  // Nothing is given: reference, start and length are the first run of `_`, or its last two.
-  for (std::size_t i = 1; i + 1 < values.size(); ++i) {
-    if (values[i].IsGiven() || values[i + 1].IsGiven()) continue;
-    const bool three = i + 2 < values.size() && !values[i + 2].IsGiven();
-    const std::size_t start = three ? i + 1 : std::max(i, kUsual);
-    return StandOnOneLine(values, 0, start - 2) ? start : kUsual;
+  for (std::size_t i = 0; i < words; ++i) {
+    if (EndsLikeAFile(values[i].text)) return fits(i + 2) ? i + 2 : kUsual;
+  }
+  for (std::size_t i = kUsual; i < words + 2; ++i) {
+    if (fits(i) && times(i) == 1) return i;
+  }
+  // Reference, start and length are the first run of `_`, or its last two.
+  for (std::size_t i = 1; i < words; ++i) {
+    if (values[i].IsGiven()) continue;
+    if (fits(i + 1)) return i + 1;
+    return fits(i) ? std::max(i, kUsual) : kUsual;
   }
   return kUsual;
 }

@@ -37,6 +37,13 @@ char ReadStatus(const Value& value) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+/// Writers without a rendered file fill its places with `_` and 0.
+bool NamesRenderedFile(const FadeTexts& fade) {
+  if (!fade.renderedIndex.IsGiven()) return false;
+  return fade.renderedType.IsGiven() || fade.renderedIn.IsGiven() ||
+         ReadNumber(fade.renderedIndex.text) != 0;
+}
+
 enum class LineKind { Entry, Cut, Silence, Aux, Vid, Infade, Outfade, Gain, Rem, Other };
 
 struct LineForm {
@@ -210,10 +217,12 @@ class EventReader {
     for (std::size_t i = 0; i < fade.levelsDb.size(); ++i) {
       if (texts.levels[i].IsGiven()) fade.levelsDb[i] = ReadDecibels(texts.levels[i].text);
     }
-    if (texts.renderedIndex.IsGiven()) {
-      fade.rendered = Rendered{
-          reader_.ReadText(texts.renderedType) + " " + reader_.ReadText(texts.renderedIndex),
-          reader_.ReadSamples(texts.renderedIn, TimeRole::Fade)};
+    if (NamesRenderedFile(texts)) {
+      std::string source = reader_.ReadText(texts.renderedType);
+      if (!source.empty()) source += ' ';
+      source += reader_.ReadText(texts.renderedIndex);
+      fade.rendered =
+          Rendered{std::move(source), reader_.ReadSamples(texts.renderedIn, TimeRole::Fade)};
     }
     return fade;
   }
