@@ -274,7 +274,7 @@ void TreeReader::TakeEntry(const Label& label) {
   if (at_ == end_) tree_.cutEntry = static_cast<EntryPlace>(tree_.entries.size() - 1);
 }
 
-/// One separator, then N - 1 bytes of any kind.
+/// One separator, then N - 1 bytes of any kind, then a byte that ends them, blank or not.
 void TreeReader::TakeCountedValue(const Label& label) {
   const auto room = static_cast<std::size_t>(end_ - at_);
   if (label.count > room) cutInside_ = tree_.cutInsideValue = true;
@@ -282,6 +282,12 @@ void TreeReader::TakeCountedValue(const Label& label) {
   const char* const value = at_ + std::min<std::size_t>(1, room);
   tree_.values.push_back({View(value, std::max(value, at_ + count)), false});
   at_ += count;
+  if (at_ == end_) return;
+  if (*at_ == '(' || *at_ == '<') {  // which the system loses
+    AddStray(at_, StrayEnd(at_), StrayKind::Bracket);
+  } else {
+    ++at_;
+  }
 }
 
 void TreeReader::TakeValues() {

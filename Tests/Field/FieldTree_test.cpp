@@ -164,7 +164,11 @@ TEST(ReadTree, countedLabels) {
   Expect({
       {"the separator counts", "<ADL> <A> (x)6 a (b) (y) 1 </A> </ADL>", "A{x#a (b) y=1}", ""},
       {"a line feed separates too", "<ADL> <A> (x)4\n</A (y) 1 </A> </ADL>", "A{x#</A y=1}", ""},
-      {"1 is an empty value", "<ADL> <A> (x)1 (y) 1 </A> </ADL>", "A{x# y=1}", ""},
+      {"1 is an empty value", "<ADL> <A> (x)1  (y) 1 </A> </ADL>", "A{x# y=1}", ""},
+      {"a label in the place of the byte after it", "<ADL> <A> (x)1 (y) 1 </A> </ADL>", "A{x# y=1}",
+       "bracket (y)"},
+      {"the byte after it is passed over", "<ADL> <A> (x)3 ab7 (y) 1 </A> </ADL>", "A{x#ab y=1}",
+       ""},
       {"0 too", "<ADL> <A> (x)0 (y) 1 </A> </ADL>", "A{x# y=1}", ""},
       {"more than there is", "<ADL> <A> (x)99 a b", "A{x#a b...}", ""},
       {"more than any number", "<ADL> <A> (x)99999999999999999999 a b", "A{x#a b...}", ""},
