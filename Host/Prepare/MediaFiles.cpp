@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <system_error>
+#include <utility>
 
 #include "Media/Conversion.h"
 
@@ -24,10 +26,10 @@ constexpr std::int64_t kBytesOfAName = 4096;
 
 std::int64_t WorkOf(const PlannedFile& file) {
   if (file.how == HowMade::Linked) return kBytesOfAName;
+  if (file.how != HowMade::Copied) return kBytesOfAName + file.bytes;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(file.from, error);
-  const std::int64_t copied = error ? 0 : static_cast<std::int64_t>(size);
-  return kBytesOfAName + (file.how == HowMade::Copied ? copied : std::max(copied, file.bytes));
+  return kBytesOfAName + (error ? 0 : static_cast<std::int64_t>(size));
 }
 
 /// The link's target is absolute and itself no link: the prepared folder can be moved, and a
@@ -39,51 +41,99 @@ MediaOutcome Link(const PlannedFile& file, const std::string& to) {
   return outcome;
 }
 
-MediaOutcome Make(const PlannedFile& file, const std::string& to,
-                  const media::ConversionProgress& progress) {
-  if (file.how == HowMade::Linked) return Link(file, to);
-  media::ConversionResult result;
-  if (file.how == HowMade::Copied) {
-    result = media::CopyWhole(file.from, to, progress);
-  } else {
+MediaOutcome OutcomeOf(const media::ConversionResult& result) {
+  return {result.done, result.cancelled, result.trouble, result.peak, result.clipped};
+}
+
+/// True if both are made from the same part of one file in the same way.
+bool ArePartners(const PlannedFile& a, const PlannedFile& b) {
+  return a.channel && b.channel && a.from == b.from && a.firstFrame == b.firstFrame &&
+         a.frameCount == b.frameCount && a.sampleRate == b.sampleRate;
+}
+
+/// Makes files one after the other, and tells how far the work as a whole is.
+class FileMaker {
+ public:
+  FileMaker(const std::vector<PlannedFile>& files, const std::string& folder,
+            const PrepareProgress& progress)
+      : files_(files), folder_(folder), progress_(progress), outcomes_(files.size()) {
+    for (const PlannedFile& file : files) allWork_ += WorkOf(file);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      if (files[i].channel) splits_[files[i].from].push_back(i);
+    }
+  }
+
+  std::vector<MediaOutcome> Run() {
+    for (std::size_t i = 0; i < files_.size(); ++i) {
+      if (outcomes_[i].done) continue;  // with a partner
+      const std::vector<std::size_t> group = GroupOf(i);
+      std::int64_t work = 0;
+      for (const std::size_t file : group) work += WorkOf(files_[file]);
+      outcomes_[i] = Make(group, work);
+      if (!outcomes_[i].done) break;
+      // What was counted in them together is told once.
+      for (const std::size_t file : group) outcomes_[file].done = true;
+      workDone_ += work;
+    }
+    return std::move(outcomes_);
+  }
+
+ private:
+  /// The file and those that are made with it.
+  std::vector<std::size_t> GroupOf(std::size_t file) const {
+    std::vector<std::size_t> group = {file};
+    if (!files_[file].channel) return group;
+    for (const std::size_t other : splits_.at(files_[file].from)) {
+      if (other > file && ArePartners(files_[file], files_[other])) group.push_back(other);
+    }
+    return group;
+  }
+
+  MediaOutcome Make(const std::vector<std::size_t>& group, std::int64_t work) {
+    const PlannedFile& file = files_[group.front()];
+    const auto tell = [&](std::int64_t bytesDone) {
+      if (!progress_) return true;
+      const std::int64_t done = workDone_ + std::clamp<std::int64_t>(bytesDone, 0, work);
+      return progress_(static_cast<double>(done) / static_cast<double>(allWork_), file.name);
+    };
+    if (!tell(0)) {
+      MediaOutcome cancelled;
+      cancelled.cancelled = true;
+      return cancelled;
+    }
+    if (file.how == HowMade::Linked) return Link(file, PathOf(file));
+    if (file.how == HowMade::Copied) {
+      return OutcomeOf(media::CopyWhole(file.from, PathOf(file), tell));
+    }
     media::ConversionJob job;
     job.from = file.from;
-    job.to = to;
-    job.channel = file.channel;
     job.firstFrame = file.firstFrame;
     job.frameCount = file.frameCount;
     job.sampleRate = file.sampleRate;
-    result = media::Convert(job, progress);
+    std::vector<media::ConversionTarget> targets;
+    for (const std::size_t member : group) {
+      targets.push_back({PathOf(files_[member]), files_[member].channel});
+    }
+    return OutcomeOf(media::ConvertInto(targets, job, tell));
   }
-  return {result.done, result.cancelled, result.trouble, result.peak, result.clipped};
-}
+
+  std::string PathOf(const PlannedFile& file) const { return folder_ + '/' + file.name; }
+
+  const std::vector<PlannedFile>& files_;
+  const std::string& folder_;
+  const PrepareProgress& progress_;
+  std::vector<MediaOutcome> outcomes_;
+  std::map<std::string, std::vector<std::size_t>> splits_;  ///< by original: its channels' files
+  std::int64_t allWork_ = 0;
+  std::int64_t workDone_ = 0;
+};
 
 }  // namespace
 
 std::vector<MediaOutcome> MakeMediaFiles(const std::vector<PlannedFile>& files,
                                          const std::string& folder,
                                          const PrepareProgress& progress) {
-  std::int64_t allWork = 0;
-  for (const PlannedFile& file : files) allWork += WorkOf(file);
-  std::int64_t workDone = 0;
-  std::vector<MediaOutcome> outcomes;
-  for (const PlannedFile& file : files) {
-    const std::int64_t work = WorkOf(file);
-    const auto tell = [&](std::int64_t bytesDone) {
-      if (!progress) return true;
-      const std::int64_t done = workDone + std::clamp<std::int64_t>(bytesDone, 0, work);
-      return progress(static_cast<double>(done) / static_cast<double>(allWork), file.name);
-    };
-    if (!tell(0)) {
-      outcomes.push_back({});
-      outcomes.back().cancelled = true;
-      return outcomes;
-    }
-    outcomes.push_back(Make(file, folder + '/' + file.name, tell));
-    if (!outcomes.back().done) return outcomes;
-    workDone += work;
-  }
-  return outcomes;
+  return FileMaker(files, folder, progress).Run();
 }
 
 }  // namespace velmora::prepare

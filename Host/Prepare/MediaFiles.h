@@ -16,10 +16,12 @@ struct MediaOutcome {
   std::int64_t clipped = 0;
 };
 
-/// Makes the planned files in a folder that is there. Stops at the first that fails.
+/// Makes the planned files in a folder that is there, the channels of one file in one pass. Stops
+/// at the first that fails.
 /// @param folder   absolute: the staged Audio/
 /// @param progress share from 0 to 1 of this work; false cancels; may be empty
-/// @return one outcome for each file, in their order; the last one tells if it was the end
+/// @return one outcome for each file, in their order. If the work came to an early end, the one
+/// that was cancelled or failed says why; those after it have no trouble.
 [[nodiscard]] std::vector<MediaOutcome> MakeMediaFiles(const std::vector<PlannedFile>& files,
                                                        const std::string& folder,
                                                        const PrepareProgress& progress);

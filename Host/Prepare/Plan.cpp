@@ -1,6 +1,7 @@
 #include "Prepare/Plan.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <map>
@@ -9,6 +10,7 @@
 #include <utility>
 
 #include "Base/FileNames.h"
+#include "Media/Conversion.h"
 #include "Prepare/ChangeWords.h"
 #include "Prepare/LostWords.h"
 #include "Prepare/MediaNames.h"
@@ -157,7 +159,8 @@ class Planner {
     file.frames = FramesAtProjectRate(checked_, source);
     if (used && readable && !asItIs && LimitToRange(file, source, channel, key, resampled)) {
       if (channel != kAllChannels) file.channel = channel - 1;
-      if (resampled) file.sampleRate = static_cast<std::int32_t>(project_.rates.sampleRate);
+      if (resampled)
+        file.sampleRate = static_cast<std::int32_t>(std::lround(project_.rates.sampleRate));
       file.how =
           resampled ? HowMade::Resampled : (file.channel ? HowMade::Split : HowMade::Converted);
       const std::string suffix = file.channel ? "_ch" + std::to_string(channel) : "";
@@ -172,22 +175,26 @@ class Planner {
   /// is too long.
   bool LimitToRange(PlannedFile& file, std::size_t source, std::int32_t channel,
                     const FileAndChannel& key, bool resampled) const {
-    const media::AudioFacts& facts = *checked_.media[source].facts;
+    const check::SourceMedia& media = checked_.media[source];
+    const media::AudioFacts& facts = *media.facts;
     const double projectRate = project_.rates.sampleRate;
-    const double growth = resampled ? projectRate / facts.sampleRate : 1;
-    const std::int64_t frameBytes =
-        WrittenSampleBytes(facts) * (channel == kAllChannels ? facts.channels : 1);
+    media::ConversionJob job;
+    job.from = media.located.path;
+    if (channel != kAllChannels) job.channel = channel - 1;
+    if (resampled) job.sampleRate = static_cast<std::int32_t>(std::lround(projectRate));
+    const std::int64_t bytes = media::AudioBytesOf(job).value_or(0);
+    file.bytes = bytes;
+    if (bytes <= kMostAudioBytes) return true;
     const auto mostFrames = static_cast<std::int64_t>(
-        static_cast<double>(kMostAudioBytes / std::max<std::int64_t>(frameBytes, 1)) / growth);
-    file.bytes = facts.frames * frameBytes;
-    if (facts.frames <= mostFrames) return true;
+        static_cast<double>(facts.frames) *
+        (static_cast<double>(kMostAudioBytes) / static_cast<double>(bytes)));
 
     const UsedRange& used = usedRanges_.at(key);
     std::int64_t first = used.first;
     std::int64_t end = used.end;
     if (HasOtherRate(checked_, source)) {
       // Both rates have a sample here, so that the new file begins on one of the project's.
-      const auto whole = static_cast<std::int64_t>(projectRate);
+      const auto whole = static_cast<std::int64_t>(std::lround(projectRate));
       const std::int64_t step = whole / std::gcd(whole, std::int64_t{facts.sampleRate});
       first = field::AtRate(first / step * step, projectRate, facts.sampleRate);
       end = std::min(field::AtRate(end, projectRate, facts.sampleRate) + 1, facts.frames);
@@ -196,15 +203,8 @@ class Planner {
     file.firstFrame = first;
     file.frameCount = end - first;
     file.frames = used.end - used.first;
-    file.bytes = *file.frameCount * frameBytes;
+    file.bytes = bytes / std::max<std::int64_t>(1, facts.frames / *file.frameCount);
     return true;
-  }
-
-  static std::int64_t WrittenSampleBytes(const media::AudioFacts& facts) {
-    constexpr std::int64_t kBytesOfFloat = 3;
-    constexpr std::int64_t kFewestBytes = 2;
-    if (facts.kind == media::FileKind::Float) return kBytesOfFloat;
-    return std::max(kFewestBytes, (std::int64_t{facts.bitsPerSample} + 7) / 8);
   }
 
   std::int32_t FreeIndex() {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Base/Text.h"
+#include "Field/EntryTexts.h"
 #include "Prepare/AdlText.h"
 
 namespace velmora::prepare {
@@ -80,6 +81,7 @@ class ProjectWriter {
     bool sourcesWritten = false;
     for (std::size_t i = 0; i < tree_.sections.size(); ++i) {
       const field::Section& section = tree_.sections[i];
+      if (section.name.empty()) continue;  // labels outside of every section: nothing reads them
       EnterOrLeaveReferenceList(section);
       if (!section.inReferenceList && Is(section.name, kSourceIndex)) {
         if (!std::exchange(sourcesWritten, true)) WriteSources(i);
@@ -191,8 +193,8 @@ class ProjectWriter {
       const std::span<const field::Value> values = tree_.ValuesOf(entry);
       if (entry.counted && !values.empty()) {
         text_.CountedLine(entry.label, project_.TextOf(values.front()));
-      } else if (!section.inReferenceList && IsHeader(section)) {
-        text_.Line(entry.label, HeaderValues(entry));
+      } else if (!section.inReferenceList && IsConstants(section)) {
+        text_.Line(entry.label, ConstantValues(entry, IsHeader(section)));
       } else {
         text_.Line(entry.label, ValuesOf(entry));
       }
@@ -202,6 +204,11 @@ class ProjectWriter {
 
   std::string Text(const field::Value& value) const {
     return AdlText::Value(project_.TextOf(value), value.quoted);
+  }
+
+  /// The same, or the sign for "not given".
+  std::string TextOr(const field::Value& value) const {
+    return value.IsThere() ? Text(value) : "_";
   }
 
   Values ValuesOf(const field::Entry& entry) const {
@@ -221,23 +228,18 @@ class ProjectWriter {
     return values;
   }
 
-  Values HeaderValues(const field::Entry& entry) const {
-    Values values = StampedValuesOf(entry, 0);
-    if (values.empty()) return values;
-    if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) {
-      values.front() = SampleRateText();
-    }
-    if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate())
-      values.front() = FrameRateText();
-    // The length of a fade, in the form that fade lengths have.
-    if (Is(entry.label, "SYS_XFADE_LEN")) values.front() = FadeLengthOf(entry);
-    return values;
-  }
-
-  std::string FadeLengthOf(const field::Entry& entry) const {
-    const field::Value& value = tree_.ValuesOf(entry).front();
-    const std::optional<std::int64_t> time = TimeOf(value);
-    return time ? FadeLength(*time).value_or("_") : Text(value);
+  /// The value of a constant. A text of several words without quotation marks gets them: the system
+  /// takes the first value alone.
+  Values ConstantValues(const field::Entry& entry, bool hasTimes) const {
+    const field::Value text = ReadLineText(tree_, entry, 0);
+    if (!text.IsThere()) return {};
+    if (!hasTimes) return {Text(text)};
+    if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
+    if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
+    const std::optional<std::int64_t> time = TimeOf(text);
+    if (!time) return {Text(text)};
+    const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
+    return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
   }
 
   // The rates in the header stay as they are spelled if they are those of the timestamps.
@@ -279,19 +281,22 @@ class ProjectWriter {
 
   // Sources.
 
-  /// The entries after one up to the next of the same label, within its section.
-  std::span<const field::Entry> GroupOf(field::EntryPlace place) const {
-    const auto section = std::find_if(tree_.sections.begin(), tree_.sections.end(),
-                                      [place](const field::Section& candidate) {
-                                        return place >= candidate.firstEntry &&
-                                               place < candidate.firstEntry + candidate.entryCount;
-                                      });
-    if (section == tree_.sections.end()) return {};
-    const field::EntryPlace end = section->firstEntry + section->entryCount;
-    const std::string label(tree_.entries[place].label);
-    field::EntryPlace next = place + 1;
-    while (next < end && !Is(tree_.entries[next].label, label.c_str())) ++next;
-    return std::span(tree_.entries).subspan(place + 1, next - place - 1);
+  std::span<const field::Entry> Entries(field::EntryPlace first, field::EntryPlace end) const {
+    return std::span(tree_.entries).subspan(first, end > first ? end - first : 0);
+  }
+
+  /// The entries of a source: those up to the next (Index), within its section.
+  std::span<const field::Entry> EntriesOf(const field::Source& source) const {
+    const auto after = std::upper_bound(tree_.sections.begin(), tree_.sections.end(), source.place,
+                                        [](field::EntryPlace place, const field::Section& section) {
+                                          return place < section.firstEntry;
+                                        });
+    if (after == tree_.sections.begin()) return {};
+    const field::Section& section = *std::prev(after);
+    const field::EntryPlace end = section.firstEntry + section.entryCount;
+    field::EntryPlace next = source.place + 1;
+    while (next < end && !Is(tree_.entries[next].label, "Index")) ++next;
+    return Entries(source.place, next);
   }
 
   void WriteSources(std::size_t section) {
@@ -299,8 +304,8 @@ class ProjectWriter {
     for (const PlannedSource& source : plan_.sources) {
       text_.Line("Index", {Number(source.index)});
       WriteFileLine(source);
-      for (const field::Entry& entry : GroupOf(project_.sources[source.origin].place)) {
-        if (Is(entry.label, "F")) continue;
+      for (const field::Entry& entry : EntriesOf(project_.sources[source.origin])) {
+        if (Is(entry.label, "F") || Is(entry.label, "Index")) continue;
         const bool timecode = Is(entry.label, "T");
         text_.Line(entry.label, StampedValuesOf(entry, timecode ? kFewestTimecodeValues : 0));
       }
@@ -310,16 +315,12 @@ class ProjectWriter {
 
   void WriteFileLine(const PlannedSource& source) {
     const field::Source& origin = project_.sources[source.origin];
-    Values values;
-    if (origin.fPlace) {
-      for (const field::Value& value : tree_.ValuesOf(tree_.entries[*origin.fPlace])) {
-        values.push_back(Text(value));
-      }
-    }
-    while (values.size() < kFewestFileValues) values.emplace_back("_");
-    values[0] = AdlText::Quoted(LocationOf(source));
-    values[2] = Stamp(source.fileStart);
-    values[3] = LengthOf(source);
+    field::SourceTexts texts;
+    if (origin.fPlace) texts = ReadSourceTexts(tree_, tree_.entries[*origin.fPlace]);
+    Values values = {AdlText::Quoted(LocationOf(source)), TextOr(texts.reference),
+                     Stamp(source.fileStart), LengthOf(source)};
+    if (texts.name.IsThere()) values.push_back(Text(texts.name));
+    if (texts.last.IsThere()) values.push_back(Text(texts.last));
     text_.Line("F", values);
   }
 
@@ -343,7 +344,8 @@ class ProjectWriter {
       text_.Line("Entry", {Number(event.number)});
       const field::Event& origin = project_.events[event.origin];
       if (event.cut) WriteCut(*event.cut, origin);
-      for (const field::Entry& entry : GroupOf(origin.place)) {
+      for (const field::Entry& entry : Entries(origin.place, origin.endPlace)) {
+        if (Is(entry.label, "Entry")) continue;
         WriteEventLine(entry, event.cut ? &*event.cut : nullptr);
       }
     }
@@ -371,8 +373,16 @@ class ProjectWriter {
   void WriteFade(const char* label, const field::Fade& fade, std::optional<std::int64_t> length) {
     const std::optional<std::string> stamp = length ? FadeLength(*length) : std::nullopt;
     if (!stamp) return;
-    Values values = StampedValuesOf(tree_.entries[fade.place], kFewestFadeValues);
-    values[0] = *stamp;
+    const field::FadeTexts texts = ReadFadeTexts(tree_, tree_.entries[fade.place]);
+    Values values = {*stamp, TextOr(texts.shape)};
+    for (const field::Value& level : texts.levels) values.push_back(TextOr(level));
+    if (texts.renderedType.IsThere()) {
+      values.push_back(Text(texts.renderedType));
+      values.push_back(TextOr(texts.renderedIndex));
+      const std::optional<std::int64_t> in =
+          texts.renderedIn.IsThere() ? TimeOf(texts.renderedIn) : std::nullopt;
+      values.push_back(in ? Stamp(*in) : TextOr(texts.renderedIn));
+    }
     text_.Line(label, values);
   }
 
@@ -393,7 +403,9 @@ class ProjectWriter {
       return;
     }
     if (Is(entry.label, "Rem")) {
-      text_.Line(entry.label, ValuesOf(entry));
+      const field::Value name = ReadNameText(tree_, entry);
+      const Values named = {"NAME", name.IsThere() ? AdlText::Quoted(project_.TextOf(name)) : ""};
+      text_.Line(entry.label, name.IsThere() ? named : ValuesOf(entry));
       return;
     }
     text_.Line(entry.label, StampedValuesOf(entry, FewestValues(entry)));

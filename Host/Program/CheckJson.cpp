@@ -23,20 +23,6 @@ void WriteCounts(JsonStream& json, const CheckedProject& checked) {
   json.EndObject();
 }
 
-void WriteFinding(JsonStream& json, const Finding& finding) {
-  json.BeginObject();
-  json.Key("code").Text(RowOf(finding.code).name);
-  json.Key("severity").Text(NameOf(finding.severity));
-  json.Key("line").Integer(finding.line);
-  json.Key("column").Integer(finding.column);
-  json.Key("entry").IntegerOrNull(finding.entry);
-  json.Key("source").IntegerOrNull(finding.source);
-  json.Key("text").Text(finding.text);
-  json.Key("effect").Text(finding.effect);
-  json.Key("remedy").Text(finding.remedy);
-  json.EndObject();
-}
-
 void WriteFile(JsonStream& json, const check::SourceMedia& media) {
   if (media.located.result != media::SearchResult::Found) {
     json.Null();
@@ -195,6 +181,20 @@ void WriteMeant(JsonStream& json, const CheckedProject& checked) {
 
 }  // namespace
 
+void WriteFindingJson(JsonStream& json, const Finding& finding) {
+  json.BeginObject();
+  json.Key("code").Text(RowOf(finding.code).name);
+  json.Key("severity").Text(NameOf(finding.severity));
+  json.Key("line").Integer(finding.line);
+  json.Key("column").Integer(finding.column);
+  json.Key("entry").IntegerOrNull(finding.entry);
+  json.Key("source").IntegerOrNull(finding.source);
+  json.Key("text").Text(finding.text);
+  json.Key("effect").Text(finding.effect);
+  json.Key("remedy").Text(finding.remedy);
+  json.EndObject();
+}
+
 void WriteCheckJson(const CheckedProject& checked, std::ostream& out) {
   JsonStream json(out);
   json.BeginObject();
@@ -203,7 +203,7 @@ void WriteCheckJson(const CheckedProject& checked, std::ostream& out) {
   WriteCounts(json, checked);
   json.Key("encoding").TextOrNull(checked.project != nullptr ? checked.project->encoding : "");
   json.Key("findings").BeginArray();
-  for (const Finding& finding : checked.findings) WriteFinding(json, finding);
+  for (const Finding& finding : checked.findings) WriteFindingJson(json, finding);
   json.EndArray();
   json.Key("meant");
   WriteMeant(json, checked);
