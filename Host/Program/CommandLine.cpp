@@ -1,6 +1,8 @@
 #include "Program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -183,7 +185,6 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
 
   arguments.prepare = spot.count("--prepare") > 0;
   if (arguments.prepare && raw.prepare != kNoFolder) {
-    if (raw.prepare.empty()) return "--prepare: the name of the folder is empty";
     arguments.prepareInto = AbsolutePath(raw.prepare);
   }
   arguments.truePosition = arguments.truePosition || arguments.prepare;
@@ -304,6 +305,10 @@ Command ReadCommandLine(int argc, const char* const* argv) {
     return prepareArguments;
   }
   if (check->parsed()) return FinishCheck(std::move(checkArguments), rawCheck, *check);
+  // The library takes an empty value for none.
+  if (std::find(argv, argv + argc, std::string_view("--prepare=")) != argv + argc) {
+    return BadUsage("--prepare: the name of the folder is empty", "spot");
+  }
   spotArguments.project = AbsolutePath(spotArguments.project);
   const std::string complaint = Finish(spotArguments, raw, *spot);
   if (!complaint.empty()) return BadUsage(complaint, "spot");
