@@ -56,6 +56,11 @@ def nearest(ratio):
     return math.floor(ratio + fractions.Fraction(1, 2))
 
 
+def _number(text):
+    """A level in dB; what is written in another way than people write one is not judged."""
+    return float(text) if re.match(r'[+-]?\d+(\.\d*)?\Z', text) else ANY
+
+
 class Clock:
     """Turns stamps into samples at the project's rate."""
 
@@ -294,7 +299,7 @@ class Reading:
         if not length:
             return None
         texts = [self._text(value) for value in entry.values]
-        levels = [None if text in _NOT_GIVEN else float(text) for text in (texts[2:5] + [None] * 3)[:3]]
+        levels = [None if text in _NOT_GIVEN else _number(text) for text in (texts[2:5] + [None] * 3)[:3]]
         rendered = None
         if len(texts) > 6:
             index = int(texts[6]) if re.match(r'\d+\Z', texts[6]) else ANY
@@ -309,7 +314,7 @@ class Reading:
                 channels = self._text(entry.values[0])
                 key = None if channels in _NOT_GIVEN else tuple(channel_list(channels))
                 told.pop(key, None)
-                told[key] = float(self._text(entry.values[1]))
+                told[key] = _number(self._text(entry.values[1]))
         return [{'channels': None if key is None else list(key), 'dB': level} for key, level in told.items()]
 
 

@@ -53,6 +53,9 @@ class RandomProjects(FieldTest):
         if seed % 3 == 0:
             self.assert_spots(project, into / "p.adl", "--true-position")
         self.assertEqual(checksums(self.folder / "source"), before)
+        if told["verdict"] == "clean":
+            # Not every habit harms. Then it must arrive as it is. A spot makes files beside its sources.
+            self.assert_spots(project, path)
         self.clear()
 
     def assert_meant(self, project, told, reading):
