@@ -215,6 +215,8 @@ TEST(ReadTree, textBeforeTheOpeningTag) {
       {"both", "\xEF\xBB\xBF\r\n<ADL> <A> </A> </ADL>", "A{}", "mark \xEF\xBB\xBF; before \r\n"},
       {"a section there is passed over", "<B> (y) 1 </B> <ADL> <A> </A> </ADL>", "A{}",
        "before <B> (y) 1 </B> "},
+      {"a tag of two words is another one", "<ADL v> <ADL> <A> </A> </ADL>", "A{}",
+       "before <ADL v> "},
       {"a tag that only begins like it", "<ADLX> <ADL> <A> </A> </ADL>", "A{}", "before <ADLX> "},
   });
 }
@@ -255,6 +257,8 @@ TEST(ReadTree, referenceLists) {
        "<ADL> <ref_list> <ref> <REF_LIST> <REF> <A> (x) </A> </REF> </REF_LIST> <B> </B> </ref> "
        "</ref_list> <C> </C> </ADL>",
        "ref A{x=} ref B{} C{}", ""},
+      {"one that nothing closes", "<ADL> <REF_LIST> <REF> <A> (x) 1 </A> </REF> <C> </C> </ADL>",
+       "REF{} A{x=1} C{}", "tag <REF_LIST>; tag <A>"},
       {"words between its blocks mean nothing",
        "<ADL> <REF_LIST> some words <REF> <A> </A> </REF> 12 </REF_LIST> <C> </C> </ADL>",
        "ref A{} C{}", ""},
