@@ -186,6 +186,8 @@ class Reading:
             elif entry.label == 'F' and current:
                 current.values = [self._text(value) for value in entry.values]
                 current.location = entry.value(0)
+                # The system takes the first and the last byte for quotation marks, whatever they are.
+                current.seen_by_system = entry.raw[0][1:-1] if entry.raw else None
         return found
 
     def _set_project_rate(self):
@@ -206,7 +208,7 @@ class Reading:
             source.path, source.rule = None, None
             if source.location:
                 source.path, source.rule = self.folders.find(search.Wanted(
-                    source.location, source.value(0), None if source.value(1) in _NOT_GIVEN else source.value(1),
+                    source.seen_by_system, source.value(0), None if source.value(1) in _NOT_GIVEN else source.value(1),
                     own_length and own_length[0], own_start and own_start[0]))
             source.facts = self.folders.facts_of(source.path) if source.path else None
             source.start = self._file_start(source)
@@ -326,7 +328,7 @@ def _edit(group, label, last=False):
 class _Source:
     def __init__(self, index):
         self.index = index
-        self.location = None
+        self.location = self.seen_by_system = None
         self.values = []
         self.told = self.path = self.rule = self.facts = self.start = None
 

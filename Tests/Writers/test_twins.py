@@ -5,6 +5,8 @@ import unittest
 from field_tools import HARMFUL, FieldTest, brief, harmful
 from layout import lay_out
 from meaning import Reading, differences
+from parked import PARKED
+from program import ALL_DONE, run
 from tokens import column_of, line_of
 from twins import ROWS, Side
 
@@ -36,6 +38,8 @@ class TwinTest(FieldTest):
     def test_theOneHasItAndTheOtherHasNot(self):
         for number, row in enumerate(ROWS):
             with self.subTest(row.name, code=row.code):
+                if row.name in PARKED:
+                    self.skipTest("parked")
                 dirty = self.lay(row.dirty, f"{number}-dirty")
                 told = self.check(dirty)
                 found = self.of_code(told, row)
@@ -73,7 +77,6 @@ class TwinTest(FieldTest):
                     self.assert_spots_whole(project)
 
     def assert_spots_whole(self, project):
-        from program import ALL_DONE, run
         result = run("spot", project, "--json")
         self.assert_status(result, ALL_DONE)
         cuts = [event for event in Reading(project).events if event["kind"] == "cut"]
