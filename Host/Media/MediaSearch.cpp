@@ -135,7 +135,7 @@ struct MediaSearch::Impl {
   /// The decoded path as it is written, from the project's folder on if it is a relative one.
   [[nodiscard]] std::string AsWritten(const Location& location) const {
     for (const std::string& path : location.paths) {
-      const std::string whole = path.front() == '/' ? path : Below(projectFolder, path);
+      std::string whole = path.front() == '/' ? path : Below(projectFolder, path);
       if (IsRegularFile(whole)) return whole;
     }
     return {};

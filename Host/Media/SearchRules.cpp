@@ -115,6 +115,7 @@ bool Candidates::Contradicts(std::size_t place, const Evidence& evidence) const 
 StepOutcome Candidates::Judge(const std::vector<std::uint32_t>& places) const {
   StepOutcome outcome;
   std::vector<std::string> paths;
+  paths.reserve(places.size());
   for (const std::uint32_t place : places) paths.push_back(paths_[place]);
   const std::vector<std::size_t> different = contents_.Different(paths, kMostNamed);
   if (different.size() == 1) {
