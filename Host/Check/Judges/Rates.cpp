@@ -135,6 +135,8 @@ void JudgeRates(const Case& c, Findings& findings) {
     for (const std::optional<field::Fade>* const fade : {&event.fadeIn, &event.fadeOut}) {
       if (told || !*fade) continue;
       const field::EntryPlace line = (*fade)->place;
+      // A length that the system refuses is told as such.
+      if (!AdlIsTimestamp(c.SystemText(line, 0).c_str())) continue;
       told = stamps.Judge(line, field::ReadFadeTexts(tree, c.Line(line)).length, severity,
                           {.event = i});
     }
