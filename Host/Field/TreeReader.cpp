@@ -120,7 +120,7 @@ void TreeReader::ReadOuter() {
   Label label;
   for (SkipBlanks(); at_ != end_; SkipBlanks()) {
     if (tokens_.StandsAt(at_, "/*")) {
-      TakeComment(false);
+      (void)TakeComment(false);
     } else if (*at_ == '<' && tokens_.ReadTag(at_, Among::Labels, tag)) {
       if (!TakeTag(tag)) return;
     } else if (*at_ == '(' && tokens_.ReadLabel(at_, Among::Labels, label)) {
@@ -286,9 +286,8 @@ bool TreeReader::TakeValue(const char* lineOf) {
       TakeQuotedValue();
       return true;
     case '/':
-      if (!tokens_.StandsAt(begin, "/*")) break;
-      TakeComment(true);
-      return true;
+      if (tokens_.StandsAt(begin, "/*") && TakeComment(true)) return true;
+      break;
     case '(':
     case '<': {
       const bool onLine = std::find_if(lineOf, begin, EndsLine) == begin;
@@ -341,33 +340,34 @@ void TreeReader::TakeQuotedValue() {
   at_ = end;
 }
 
-void TreeReader::TakeComment(bool amongValues) {
+/// Where the text of the comment ends that begins there, null for one that nothing closes.
+const char* TreeReader::CommentTextEnd(const char* begin) {
   constexpr std::string_view kEnd = "*/";
-  const char* const begin = at_;
-  const char* end = end_;
-  const char* textEnd = end_;
   const bool whole = tokens_.StandsAt(begin, "/*/") && (begin + 3 == end_ || IsBlank(begin[3]));
-  if (whole) {
-    end = begin + 3;
-    textEnd = begin + 2;
-  } else if (begin + 2 < noCommentEndFrom_) {
-    textEnd = std::search(begin + 2, end_, kEnd.begin(), kEnd.end());
-    if (textEnd == end_) {
-      noCommentEndFrom_ = std::min(noCommentEndFrom_, begin + 2);
-    } else {
-      end = textEnd + kEnd.size();
-    }
-  }
-  if (textEnd == end_) {
-    if (ClosesLater(begin)) {
-      textEnd = end = tokens_.LineEnd(begin);
-    } else {
-      cutInside_ = true;
-    }
+  if (whole) return begin + 1;
+  if (begin + 2 >= noCommentEndFrom_) return nullptr;
+  const char* const found = std::search(begin + 2, end_, kEnd.begin(), kEnd.end());
+  if (found != end_) return found;
+  noCommentEndFrom_ = begin + 2;
+  return nullptr;
+}
+
+/// False for a mark among values that nothing closes, in a text that goes on to its proper end: it
+/// must swallow nothing of that, and is a value. Elsewhere it takes the rest of its line.
+bool TreeReader::TakeComment(bool amongValues) {
+  const char* const begin = at_;
+  const char* textEnd = CommentTextEnd(begin);
+  const char* end = textEnd != nullptr ? textEnd + 2 : end_;
+  if (textEnd == nullptr) {
+    const bool closesLater = ClosesLater(begin);
+    if (closesLater && amongValues) return false;
+    if (!closesLater) cutInside_ = true;
+    textEnd = end = closesLater ? tokens_.LineEnd(begin) : end_;
   }
   tree_.comments.push_back(View(begin + 2, std::max(textEnd, begin + 2)));
   if (amongValues && !Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Comment);
   at_ = end;
+  return true;
 }
 
 /// Up to the end of the line, or to something on it that is more than words: a label, a comment, a

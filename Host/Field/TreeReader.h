@@ -49,7 +49,8 @@ class TreeReader {
   void TakeValues();
   bool TakeValue(const char* lineOf);
   void TakeQuotedValue();
-  void TakeComment(bool amongValues);
+  bool TakeComment(bool amongValues);
+  const char* CommentTextEnd(const char* begin);
   void TakeStrayWord();
   [[nodiscard]] bool EndsStrayWords() const;
 

@@ -127,7 +127,11 @@ const char* TreeTokens::ValueEnd(const char* at) const {
   Tag tag;
   for (at = std::find_if(at + 1, end_, ends); at != end_ && *at == '<';
        at = std::find_if(at + 1, end_, ends)) {
-    if (StandsAt(at, "</") && ReadTag(at, Among::Values, tag)) break;
+    if (!StandsAt(at, "</") || !ReadTag(at, Among::Values, tag)) continue;
+    // Nothing but further tags follows on the line of a tag that a value touches by accident.
+    const char* const next =
+        std::find_if(tag.end, end_, [](char c) { return !IsBlank(c) || EndsLine(c); });
+    if (next == end_ || EndsLine(*next) || *next == '<') break;
   }
   return at;
 }

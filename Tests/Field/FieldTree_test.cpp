@@ -155,6 +155,8 @@ TEST(ReadTree, brackets) {
       {"a tag without its bracket", "<ADL> <A (x) 1 </A> </ADL>", "A{x=1}", "bracket <A"},
       {"a closing tag that a value touches", "<ADL> <A> (x) 1</A> <B> </B> </ADL>", "A{x=1} B{}",
        "bracket </A>"},
+      {"a closing tag inside a value", "<ADL> <A> (x) 1</A>2 3</A> 4\n(y) 5</A> </ADL>",
+       "A{x=1</A>2,3</A>,4 y=5}", "bracket </A>"},
       {"an arrow on the line of values", "<ADL> <A> (x) a <-- b </A> </ADL>", "A{x=a,<--,b}",
        "bracket <--"},
   });
@@ -188,8 +190,10 @@ TEST(ReadTree, comments) {
       {"no word may stand before its end", "<ADL> /**/ <A> /*/ (x) 1 </A> </ADL>", "A{x=1}", ""},
       {"inside a value it is none", "<ADL> <A> (x) a/*b*/ \"/* c */\" </A> </ADL>",
        "A{x=a/*b*/,\"/* c */\"}", ""},
-      {"one that nothing closes ends with its line", "<ADL> <A> (x) 1 /* open\n(y) 2 </A> </ADL>",
-       "A{x=1 y=2}", "comment /* open"},
+      {"one that nothing closes ends with its line", "<ADL> <A> /* open\n(y) 2 </A> </ADL>",
+       "A{y=2}", ""},
+      {"among values it is a value", "<ADL> <A> (x) 1 /*open 3\n(y) 2 </A> </ADL>",
+       "A{x=1,/*open,3 y=2}", ""},
       {"the outer tag in one", "/* <ADL> */ <ADL> <A> </A> </ADL>", "A{}", "before /* <ADL> */ "},
   });
   const std::string text = "<ADL> /* a */ <A> (x) 1 /* b */ </A> /*c*/ </ADL>";
