@@ -99,7 +99,7 @@ class ChangeWriter {
       case Code::Channels:
         return ChannelText(finding);
       case Code::GainChannels:
-        return IsWhole(finding) ? "" : "One gain for each mono cut.";
+        return KeepsGains(finding) ? "" : "One gain for each cut.";
       default:
         return {};
     }
@@ -203,6 +203,11 @@ class ChangeWriter {
   }
 
   bool IsWhole(const check::Finding& finding) const {
+    const std::vector<const PlannedCut*> cuts = CutsOf(finding);
+    return std::any_of(cuts.begin(), cuts.end(), [](const PlannedCut* cut) { return cut->whole; });
+  }
+
+  bool KeepsGains(const check::Finding& finding) const {
     const std::vector<const PlannedCut*> cuts = CutsOf(finding);
     return std::any_of(cuts.begin(), cuts.end(),
                        [](const PlannedCut* cut) { return cut->keepsGainLines; });

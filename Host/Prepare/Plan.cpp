@@ -11,6 +11,7 @@
 
 #include "Base/FileNames.h"
 #include "Media/Conversion.h"
+#include "Media/Locations.h"
 #include "Prepare/ChangeWords.h"
 #include "Prepare/LostWords.h"
 #include "Prepare/MediaNames.h"
@@ -83,8 +84,9 @@ class Planner {
         realPaths_[i] = RealPath(located.path);
       } else {
         // Nothing in the prepared folder may be mistaken for it.
-        const std::string& location = project_.sources[i].location;
-        names_.Reserve(location.substr(location.find_last_of("/\\:") + 1));
+        for (const std::string& name : media::DecodeLocation(project_.sources[i].location).names) {
+          names_.Reserve(name);
+        }
       }
     }
   }

@@ -34,6 +34,9 @@ struct PlannedSource {
   std::optional<std::size_t> file;  ///< position in Plan::files; none: its location stays
   std::int64_t fileStart = 0;       ///< samples at the project's rate
   bool ownLength = false;           ///< its length is the file's, not the one that the ADL tells
+  /// Reference and length are left out: by them a file of the prepared folder would be taken for
+  /// the one that is missing.
+  bool hidesFacts = false;
 };
 
 struct PlannedCut {
@@ -48,6 +51,7 @@ struct PlannedCut {
   std::optional<std::int64_t> fadeIn;  ///< length
   std::optional<std::int64_t> fadeOut;
   std::optional<double> gainDb;
+  bool whole = false;           ///< plays all channels of a file that has several
   bool keepsGainLines = false;  ///< the gain lines stay as they are
 };
 

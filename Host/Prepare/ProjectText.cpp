@@ -307,7 +307,8 @@ class ProjectWriter {
       for (const field::Entry& entry : EntriesOf(project_.sources[source.origin])) {
         if (Is(entry.label, "F") || Is(entry.label, "Index")) continue;
         const bool timecode = Is(entry.label, "T");
-        text_.Line(entry.label, StampedValuesOf(entry, timecode ? kFewestTimecodeValues : 0));
+        text_.Line(entry.label,
+                   timecode ? StampedValuesOf(entry, kFewestTimecodeValues) : ValuesOf(entry));
       }
     }
     text_.CloseSection();
@@ -317,8 +318,9 @@ class ProjectWriter {
     const field::Source& origin = project_.sources[source.origin];
     field::SourceTexts texts;
     if (origin.fPlace) texts = ReadSourceTexts(tree_, tree_.entries[*origin.fPlace]);
-    Values values = {AdlText::Quoted(LocationOf(source)), TextOr(texts.reference),
-                     Stamp(source.fileStart), LengthOf(source)};
+    Values values = {AdlText::Quoted(LocationOf(source)),
+                     source.hidesFacts ? "_" : TextOr(texts.reference), Stamp(source.fileStart),
+                     LengthOf(source)};
     if (texts.name.IsThere()) values.push_back(Text(texts.name));
     if (texts.last.IsThere()) values.push_back(Text(texts.last));
     text_.Line("F", values);
@@ -333,7 +335,7 @@ class ProjectWriter {
   std::string LengthOf(const PlannedSource& source) const {
     std::optional<std::int64_t> length = project_.sources[source.origin].length;
     if (source.file && (source.ownLength || !length)) length = plan_.files[*source.file].frames;
-    return length ? Stamp(*length) : "_";
+    return length && !source.hidesFacts ? Stamp(*length) : "_";
   }
 
   // Events.
@@ -353,19 +355,15 @@ class ProjectWriter {
   }
 
   void WriteCut(const PlannedCut& cut, const field::Event& origin) {
-    std::string type = "I";
-    std::string status = "_";
-    if (origin.edit) {
-      const std::span<const field::Value> values = tree_.ValuesOf(tree_.entries[*origin.edit]);
-      if (!values.empty()) type = Text(values.front());
-    }
-    if (origin.status != '_') status = std::string(1, origin.status);
-    text_.Line("Cut",
-               {type == "_" ? "I" : type, std::to_string(cut.sourceIndex), Run(cut.sourceChannels),
-                Run(cut.tracks), Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end), status});
+    field::CutTexts texts;
+    if (origin.edit) texts = ReadCutTexts(tree_, tree_.entries[*origin.edit]);
+    text_.Line("Cut", {texts.sourceType.IsGiven() ? Text(texts.sourceType) : "I",
+                       std::to_string(cut.sourceIndex), Run(cut.sourceChannels), Run(cut.tracks),
+                       Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end),
+                       AdlText::Value(std::string_view(&origin.status, 1))});
     if (origin.fadeIn) WriteFade("Infade", *origin.fadeIn, cut.fadeIn);
     if (origin.fadeOut) WriteFade("Outfade", *origin.fadeOut, cut.fadeOut);
-    if (cut.gainDb && std::isfinite(*cut.gainDb)) {
+    if (cut.gainDb && !cut.keepsGainLines && std::isfinite(*cut.gainDb)) {
       text_.Line("Gain", {"_", Decibels(*cut.gainDb)});
     }
   }
