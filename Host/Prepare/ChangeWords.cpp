@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "Base/FileNames.h"
 #include "Base/Text.h"
 
 namespace velmora::prepare {
@@ -89,13 +90,21 @@ class ChangeWriter {
   std::string TextOfAudio(const check::Finding& finding) const {
     switch (finding.code) {
       case Code::MediaElsewhere:
+        return HasFile(finding) ? "Found at " + PlaceOf(finding) + "; now " + NamesOf(finding) + '.'
+                                : "";
       case Code::LocationForm:
-        return FileText(finding, "");
+        return HasFile(finding) ? "Location written plainly: " + NamesOf(finding) + '.' : "";
       case Code::MediaKind:
+        return IsMadeAnew(finding)
+                   ? FormatOf(finding) + " made plain PCM: " + NamesOf(finding) + '.'
+                   : "";
       case Code::MediaChunks:
-        return IsMadeAnew(finding) ? FileText(finding, FormatText(finding)) : "";
+        return IsMadeAnew(finding) ? "Written anew with a plain header: " + NamesOf(finding) + '.'
+                                   : "";
       case Code::MediaRate:
-        return options_.resample && IsMadeAnew(finding) ? FileText(finding, "") : "";
+        return options_.resample && IsMadeAnew(finding)
+                   ? "Resampled from " + RateOf(finding) + " Hz: " + NamesOf(finding) + '.'
+                   : "";
       case Code::Channels:
         return ChannelText(finding);
       case Code::GainChannels:
@@ -167,22 +176,38 @@ class ChangeWriter {
                                          [](const PlannedFile* file) { return IsMade(*file); });
   }
 
-  std::string FileText(const check::Finding& finding, const std::string& format) const {
-    const std::vector<const PlannedFile*> files = FilesOf(finding);
-    if (files.empty()) return {};
+  bool HasFile(const check::Finding& finding) const { return !FilesOf(finding).empty(); }
+
+  /// The files in the prepared folder: "Audio/a_ch1.wav, Audio/a_ch2.wav".
+  std::string NamesOf(const check::Finding& finding) const {
     std::string names;
-    for (const PlannedFile* const file : files) {
+    for (const PlannedFile* const file : FilesOf(finding)) {
       names += (names.empty() ? "Audio/" : ", Audio/") + file->name;
     }
-    constexpr const char* kVerbs[] = {"Linked", "Copied", "Converted", "Split", "Resampled"};
-    return kVerbs[static_cast<std::size_t>(files.front()->how)] + (" from " + files.front()->from) +
-           format + " to " + names + '.';
+    return names;
   }
 
-  std::string FormatText(const check::Finding& finding) const {
-    const PlannedSource& source = *FirstSource(finding);
-    const std::optional<media::AudioFacts>& facts = checked_.media[source.origin].facts;
-    return facts && !facts->format.empty() ? " (" + facts->format + ")" : "";
+  /// The original's path: what lies below the project's folder from there on.
+  std::string PlaceOf(const check::Finding& finding) const {
+    const std::string& path = FilesOf(finding).front()->from;
+    const std::string folder = FolderOf(checked_.path) + '/';
+    return path.starts_with(folder) ? path.substr(folder.size()) : path;
+  }
+
+  const media::AudioFacts* FactsOf(const check::Finding& finding) const {
+    const PlannedSource* const source = FirstSource(finding);
+    if (source == nullptr || !checked_.media[source->origin].facts) return nullptr;
+    return &*checked_.media[source->origin].facts;
+  }
+
+  std::string FormatOf(const check::Finding& finding) const {
+    const media::AudioFacts* const facts = FactsOf(finding);
+    return facts != nullptr && !facts->format.empty() ? facts->format : "The file";
+  }
+
+  std::string RateOf(const check::Finding& finding) const {
+    const media::AudioFacts* const facts = FactsOf(finding);
+    return std::to_string(facts != nullptr ? facts->sampleRate : 0);
   }
 
   /// The planned cuts that a finding is about.

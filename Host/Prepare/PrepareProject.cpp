@@ -175,12 +175,12 @@ class Preparation {
     options.sessionFrameRate = options_.check.sessionFrameRate;
     bool cancelled = false;
     const auto ask = [&] {
-      cancelled = cancelled || (progress_ && !progress_(kShareOfAudio, "checking"));
+      cancelled = cancelled || (progress_ && !progress_(kShareOfAudio, "Checking the result"));
       return cancelled;
     };
     media::FolderListings listings;
     check::CheckedProject result = check::CheckProject(path, options, listings, ask);
-    if (cancelled || (progress_ && !progress_(1, "done"))) return std::nullopt;
+    if (cancelled || (progress_ && !progress_(1, "Done"))) return std::nullopt;
     return result;
   }
 

@@ -59,7 +59,8 @@ struct Prepared {
       left;  ///< what remains, as the check of the prepared project tells it
 };
 
-/// Progress of a preparation. Called from the preparing thread; false cancels.
+/// Progress of a preparation, with what is being done in words for people: "Converting big.wav".
+/// Called from the preparing thread; false cancels.
 using PrepareProgress = std::function<bool(double share /* 0 to 1 */, const std::string& what)>;
 
 /// Makes a clean project out of a checked one without changing its meaning. The folder appears

@@ -48,7 +48,6 @@ constexpr auto kEventLabels = std::to_array<EventLabel>({
     {"Xfade", 6},
 });
 constexpr std::size_t kFewestFadeValues = 5;
-constexpr std::size_t kFewestFileValues = 4;      // of (F)
 constexpr std::size_t kFewestTimecodeValues = 5;  // of (T)
 
 std::string Number(std::int64_t number) {
@@ -71,7 +70,7 @@ std::string Run(const field::ChannelRun& run) {
 class ProjectWriter {
  public:
   ProjectWriter(const check::CheckedProject& checked, const Plan& plan)
-      : checked_(checked), project_(*checked.project), tree_(project_.tree), plan_(plan) {
+      : project_(*checked.project), tree_(project_.tree), plan_(plan) {
     CollectPassedOver();
   }
 
@@ -428,7 +427,6 @@ class ProjectWriter {
     text_.Line(entry.label, values);
   }
 
-  const check::CheckedProject& checked_;
   const field::Project& project_;
   const field::Tree& tree_;
   const Plan& plan_;

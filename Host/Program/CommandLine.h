@@ -32,7 +32,8 @@ struct SpotArguments {
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
   host::HostChoice host;                         ///< its target, if any, as an absolute path
   bool prepare = false;                          ///< spots a prepared project
-  std::string prepareInto;    ///< absolute path; empty: a folder with a free name
+  /// For `prepare`. Its `into` is empty for a folder with a free name.
+  prepare::PrepareOptions preparation;
   bool truePosition = false;  ///< without the compensation; always so with `prepare`
   bool json = false;
   bool quiet = false;

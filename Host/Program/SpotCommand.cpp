@@ -143,6 +143,8 @@ int WithHint(const SpotArguments& arguments, const ViewModel& model, int status)
 
 int RunSpotCommand(const SpotArguments& given) {
   SpotArguments arguments = given;
+  const std::string badFolder = ComplaintAboutMediaFolders(arguments.preparation.check);
+  if (!badFolder.empty()) return BadUsage(badFolder, "spot");
   host::ClaimedTarget claimed;
   if (!arguments.host.target.empty()) {
     claimed = arguments.host.kind->claim(arguments.host.target);

@@ -35,15 +35,12 @@ std::string FreeFolder(const SpotArguments& arguments) {
 }  // namespace
 
 SpotPreparation PrepareForSpot(const SpotArguments& arguments) {
-  prepare::PrepareOptions options;
-  options.into = arguments.prepareInto;
+  prepare::PrepareOptions options = arguments.preparation;
   if (options.into.empty()) {
     options.into = FreeFolder(arguments);
     // Nobody chose this folder, so it leans on nothing: all that the session names lies in it.
     options.copyMedia = true;
   }
-  if (arguments.sessionRate) options.check.sessionRate = *arguments.sessionRate;
-  options.check.sessionFrameRate = arguments.sessionFrameRate;
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   const prepare::Prepared prepared = CheckAndPrepare(arguments.project, options, showsBar);
 
@@ -66,7 +63,8 @@ SpotPreparation PrepareForSpot(const SpotArguments& arguments) {
       return preparation;
   }
   std::cerr << "velmora: prepared in " << Printable(options.into)
-            << (arguments.prepareInto.empty() ? ", which stays: the session needs its audio" : "")
+            << (arguments.preparation.into.empty() ? ", which stays: the session needs its audio"
+                                                   : "")
             << '\n';
   PrintLeft(prepared, std::cerr);
   preparation.project = prepared.projectPath;

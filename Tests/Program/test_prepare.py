@@ -300,7 +300,7 @@ class Usage(ProgramTest):
                                           events=m.cut(status="D") + m.cut(2) + m.cut(3, source=2)))
         told = run("prepare", self.project, "--into", self.folder / "out")
         self.assert_status(told, LEFT_OUT)
-        for words in ("event-off", "line 19, event 1", "linked", "take.wav", "media-missing", str(self.folder / "out/Show.adl")):
+        for words in ("event-off", "line 19, entry 1", "linked", "take.wav", "media-missing", str(self.folder / "out/Show.adl")):
             self.assertIn(words, told.out)
         self.assertNotIn("\u001b", told.out)
 

@@ -147,6 +147,18 @@ class SpotPrepare(ProgramTest):
         self.assertIn("source-missing", spot.err)
         self.assertEqual(len(positions(spot)), 2)
 
+    def test_options_of_prepare_go_with_it_alone(self):
+        (self.folder / "takes").mkdir()
+        os.rename(self.source / "my take.wav", self.folder / "takes/my take.wav")
+        spot = run("spot", self.project, f"--prepare={self.folder / 'out'}", "--json", "--media", self.folder / "takes",
+                   "--keep-off", "--copy-media", "--trust", "marks")
+        self.assertEqual(len(positions(spot)), 3)
+        for options in (["--media", self.folder], ["--trust", "header"], ["--encoding", "GBK"], ["--keep-off"],
+                        ["--keep-stereo"], ["--copy-media"], ["--resample"]):
+            with self.subTest(options=options):
+                self.assert_bad_usage(run("spot", self.project, *options), options[0], "--prepare")
+        self.assert_bad_usage(run("spot", self.project, "--prepare", "--media", self.folder / "none"), "--media")
+
     def test_statuses(self):
         full = self.folder / "full"
         full.mkdir()
