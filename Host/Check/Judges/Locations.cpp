@@ -26,14 +26,23 @@ struct Judgement {
   const char* remedy;
 };
 
-/// What keeps the system from a file that was found.
-Judgement Hindrance(const media::Located& located) {
-  if (located.hiddenByEncoding) {
+/// What keeps the system from a file that was found. `value` is what stands there.
+Judgement Hindrance(const media::Located& located, const field::Value& value) {
+  const bool isAscii = std::none_of(value.text.begin(), value.text.end(),
+                                    [](char c) { return static_cast<signed char>(c) < 0; });
+  if (located.hiddenByEncoding && !isAscii) {
     return {Code::TextEncoding,
             "The cuts have no audio: the system reads Shift-JIS, and sees another name.",
             "velmora prepare writes Shift-JIS, and safe names where that cannot hold them."};
   }
-  if (located.hiddenByForm) {
+  if ((located.hiddenByForm || located.hiddenByEncoding) && !value.quoted) {
+    return {Code::LocationForm,
+            "The cuts have no audio: the system takes the first and the last letter for quotation "
+            "marks, and looks for a name after a slash.",
+            "Write URL:file://localhost/ before the name, and quotation marks around it; velmora "
+            "prepare does it."};
+  }
+  if (located.hiddenByForm || located.hiddenByEncoding) {
     return {Code::LocationForm,
             "The cuts have no audio: the system does not decode locations, and sees another name.",
             "Write the name plainly; velmora prepare does it."};
@@ -64,7 +73,10 @@ void JudgeLocations(const Case& c, Findings& findings) {
     if (isFound && located.found == media::Found::Location) continue;
     const field::Source& source = c.project.sources[i];
     const field::EntryPlace line = source.fPlace.value_or(source.place);
-    const Judgement judgement = isFound ? Hindrance(located) : Lack(located);
+    const Judgement judgement =
+        isFound ? Hindrance(located,
+                            c.ValueAt(line, 0) != nullptr ? *c.ValueAt(line, 0) : field::Value())
+                : Lack(located);
     std::string text = c.Show(line, 0);
     if (isFound) text += " is " + c.ShowPath(located.path);
     if (!located.candidates.empty()) text += " may be " + Files(c, located.candidates);
