@@ -233,7 +233,7 @@ class Hint(CheckTest):
             with self.subTest(command):
                 lines = run(command[0], project, *command[1:]).err.splitlines()
                 self.assertIn("File NG.", lines[0])
-                self.assertEqual(lines[1:], [f"velmora: 1 finding: 1 keeps it from loading; see velmora check {project}"])
+                self.assertEqual(lines[1:], [f"velmora: this project does not load; velmora check {project} says why and what helps"])
 
     def test_isNotThereForACleanProject(self):
         project = one_cut(self.folder)
@@ -243,7 +243,7 @@ class Hint(CheckTest):
     def test_goesBySessionOfTheSpot(self):
         project = one_cut(self.folder)
         result = run("spot", project, "--session-rate", "44100")
-        self.assertIn("1 finding: 1 misplaces something; see velmora check", result.err.splitlines()[-1])
+        self.assertIn("this project misplaces cuts; velmora check", result.err.splitlines()[-1])
 
     def test_doesNotTryAgainWhatCannotBeRead(self):
         self.assertNotIn("velmora check", run("info", self.folder / "gone.adl").err)
