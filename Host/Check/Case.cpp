@@ -114,6 +114,7 @@ std::string Case::Show(field::EntryPlace place) const {
 }
 
 std::string Case::Show(std::string_view piece) const {
+  piece = piece.substr(0, piece.find_last_not_of(" \t\r\n") + 1);
   const bool isLong = piece.size() > kShownBytes;
   const field::Value value{piece.substr(0, kShownBytes), false};
   return project.TextOf(value) + (isLong ? "..." : "");

@@ -173,6 +173,16 @@ TEST_F(Codes, whatTheSystemOrderDoesNotMindHasNoFinding) {
   }
 }
 
+TEST_F(Codes, headerAndMarksAreHeldAgainstEachOtherWhicheverIsTrusted) {
+  for (const field::Trust trust : {field::Trust::Marks, field::Trust::Header}) {
+    options_.reading.trust = trust;
+    const CheckedProject checked = Check(With("S48000", "S44100"));
+    const auto differ = [](const Finding& finding) { return finding.code == Code::MarksDiffer; };
+    EXPECT_EQ(std::count_if(checked.findings.begin(), checked.findings.end(), differ), 1);
+    EXPECT_EQ(checked.verdict, Verdict::Loses);
+  }
+}
+
 TEST_F(Codes, everyCodeHasARowOrATest) {
   std::set<std::string> told = {"not-an-adl",      "media-ambiguous", "media-kind",
                                 "media-chunks",    "media-broken",    "media-rate",

@@ -25,20 +25,15 @@ struct EarliestCut {
   std::int64_t samples = 0;
 };
 
-bool HasTime(const Case& c, field::EntryPlace cut) {
-  const field::Value* const in = c.ValueAt(cut, kInValue);
-  return in != nullptr && !c.IsCutOffCut(cut) && field::ReadTime(in->text, c.project.times);
-}
-
 /// The cut with which the system begins: of equal times the first in its list.
 std::optional<EarliestCut> FindEarliestCut(const Case& c) {
   std::optional<EarliestCut> earliest;
   for (std::size_t i = 0; i < c.project.events.size(); ++i) {
     const field::Event& event = c.project.events[i];
     if (event.kind != field::EventKind::Cut || !event.edit) continue;
-    // A cut that does not say where it lies is told as such.
-    if (!HasTime(c, *event.edit)) continue;
     std::string stamp = c.SystemText(*event.edit, kInValue);
+    // A cut that does not say where it lies, or that the system misreads, is told as such.
+    if (c.IsCutOffCut(event.edit) || !field::ReadTime(stamp, c.project.times)) continue;
     const std::int64_t samples = AdlToSamples(stamp.c_str());
     if (earliest && WrapSubtract(samples, earliest->samples) >= 0) continue;
     earliest = EarliestCut{i, std::move(stamp), samples};
