@@ -5,7 +5,6 @@ import unittest
 from field_tools import HARMFUL, FieldTest, brief, harmful
 from layout import lay_out
 from meaning import Reading, differences
-from parked import PARKED
 from program import ALL_DONE, run
 from tokens import column_of, line_of
 from twins import ROWS, Side
@@ -38,8 +37,6 @@ class TwinTest(FieldTest):
     def test_theOneHasItAndTheOtherHasNot(self):
         for number, row in enumerate(ROWS):
             with self.subTest(row.name, code=row.code):
-                if row.name in PARKED:
-                    self.skipTest("parked")
                 dirty = self.lay(row.dirty, f"{number}-dirty")
                 told = self.check(dirty)
                 found = self.of_code(told, row)

@@ -10,7 +10,6 @@ from field_tools import FieldTest, brief, harmful
 from known import placed
 from layout import checksums, lay_out
 from meaning import Reading, differences
-from parked import PARKED
 from program import ALL_DONE, LEFT_OUT
 
 
@@ -47,8 +46,6 @@ class WriterBase(FieldTest):
 
     def hold(self, writer):
         """All that must be true of one writer's project."""
-        if writer.name in PARKED:
-            self.skipTest("parked")
         project = self.lay(writer)
         before = checksums(self.folder / "source")
         told = self.check(project, *self.options(writer))
