@@ -13,7 +13,7 @@ void CheckWhole(benchmark::State& state) {
   const std::string path = WriteProject(static_cast<std::int32_t>(cuts));
   for (auto _ : state) {
     media::FolderListings listings;
-    const check::CheckedProject checked = CheckProject(path, {}, listings);
+    const check::CheckedProject checked = check::CheckProject(path, {}, listings);
     if (checked.project == nullptr || checked.project->events.size() != cuts) {
       Fail("the project is read otherwise than it was written");
     }
