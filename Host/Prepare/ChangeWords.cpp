@@ -7,8 +7,10 @@
 #include <string>
 #include <utility>
 
+#include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
 #include "Base/Text.h"
+#include "Prepare/ShiftJisWriter.h"
 
 namespace velmora::prepare {
 namespace {
@@ -49,9 +51,9 @@ class ChangeWriter {
     if (IsGone(finding)) return TextOfGone(finding.code);
     switch (finding.code) {
       case Code::FadeSeparator:
-        return "Fade length written with \";\" before the frames, the same number of samples.";
+        return FadeText(finding) + ", the same number of samples.";
       case Code::FadeForm:
-        return "Fade length written as a timestamp; a fade without a length is left out.";
+        return FadeText(finding) + '.';
       case Code::ValuesMissing:
         return "Missing values filled in.";
       case Code::IndexMissing:
@@ -80,7 +82,7 @@ class ChangeWriter {
         return "Timestamps written with marks that a session's frame rate stands for: nothing "
                "moves.";
       case Code::TextEncoding:
-        return "Written in Shift-JIS, which the system reads.";
+        return EncodingText(finding);
       default:
         return TextOfAudio(finding);
     }
@@ -95,15 +97,15 @@ class ChangeWriter {
       case Code::LocationForm:
         return HasFile(finding) ? "Location written plainly: " + NamesOf(finding) + '.' : "";
       case Code::MediaKind:
-        return IsMadeAnew(finding)
-                   ? FormatOf(finding) + " made plain PCM: " + NamesOf(finding) + '.'
-                   : "";
+        return IsMadeAnew(finding) ? KindText(finding) : "";
       case Code::MediaChunks:
-        return IsMadeAnew(finding) ? "Written anew with a plain header: " + NamesOf(finding) + '.'
+        return IsMadeAnew(finding) ? "Written anew with a plain header: " + NamesOf(finding) + '.' +
+                                         PartText(finding)
                                    : "";
       case Code::MediaRate:
         return options_.resample && IsMadeAnew(finding)
-                   ? "Resampled from " + RateOf(finding) + " Hz: " + NamesOf(finding) + '.'
+                   ? "Resampled from " + RateOf(finding) + " Hz, in 24 bits: " + NamesOf(finding) +
+                         '.'
                    : "";
       case Code::Channels:
         return ChannelText(finding);
@@ -141,6 +143,30 @@ class ChangeWriter {
 
   bool IsShortened(const check::Finding& finding) const {
     return finding.entry && shortened_.contains(*finding.entry);
+  }
+
+  /// What became of a fade's length. The finding's text begins with its label.
+  std::string FadeText(const check::Finding& finding) const {
+    const std::vector<const PlannedCut*> cuts = CutsOf(finding);
+    const std::string label = finding.text.substr(0, finding.text.find(')'));
+    const bool in = EqualsIgnoringCase(label.c_str(), "(Infade");
+    if (cuts.empty() || (!in && !EqualsIgnoringCase(label.c_str(), "(Outfade"))) {
+      return "Fade length written as a timestamp";
+    }
+    const std::optional<std::int64_t> length = in ? cuts.front()->fadeIn : cuts.front()->fadeOut;
+    if (!length) return "Fade left out: it has no length";
+    return "Fade length written as " + WriteFadeLength(*length, plan_.form).value_or("none");
+  }
+
+  static std::string EncodingText(const check::Finding& finding, const std::string& names) {
+    if (!names.empty()) return "The file is now " + names + ", which the system finds.";
+    const ShiftJisText written = ToShiftJis(finding.text, '?');
+    if (written.whole) return "Written in Shift-JIS, which the system reads.";
+    return "Written as " + ShiftJisToUtf8(written.bytes.c_str()) +
+           ": Shift-JIS does not have all of its characters.";
+  }
+  std::string EncodingText(const check::Finding& finding) const {
+    return EncodingText(finding, HasFile(finding) && !finding.entry ? NamesOf(finding) : "");
   }
 
   std::string StartText(const check::Finding& finding) const {
@@ -205,6 +231,23 @@ class ChangeWriter {
     return facts != nullptr && !facts->format.empty() ? facts->format : "The file";
   }
 
+  std::string KindText(const check::Finding& finding) const {
+    const std::string format = FormatOf(finding);
+    const bool isFloat = format.find("float") != std::string::npos;
+    return format + (isFloat ? " rounded to 24-bit PCM: " : " made plain PCM: ") +
+           NamesOf(finding) + '.' + PartText(finding);
+  }
+
+  /// Said of a file of which only a part was written.
+  std::string PartText(const check::Finding& finding) const {
+    for (const PlannedFile* const file : FilesOf(finding)) {
+      if (!file->frameCount) continue;
+      return " It holds only what the cuts use: " + std::to_string(*file->frameCount) +
+             " samples from sample " + std::to_string(file->firstFrame) + " of the original on.";
+    }
+    return {};
+  }
+
   std::string RateOf(const check::Finding& finding) const {
     const media::AudioFacts* const facts = FactsOf(finding);
     return std::to_string(facts != nullptr ? facts->sampleRate : 0);
@@ -241,6 +284,7 @@ class ChangeWriter {
   std::string ChannelText(const check::Finding& finding) const {
     const std::vector<const PlannedCut*> cuts = CutsOf(finding);
     if (cuts.empty() || IsWhole(finding)) return {};
+    if (cuts.size() == 1) return "Made a mono cut of a mono file.";
     return "Split into " + Counted(cuts.size(), "mono cut") + " of mono files.";
   }
 

@@ -64,6 +64,7 @@ class Planner {
     PlaceCuts(rough.cuts);
     AddOtherEvents();
     NumberEvents();
+    NameLostMedia();
     plan_.changes = WriteChanges(checked_, options_, plan_, rough.shortened);
     return std::move(plan_);
   }
@@ -159,7 +160,9 @@ class Planner {
         channel == kAllChannels && media.obstacle == media::Obstacle::None && !resampled;
     file.how = options_.copyMedia ? HowMade::Copied : HowMade::Linked;
     file.frames = FramesAtProjectRate(checked_, source);
-    if (used && readable && !asItIs && LimitToRange(file, source, channel, key, resampled)) {
+    const bool made = used && readable && !asItIs;
+    file.tooLong = made && !LimitToRange(file, source, channel, key, resampled);
+    if (made && !file.tooLong) {
       if (channel != kAllChannels) file.channel = channel - 1;
       if (resampled)
         file.sampleRate = static_cast<std::int32_t>(std::lround(project_.rates.sampleRate));
@@ -307,6 +310,28 @@ class Planner {
     std::int32_t next = 0;
     for (PlannedEvent& event : events) {
       if (!stay) event.number = ++next;
+    }
+  }
+
+  /// What the check of the prepared project cannot tell: that there are several candidates for a
+  /// file, and that one could not be converted for its length.
+  void NameLostMedia() {
+    std::set<std::int32_t> tooLong;
+    for (const PlannedSource& source : plan_.sources) {
+      if (source.file && plan_.files[*source.file].tooLong) {
+        tooLong.insert(project_.sources[source.origin].index);
+      }
+    }
+    for (const check::Finding& finding : checked_.findings) {
+      if (finding.code == check::Code::MediaAmbiguous) plan_.lost.push_back(finding);
+      const bool isAudio =
+          finding.code == check::Code::MediaKind || finding.code == check::Code::MediaChunks;
+      if (!isAudio || !finding.source || !tooLong.contains(*finding.source)) continue;
+      plan_.lost.push_back(finding);
+      plan_.lost.back().effect =
+          "The cuts use a stretch of this file of 2 GiB and more, which one file may not hold: it "
+          "is not converted.";
+      plan_.lost.back().remedy = "Give the far ends of the file sources of their own.";
     }
   }
 

@@ -22,6 +22,7 @@ struct PlannedFile {
   std::int64_t firstFrame = 0;
   std::optional<std::int64_t> frameCount;
   std::optional<std::int32_t> sampleRate;  ///< Hz: resampled to it
+  bool tooLong = false;  ///< not converted: the cuts use more of it than one file may hold
   /// Frames of the file at the project's rate, as far as they are known.
   std::optional<std::int64_t> frames;
   std::int64_t bytes = 0;  ///< of work, about

@@ -164,6 +164,7 @@ class Preparation {
     prepared_.projectPath = into_ + '/' + name;
     prepared_.changes = std::move(plan_.changes);
     prepared_.left = std::move(plan_.lost);
+    prepared_.leftOut = prepared_.left.size();
     TakeFindings(result->findings);
     return true;
   }
@@ -205,7 +206,10 @@ class Preparation {
       for (std::string* const text : {&finding.text, &finding.effect, &finding.remedy}) {
         ReplaceAll(*text, staging_.Path(), into_);
       }
-      moves = moves || finding.code == Code::RateCompensated;
+      if (finding.code == Code::RateCompensated) {
+        moves = true;
+        finding.remedy = "Spot it with velmora spot --true-position.";
+      }
       prepared_.left.push_back(std::move(finding));
     }
     if (moves) {

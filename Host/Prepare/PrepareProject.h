@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -55,8 +56,12 @@ struct Prepared {
   std::string projectPath;  ///< the prepared ADL: into/NAME.adl
   std::vector<Change> changes;
   std::vector<MadeFile> files;
-  std::vector<check::Finding>
-      left;  ///< what remains, as the check of the prepared project tells it
+  /// What remains: first what of the original could not be kept, then what the check of the
+  /// prepared project tells.
+  std::vector<check::Finding> left;
+  /// How many of `left` are of the first kind. They tell lines and numbers of the original, the
+  /// others those of the prepared project.
+  std::size_t leftOut = 0;
 };
 
 /// Progress of a preparation, with what is being done in words for people: "Converting big.wav".

@@ -13,6 +13,7 @@
 #include "Base/Text.h"
 #include "Field/EntryTexts.h"
 #include "Prepare/AdlText.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora::prepare {
 namespace {
@@ -236,7 +237,7 @@ class ProjectWriter {
     if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
     if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
     const std::optional<std::int64_t> time = TimeOf(text);
-    if (!time) return {Text(text)};
+    if (!time || IsAtProjectRates(text)) return {Text(text)};
     const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
     return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
   }
@@ -270,6 +271,19 @@ class ProjectWriter {
     if (!time) return std::nullopt;
     if (time->rates.sampleRate == plan_.form.sampleRate) return time->samples;
     return field::AtRate(time->samples, time->rates.sampleRate, plan_.form.sampleRate);
+  }
+  /// True for a whole timestamp whose marks say what the prepared ones say: it may stay as it is.
+  /// Drop-frame is left aside: lengths of fades always count so.
+  bool IsAtProjectRates(const field::Value& value) const {
+    const std::optional<field::StampMarks> marks = ReadMarks(value.text, project_.times);
+    if (!marks || marks->sampleRateMark == 0 || value.quoted ||
+        value.text.size() != kTimestampLength) {
+      return false;
+    }
+    field::TimeRates rates = marks->rates;
+    const field::TimeRates form = RatesOf(plan_.form);
+    rates.dropFrame = form.dropFrame;
+    return rates == form;
   }
   std::string Stamp(std::int64_t samples) const {
     return WriteStamp(samples, plan_.form).value_or("_");

@@ -1,6 +1,7 @@
 #include "Program/PrepareReport.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <ostream>
@@ -58,7 +59,7 @@ void PrintGroup(const std::vector<const prepare::Change*>& group, std::ostream& 
 
 void PrintChanges(const prepare::Prepared& prepared, bool colours, std::ostream& out) {
   if (prepared.changes.empty()) return;
-  out << "Put right\n";
+  out << "Put right, by lines of the original\n";
   std::map<check::Code, std::vector<const prepare::Change*>> groups;
   for (const prepare::Change& change : prepared.changes) groups[change.code].push_back(&change);
   for (const auto& [code, group] : groups) {
@@ -101,10 +102,19 @@ void PrintFiles(const prepare::Prepared& prepared, bool colours, std::ostream& o
 }
 
 void PrintRest(const prepare::Prepared& prepared, bool colours, std::ostream& out) {
-  if (prepared.left.empty()) return;
-  out << "Left as it is\n";
-  WriteFindingGroups(prepared.left, colours, out);
-  out << '\n';
+  const auto kept = prepared.left.begin() + static_cast<std::ptrdiff_t>(prepared.leftOut);
+  const std::vector<check::Finding> lost(prepared.left.begin(), kept);
+  const std::vector<check::Finding> left(kept, prepared.left.end());
+  if (!lost.empty()) {
+    out << "Left out, by lines of the original\n";
+    WriteFindingGroups(lost, colours, out);
+    out << '\n';
+  }
+  if (!left.empty()) {
+    out << "Left as it is, by lines of the prepared project\n";
+    WriteFindingGroups(left, colours, out);
+    out << '\n';
+  }
 }
 
 }  // namespace
@@ -121,12 +131,14 @@ void PrintPreparedText(const prepare::Prepared& prepared, bool colours, std::ost
 }
 
 void PrintLeft(const prepare::Prepared& prepared, std::ostream& out) {
-  for (const check::Finding& finding : prepared.left) {
+  for (std::size_t i = 0; i < prepared.left.size(); ++i) {
+    const check::Finding& finding = prepared.left[i];
     if (finding.severity == check::Severity::Note || finding.code == check::Code::RateCompensated) {
       continue;
     }
     out << "velmora: left: " << check::RowOf(finding.code).name << ", "
-        << PlaceText(finding.line, finding.entry, finding.source) << ": "
+        << PlaceText(finding.line, finding.entry, finding.source) << " of the "
+        << (i < prepared.leftOut ? "original" : "prepared project") << ": "
         << Printable(finding.effect) << '\n';
   }
 }
