@@ -51,7 +51,7 @@ class ChangeWriter {
     if (IsGone(finding)) return TextOfGone(finding.code);
     switch (finding.code) {
       case Code::FadeSeparator:
-        return FadeText(finding) + ", the same number of samples.";
+        return FadeText(finding) + '.';
       case Code::FadeForm:
         return FadeText(finding) + '.';
       case Code::ValuesMissing:

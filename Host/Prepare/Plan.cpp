@@ -353,8 +353,16 @@ class Planner {
 }  // namespace
 
 std::optional<Plan> MakePlan(const check::CheckedProject& checked, const PrepareOptions& options) {
-  const std::optional<StampForm> form =
-      FormFor(checked.project->rates, options.check.sessionFrameRate);
+  const std::vector<field::Event>& events = checked.project->events;
+  field::TimeRates rates = checked.project->rates;
+  // Without a cut the rates are those of some other time, which may be the length of a fade: these
+  // count as drop-frame whatever the project does.
+  if (std::none_of(events.begin(), events.end(), [](const field::Event& event) {
+        return event.kind == field::EventKind::Cut && event.complete;
+      })) {
+    rates.dropFrame = false;
+  }
+  const std::optional<StampForm> form = FormFor(rates, options.check.sessionFrameRate);
   if (!form) return std::nullopt;
   return Planner(checked, options, *form).Run();
 }

@@ -236,8 +236,9 @@ class ProjectWriter {
     if (!hasTimes) return {Text(text)};
     if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
     if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
+    const bool isRate = Is(entry.label, "SEQ_SAMPLE_RATE") || Is(entry.label, "SEQ_FRAME_RATE");
     const std::optional<std::int64_t> time = TimeOf(text);
-    if (!time || IsAtProjectRates(text)) return {Text(text)};
+    if (isRate || !time || IsAtProjectRates(text)) return {Text(text)};
     const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
     return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
   }
@@ -415,8 +416,8 @@ class ProjectWriter {
     }
     if (Is(entry.label, "Rem")) {
       const field::Value name = ReadNameText(tree_, entry);
-      const Values named = {"NAME", name.IsThere() ? AdlText::Quoted(project_.TextOf(name)) : ""};
-      text_.Line(entry.label, name.IsThere() ? named : ValuesOf(entry));
+      const Values named = {"NAME", name.IsGiven() ? AdlText::Quoted(project_.TextOf(name)) : ""};
+      text_.Line(entry.label, name.IsGiven() ? named : ValuesOf(entry));
       return;
     }
     text_.Line(entry.label, StampedValuesOf(entry, FewestValues(entry)));

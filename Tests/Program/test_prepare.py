@@ -238,14 +238,16 @@ class Leftovers(ProgramTest):
     def test_changes_say_what_became_of_each(self):
         prepared = self.prepare(m.project(
             header=m.HEADER.replace("01.00:00:00/0000", "01.00.00.00/0000"),
-            events=m.cut(more=f"(Infade) _ LIN _ _ _ (Outfade) {m.stamp(3840, separator='.')} LIN _ _ _") +
+            events=m.cut(more=f"(Infade) _ LIN _ _ _ (Outfade) {m.stamp(3840, separator='.')} LIN _ _ _ "
+                               "(Rem) NAME _") +
             m.cut(2, channels="2", tracks="3", more='(Rem) NAME "\uc74c\u6ce2"')), files={"take.wav": STEREO})
         texts = {(item["code"], item["entry"]): item["text"] for item in prepared.json["changes"]}
         self.assertEqual(texts["fade-form", 1], "Fade left out: it has no length.")
         self.assertEqual(texts["fade-separator", 1],
-                         f"Fade length written as {m.stamp(3840, separator=';')}, the same number of samples.")
+                         f"Fade length written as {m.stamp(3840, separator=';')}.")
         self.assertEqual(texts["channels", 2], "Made a mono cut of a mono file.")
         self.assertIn("?\u6ce2", texts["text-encoding", 2])
+        self.assertIn("(Rem) NAME _\n", (self.folder / "out/Show.adl").read_text("shift-jis"))
         self.assertIn("(SEQ_DEST_START) 01.00.00.00/0000", (self.folder / "out/Show.adl").read_text("shift-jis"))
 
     def test_notes_are_kept_and_carried_over(self):
