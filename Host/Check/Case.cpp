@@ -16,12 +16,12 @@ bool StandsBefore(const FaultyLine& a, const FaultyLine& b) {
 }  // namespace
 
 Case::Case(const field::Project& fieldProject, const std::vector<SourceMedia>& sourceMedia,
-           const CheckOptions& checkOptions, std::string projectFolder)
+           const CheckOptions& checkOptions, std::string projectFolder, SystemReading systemReading)
     : project(fieldProject),
       media(sourceMedia),
       options(checkOptions),
       folder(std::move(projectFolder)),
-      system(fieldProject.tree.file),
+      system(std::move(systemReading)),
       used_(fieldProject.sources.size()) {
   seen_.reserve(project.tree.entries.size());
   std::size_t hint = 0;

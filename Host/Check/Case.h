@@ -29,7 +29,7 @@ struct FaultyLine {
 class Case {
  public:
   Case(const field::Project& fieldProject, const std::vector<SourceMedia>& sourceMedia,
-       const CheckOptions& checkOptions, std::string folder);
+       const CheckOptions& checkOptions, std::string folder, SystemReading systemReading);
 
   const field::Project& project;
   const std::vector<SourceMedia>& media;  ///< one for each source of the project, in its order

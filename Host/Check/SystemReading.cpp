@@ -46,13 +46,16 @@ std::vector<std::size_t> KeepLastOfEach(std::vector<Record>& records, std::size_
 
 }  // namespace
 
-SystemReading::SystemReading(std::string_view bytes) : block_(new char[bytes.size() + 1]) {
+SystemReading::SystemReading(std::string_view bytes)
+    : block_(new char[bytes.size() + 1]), blockEnd_(block_.get() + bytes.size()) {
   std::memcpy(block_.get(), bytes.data(), bytes.size());
-  char* const end = block_.get() + bytes.size();
-  *end = '\0';
+  *blockEnd_ = '\0';
+}
+
+void SystemReading::Read() {
   std::vector<std::vector<AES31Section>> refLists;
   std::vector<const char*> comments;
-  AdlScanner(block_.get(), end, refLists, comments).Scan(sections_);
+  AdlScanner(block_.get(), blockEnd_, refLists, comments).Scan(sections_);
 
   for (const AES31Section& section : sections_) {
     for (const AES31Entry& line : section.entries) lines_.push_back(&line);

@@ -42,7 +42,10 @@ struct SystemFault {
 /// them.
 class SystemReading {
  public:
+  /// Copies the bytes. Everything else is to be asked after Read.
   explicit SystemReading(std::string_view bytes);
+  /// Reads the copy. Called once; it may run while others use the bytes that were copied.
+  void Read();
 
   /// The line whose label begins at that offset; null if the system does not see it. `hint` makes
   /// questions in file order cheap: begin with 0 and hand it over again.
@@ -68,6 +71,7 @@ class SystemReading {
   void TakeLine(SystemEvent& event, const AES31Entry& line);
 
   std::unique_ptr<char[]> block_;
+  char* blockEnd_;  ///< where the scanner's spare NUL stands
   std::vector<AES31Section> sections_;
   std::vector<const AES31Entry*> lines_;  ///< of sections outside reference lists, in file order
   std::vector<SystemEvent> events_;       ///< in file order

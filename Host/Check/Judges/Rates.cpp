@@ -58,9 +58,19 @@ class StampJudge {
   StampJudge(const Case& c, Findings& findings, bool marksAreTold)
       : c_(c), findings_(findings), marksAreTold_(marksAreTold) {}
 
+  /// The common case, told without working the time out: all its characters stand there, its marks
+  /// are believed, and its rate is the project's. The system then reads the same.
+  [[nodiscard]] bool IsPlain(const field::Value& stamp) const {
+    if (stamp.quoted || stamp.text.size() != kTimestampLength) return false;
+    const field::TimeContext& times = c_.project.times;
+    const std::optional<field::StampMarks> marks = field::ReadMarks(stamp.text, times);
+    return marks && times.trust == field::Trust::Marks &&
+           marks->rates.sampleRate == c_.project.rates.sampleRate;
+  }
+
   /// True if something is wrong with the stamp, which is then told.
   bool Judge(field::EntryPlace line, const field::Value& stamp, Severity severity, Place where) {
-    if (!stamp.IsGiven()) return false;
+    if (!stamp.IsGiven() || IsPlain(stamp)) return false;
     const std::optional<field::Time> time = field::ReadTime(stamp.text, c_.project.times);
     if (!time) return false;
     const std::string_view raw = c_.RawOf(stamp);
@@ -138,10 +148,11 @@ void JudgeRates(const Case& c, Findings& findings) {
     for (const std::optional<field::Fade>* const fade : {&event.fadeIn, &event.fadeOut}) {
       if (told || !*fade) continue;
       const field::EntryPlace line = (*fade)->place;
+      const field::Value length = field::ReadFadeTexts(tree, c.Line(line)).length;
+      if (stamps.IsPlain(length)) continue;
       // A length that the system refuses is told as such.
       if (!AdlIsTimestamp(c.SystemText(line, 0).c_str())) continue;
-      told = stamps.Judge(line, field::ReadFadeTexts(tree, c.Line(line)).length, severity,
-                          {.event = i});
+      told = stamps.Judge(line, length, severity, {.event = i});
     }
   }
 }
