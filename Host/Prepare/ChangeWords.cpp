@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -10,6 +11,7 @@
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
 #include "Base/Text.h"
+#include "Field/TextPlaces.h"
 #include "Prepare/ShiftJisWriter.h"
 
 namespace velmora::prepare {
@@ -21,7 +23,10 @@ class ChangeWriter {
  public:
   ChangeWriter(const check::CheckedProject& checked, const PrepareOptions& options,
                const Plan& plan, const std::vector<std::size_t>& shortened)
-      : checked_(checked), options_(options), plan_(plan) {
+      : checked_(checked),
+        options_(options),
+        plan_(plan),
+        eventStarts_(StartsOf(*checked.project)) {
     const std::vector<field::Event>& events = checked.project->events;
     for (const field::Event& event : events) ++eventsOf_[event.number];
     for (const PlannedEvent& event : plan.events) {
@@ -253,18 +258,20 @@ class ChangeWriter {
     return std::to_string(facts != nullptr ? facts->sampleRate : 0);
   }
 
-  /// The planned cuts that a finding is about.
+  /// The planned cuts that a finding is about: those made of the event in whose lines it stands.
   std::vector<const PlannedCut*> CutsOf(const check::Finding& finding) const {
     std::vector<const PlannedCut*> cuts;
     if (!finding.entry) return cuts;
-    const auto numberOf = [&](const PlannedEvent& event) {
-      return checked_.project->events[event.origin].number;
-    };
-    // Events stand by rising number, and so do the planned ones.
+    const auto next = std::upper_bound(
+        eventStarts_.begin(), eventStarts_.end(), std::pair(finding.line, finding.column),
+        [](const auto& place, const EventStart& start) { return place < start.place; });
+    if (next == eventStarts_.begin()) return cuts;
+    const std::size_t origin = std::prev(next)->origin;
+    // Planned events stand in the order of those that they were made of.
     auto event = std::lower_bound(
-        plan_.events.begin(), plan_.events.end(), *finding.entry,
-        [&](const PlannedEvent& planned, std::int32_t entry) { return numberOf(planned) < entry; });
-    for (; event != plan_.events.end() && numberOf(*event) == *finding.entry; ++event) {
+        plan_.events.begin(), plan_.events.end(), origin,
+        [](const PlannedEvent& planned, std::size_t wanted) { return planned.origin < wanted; });
+    for (; event != plan_.events.end() && event->origin == origin; ++event) {
       if (event->cut) cuts.push_back(&*event->cut);
     }
     return cuts;
@@ -296,9 +303,31 @@ class ChangeWriter {
     return text;
   }
 
+  /// Where the first line of an event stands in the text: line and column, both from 1.
+  struct EventStart {
+    std::pair<std::int64_t, std::int64_t> place;
+    std::size_t origin;  ///< position in Project::events
+  };
+
+  static std::vector<EventStart> StartsOf(const field::Project& project) {
+    const field::TextPlaces places(project.tree.file);
+    std::vector<EventStart> starts;
+    starts.reserve(project.events.size());
+    for (std::size_t i = 0; i < project.events.size(); ++i) {
+      const std::size_t label =
+          project.tree.OffsetOf(project.tree.entries[project.events[i].place].label);
+      const field::TextPlace at = places.At(label > 0 ? label - 1 : 0);
+      starts.push_back({{at.line, at.column}, i});
+    }
+    std::sort(starts.begin(), starts.end(),
+              [](const EventStart& a, const EventStart& b) { return a.place < b.place; });
+    return starts;
+  }
+
   const check::CheckedProject& checked_;
   const PrepareOptions& options_;
   const Plan& plan_;
+  const std::vector<EventStart> eventStarts_;                   ///< by place
   std::map<std::int32_t, std::size_t> eventsOf_;                ///< by entry number
   std::map<std::int32_t, std::size_t> plannedOf_;               ///< by entry number of the original
   std::set<std::int32_t> shortened_;                            ///< entry numbers
