@@ -62,8 +62,7 @@ bool HasFocus(TextView* entry) {
 
 // What a key or a button has done is seen when the window has taken it.
 void WaitForText(const std::string& what, TextView* entry, const std::string& text) {
-  WaitFor(
-      what + ": " + text, [&] { return TextOf([entry string]) == text; }, 5);
+  WaitFor(what + ": " + text, [&] { return TextOf([entry string]) == text; });
 }
 
 // Shows 123 frames in the offset.
@@ -194,6 +193,9 @@ void RefusesDrops() {
   Click(field);
   WaitFor("the field takes keys", [&] { return [field currentEditor] != nil; });
   TypeText("987654321987654321");
+  // A click that overtakes what is typed would take the focus away from it.
+  WaitFor("the field shows what was typed",
+          [&] { return TextOf([[field currentEditor] string]) == "987654321987654321"; });
   Prepare();
 
   // By a mouse: out of the entry into itself and into the field.
