@@ -56,7 +56,6 @@ class ChangeWriter {
     if (IsGone(finding)) return TextOfGone(finding.code);
     switch (finding.code) {
       case Code::FadeSeparator:
-        return FadeText(finding) + '.';
       case Code::FadeForm:
         return FadeText(finding) + '.';
       case Code::ValuesMissing:

@@ -118,6 +118,7 @@ class FileMaker {
     job.frameCount = file.frameCount;
     job.sampleRate = file.sampleRate;
     std::vector<media::ConversionTarget> targets;
+    targets.reserve(group.size());
     for (const std::size_t member : group) {
       targets.push_back({PathOf(files_[member]), files_[member].channel});
     }

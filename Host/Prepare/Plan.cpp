@@ -243,7 +243,7 @@ class Planner {
         if (indexOfNone_ == 0) indexOfNone_ = FreeIndex();
         cut.sourceIndex = indexOfNone_;
       }
-      plan_.events.push_back({rough.event, event.number, std::move(cut)});
+      plan_.events.push_back({rough.event, event.number, cut});
     }
     RebaseSources();
     std::erase_if(plan_.events, [&](const PlannedEvent& event) { return !CanBeWritten(event); });

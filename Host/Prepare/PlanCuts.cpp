@@ -58,7 +58,7 @@ class CutPlanner {
       cut.cut.whole = true;
       cut.cut.gainDb = event.GainOf(event.tracks.first);
       cut.cut.keepsGainLines = !HasOneGain(event);
-      result_.cuts.push_back(std::move(cut));
+      result_.cuts.push_back(cut);
       return;
     }
     for (const Pair& pair : PairsOf(place, facts)) {
@@ -70,7 +70,7 @@ class CutPlanner {
       mono.cut.sourceChannels = {channel, channel};
       mono.cut.tracks = {pair.track, pair.track};
       mono.cut.gainDb = event.GainOf(pair.track);
-      result_.cuts.push_back(std::move(mono));
+      result_.cuts.push_back(mono);
     }
   }
 

@@ -12,7 +12,7 @@ namespace {
 CLI::Validator EncodingForm() {
   return CLI::Validator(
       [](const std::string& name) -> std::string {
-        const iconv_t converter = iconv_open("UTF-8", name.c_str());
+        iconv_t converter = iconv_open("UTF-8", name.c_str());
         // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface's own way to tell a failure
         if (name.empty() || converter == reinterpret_cast<iconv_t>(-1)) {
           return "'" + name + "' is no encoding that iconv knows; see iconv --list";

@@ -12,7 +12,7 @@ namespace {
 
 bool IsNumber(const std::string& text) {
   const std::size_t first = text.find_first_not_of("+-");
-  return first != std::string::npos && first <= 1 && text[first] >= '0' && text[first] <= '9';
+  return first <= 1 && text[first] >= '0' && text[first] <= '9';
 }
 
 std::string Ordinal(const std::string& what, std::int32_t number) {

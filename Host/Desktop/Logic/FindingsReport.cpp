@@ -36,6 +36,7 @@ std::vector<std::pair<check::Code, std::size_t>> GraveKinds(const check::Checked
     ++kind.count;
   }
   std::vector<std::pair<check::Code, std::size_t>> sorted;
+  sorted.reserve(kinds.size());
   for (const auto& [code, kind] : kinds) sorted.emplace_back(code, kind.count);
   std::stable_sort(sorted.begin(), sorted.end(), [&](const auto& a, const auto& b) {
     const Kind& first = kinds[a.first];

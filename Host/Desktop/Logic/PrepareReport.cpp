@@ -60,6 +60,7 @@ void AddNotes(const Prepared& prepared, std::string& text) {
     if (finding.severity == check::Severity::Note) ++counts[finding.code];
   }
   std::vector<std::string> lines;
+  lines.reserve(counts.size());
   for (const auto& [code, count] : counts) lines.push_back(Heading("", code, count));
   AddGroup(text, "Worth knowing", lines.size(), lines.size(),
            [&](std::size_t i) { return lines[i]; });

@@ -317,13 +317,11 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   NSWindow* place = [NSApp keyWindow] != nil ? [NSApp keyWindow] : window;
   NSResponder* first = [place firstResponder];
   id delegate = [place delegate];
-  if ([first isKindOfClass:[NSText class]]) {
-    [first performSelector:action withObject:sender];
-  } else if (delegate != self && [delegate respondsToSelector:action]) {
-    [delegate performSelector:action withObject:sender];
-  } else if (first != place && [first respondsToSelector:action]) {
-    [first performSelector:action withObject:sender];
-  }
+  id receiver = nil;
+  if (first != place && [first respondsToSelector:action]) receiver = first;
+  const BOOL text = [first isKindOfClass:[NSText class]];
+  if (!text && delegate != self && [delegate respondsToSelector:action]) receiver = delegate;
+  [receiver performSelector:action withObject:sender];
 }
 
 - (void)ratesChanged:(id)sender {
