@@ -317,11 +317,11 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   NSWindow* place = [NSApp keyWindow] != nil ? [NSApp keyWindow] : window;
   NSResponder* first = [place firstResponder];
   id delegate = [place delegate];
-  id receiver = nil;
-  if (first != place && [first respondsToSelector:action]) receiver = first;
+  id taker = nil;
+  if (first != place && [first respondsToSelector:action]) taker = first;
   const BOOL text = [first isKindOfClass:[NSText class]];
-  if (!text && delegate != self && [delegate respondsToSelector:action]) receiver = delegate;
-  [receiver performSelector:action withObject:sender];
+  if (!text && delegate != self && [delegate respondsToSelector:action]) taker = delegate;
+  [taker performSelector:action withObject:sender];
 }
 
 - (void)ratesChanged:(id)sender {
