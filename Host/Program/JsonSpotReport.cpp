@@ -21,20 +21,6 @@ const char* NameOf(FilePass pass) {
   return "depth";
 }
 
-const char* NameOf(RegionPiece piece) {
-  switch (piece) {
-    case RegionPiece::FadeIn:
-      return "infade";
-    case RegionPiece::Crossfade:
-      return "crossfade";
-    case RegionPiece::FadeOut:
-      return "outfade";
-    case RegionPiece::Main:
-      break;
-  }
-  return "main";
-}
-
 Json OptionsJson(const SpotOptions& options) {
   return {{"sessionRate", options.sessionRate},
           {"positionMode", options.positionMode},

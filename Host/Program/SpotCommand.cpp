@@ -91,7 +91,8 @@ bool Finish(const host::Session& session, const host::SessionRates& rates, const
   }
   bool whole = leftOut.Lines().empty();
   if (target != nullptr) {
-    const std::string complaint = target->Write(session, rates);
+    const std::string complaint =
+        target->Write({session, host::HeardSession(session), rates, {}}, {}).trouble;
     if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
     whole = whole && complaint.empty();
   }
@@ -135,7 +136,7 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
 int RunSpotCommand(const SpotArguments& arguments) {
   host::ClaimedTarget claimed;
   if (!arguments.host.target.empty()) {
-    claimed = arguments.host.kind->claim(arguments.host.target);
+    claimed = arguments.host.kind->target->claim(arguments.host.target, {});
     if (!claimed.complaint.empty()) return BadUsage("--host: " + claimed.complaint, "spot");
   }
   if (!arguments.copyFolder.empty()) {

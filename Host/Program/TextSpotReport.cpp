@@ -121,7 +121,7 @@ void TextSpotReport::PrintRegions() const {
   if (regions.size() > kListedRegions) {
     const host::HostKind* const teller = Hosts().front();
     out_ << "  ... and " << regions.size() - kListedRegions << " more; --json or --host "
-         << teller->name << ':' << teller->targetForm << " tells all\n";
+         << teller->name << ':' << teller->target->form << " tells all\n";
   }
   out_ << '\n';
 }

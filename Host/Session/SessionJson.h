@@ -11,7 +11,9 @@ namespace velmora::host {
 ///     summary   tracks, regions, files, first, end
 ///     tracks    for each track in rising order
 ///       track     from 0
-///       regions   in order of arrival: index, name, path, position, length, start, stop, stream
+///       regions   in order of arrival: index, name, path, position, length, start, stop, stream;
+///                 fadeIn, fadeOut, gainDb (RegionShape); event, entry, source, piece
+///                 (RegionOrigin), null where only the message is known
 ///       visible   what is heard, in rising position: region (its index), position, end
 ///
 /// Positions and lengths are in samples, ends exclusive. The output is valid UTF-8 whatever the

@@ -6,6 +6,20 @@
 #include "Spot/SpotPasses.h"
 
 namespace velmora {
+const char* NameOf(RegionPiece piece) {
+  switch (piece) {
+    case RegionPiece::FadeIn:
+      return "infade";
+    case RegionPiece::Crossfade:
+      return "crossfade";
+    case RegionPiece::FadeOut:
+      return "outfade";
+    case RegionPiece::Main:
+      break;
+  }
+  return "main";
+}
+
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer) {
   if (project.project == nullptr) return true;

@@ -20,6 +20,9 @@ struct SpotProject {
 enum class FilePass { Depth, Gain, Fade };
 enum class RegionPiece { Main, FadeIn, Crossfade, FadeOut };
 
+/// As JSON has it: "main", "infade", "crossfade", "outfade".
+[[nodiscard]] const char* NameOf(RegionPiece piece);
+
 /// What a run tells. All calls come from the worker's thread.
 class SpotObserver {
  public:
