@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,14 +36,19 @@ struct Located {
   SearchResult result = SearchResult::Missing;
   std::string path;  ///< of the file found
   Found found = media::Found::Location;
-  std::vector<std::string> candidates;  ///< of an ambiguous search: the different files
+  /// Of an ambiguous search: the different files, the first 20 of them.
+  std::vector<std::string> candidates;
   /// The text of the location names the file, but only once it is decoded: escapes, backslashes,
   /// drive letters or the lack of a slash hide it from the system (location-form).
   bool hiddenByForm = false;
+  /// The system would find the file, were the text not in an encoding that it takes for another:
+  /// nothing else in the text hides it.
+  bool hiddenByEncoding = false;
 };
 
 /// The names of everything below a folder, listed once and shared by all searches of a run. Links
-/// are followed, no folder twice. Callable from many threads.
+/// are followed, no folder twice. Callable from many threads. Media folders stay in memory (see
+/// FolderListing for how much), projects' own folders as long as a million files are not exceeded.
 class FolderListings {
  public:
   FolderListings();
@@ -61,8 +67,10 @@ class MediaSearch {
  public:
   /// @param projectFolder the ADL's folder, absolute, without a slash at its end
   /// @param mediaFolders  further folders, absolute, in the order in which they are searched
+  /// @param cancelled     asked now and then while folders are read; may be empty. What a search
+  ///                      that was cancelled finds is to be thrown away.
   MediaSearch(FolderListings& listings, std::string projectFolder,
-              std::vector<std::string> mediaFolders);
+              std::vector<std::string> mediaFolders, std::function<bool()> cancelled = {});
   ~MediaSearch();
 
   [[nodiscard]] Located Find(const Wanted& wanted);

@@ -1,0 +1,81 @@
+// The system's reader of wave files held against libsndfile.
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BWF/AES31BWF.h"
+#include "Media/AudioFacts.h"
+#include "Media/SoundFile.h"
+#include "Media/WaveHeader.h"
+
+namespace velmora::media {
+namespace {
+
+// The system's reader takes sizes and places in the audio as signed 32-bit numbers.
+constexpr std::int64_t kTooManyBytes = std::int64_t{1} << 31;
+// A shifted start shows in the first sample that is not silence: so a few more are compared.
+constexpr std::int64_t kComparedSamples = 256;
+
+/// True for a format that the system reads as silence or as noise, however good the file is.
+bool IsForeign(const AudioFacts& facts, const WaveHeader& wave) {
+  if (facts.kind != FileKind::Pcm || facts.bitsPerSample % 8 != 0) return true;
+  if (facts.bitsPerSample <= 8 || facts.bitsPerSample > 32) return true;
+  if (wave.ContainerBytes() * 8 != facts.bitsPerSample) return true;
+  return facts.frames >= kTooManyBytes / std::max<std::int64_t>(wave.blockAlign, 1);
+}
+
+/// Compares `count` frames from `first` on, as fractions of full scale, which is what both readers
+/// make of integers of up to 32 bits.
+bool SameSamples(AES31BWF& system, const SoundFile& sound, std::int64_t first, std::int64_t count) {
+  const auto channels = static_cast<std::size_t>(sound.Info().channels);
+  std::vector<int> frames(channels * static_cast<std::size_t>(count));
+  if (sf_seek(sound.Handle(), first, SEEK_SET) != first) return false;
+  if (sf_readf_int(sound.Handle(), frames.data(), count) != count) return false;
+  std::size_t at = 0;
+  for (std::int64_t frame = first; frame < first + count; ++frame) {
+    for (std::uint32_t channel = 0; channel < channels; ++channel, ++at) {
+      const float meant = static_cast<float>(frames[at]) * 0x1p-31F;
+      if (system.GetSampleAt(static_cast<std::int32_t>(frame), channel) != meant) return false;
+    }
+  }
+  return true;
+}
+
+bool SameAudio(AES31BWF& system, const AudioFacts& facts, const SoundFile& sound) {
+  const std::int64_t count =
+      std::min(facts.frames, std::max<std::int64_t>(kComparedSamples / facts.channels, 1));
+  // One reading instance for each stretch: its reads in order are its best.
+  AES31BWF end(system.GetPath());
+  return SameSamples(system, sound, 0, count) &&
+         SameSamples(end, sound, facts.frames - count, count);
+}
+
+bool SameFormat(AES31BWF& system, const AudioFacts& facts) {
+  const BwfFormat& format = *system.GetFormat();
+  return system.IsValid() && format.formatTag == kIntegerPcm && format.channels == facts.channels &&
+         std::int64_t{format.samplesPerSec} == facts.sampleRate &&
+         format.bitsPerSample == facts.bitsPerSample &&
+         system.bytesPerSample * 8 == facts.bitsPerSample &&
+         static_cast<std::int64_t>(system.frames) == facts.frames;
+}
+
+}  // namespace
+
+Obstacle CompareReaders(const std::string& path, const AudioFacts& facts) {
+  std::string trouble;
+  const std::unique_ptr<SoundFile> sound = SoundFile::Open(path, trouble);
+  if (sound == nullptr) return Obstacle::Broken;
+  const std::optional<WaveHeader> wave = ReadWaveHeader(sound->Stream());
+  if (!wave || IsForeign(facts, *wave)) return Obstacle::Kind;
+  // The system does not see an empty data chunk at a file's end. Nothing is lost by that.
+  if (facts.frames == 0) return Obstacle::None;
+  AES31BWF system(path.c_str());
+  if (!SameFormat(system, facts) || !SameAudio(system, facts, *sound)) return Obstacle::Chunks;
+  return Obstacle::None;
+}
+
+}  // namespace velmora::media

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "Base/FileAccess.h"
+
+namespace velmora::media {
+
+/// A sound file open for reading by libsndfile. Only regular files are opened, and never by what
+/// their names end in: headerless audio is none. Opening reads a bounded part of the file, so that
+/// noise of gigabytes takes no time.
+class SoundFile {
+ public:
+  /// Null if it cannot be opened; then `trouble` says why, in plain words.
+  [[nodiscard]] static std::unique_ptr<SoundFile> Open(const std::string& path,
+                                                       std::string& trouble);
+  /// The same with a stream that is open already, which must be one of a regular file.
+  [[nodiscard]] static std::unique_ptr<SoundFile> Open(FileStream stream, std::string& trouble);
+  ~SoundFile();
+  SoundFile(const SoundFile&) = delete;
+  SoundFile& operator=(const SoundFile&) = delete;
+
+  [[nodiscard]] const SF_INFO& Info() const { return info_; }
+  [[nodiscard]] int Container() const { return info_.format & SF_FORMAT_TYPEMASK; }
+  [[nodiscard]] int Encoding() const { return info_.format & SF_FORMAT_SUBMASK; }
+  [[nodiscard]] SNDFILE* Handle() const { return file_; }
+  [[nodiscard]] std::FILE* Stream() const { return stream_.get(); }
+
+ private:
+  explicit SoundFile(FileStream stream);
+
+  static sf_count_t Length(void* self);
+  static sf_count_t Seek(sf_count_t offset, int whence, void* self);
+  static sf_count_t Read(void* bytes, sf_count_t count, void* self);
+  static sf_count_t Write(const void* bytes, sf_count_t count, void* self);
+  static sf_count_t Tell(void* self);
+
+  FileStream stream_;
+  std::int64_t size_ = 0;   ///< of the file, in bytes
+  std::int64_t place_ = 0;  ///< where libsndfile stands
+  std::int64_t bytesLeft_;  ///< that may still be read; see kMostHeaderBytes
+  std::int64_t readsLeft_;
+  SF_INFO info_{};
+  SNDFILE* file_ = nullptr;  ///< closed by the destructor
+};
+
+}  // namespace velmora::media
