@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <string>
 
 namespace velmora::host {
@@ -67,58 +66,77 @@ void HeardSession::DropCoveredFadeOuts(const std::vector<std::size_t>& regions) 
 
 void HeardSession::Walk(std::int64_t track,
                         const std::function<bool(const HeardStretch&)>& visit) const {
-  const auto regions = byTrack_.find(track);
-  if (regions == byTrack_.end()) return;
-  const bool fades = std::any_of(regions->second.begin(), regions->second.end(),
-                                 [this](std::size_t region) { return shapes_[region].HasFades(); });
-  if (fades) return WalkFades(regions->second, visit);
-  for (const VisiblePiece& piece : session_.Visible(track)) {
-    if (!visit({piece.position, piece.end, {&piece.region, 1}})) return;
+  HeardTrack stretches(*this, track);
+  HeardStretch stretch;
+  while (stretches.Next(stretch) && visit(stretch)) {
   }
 }
 
-void HeardSession::WalkFades(const std::vector<std::size_t>& regions,
-                             const std::function<bool(const HeardStretch&)>& visit) const {
-  struct Edge {
-    std::int64_t position;
-    std::size_t region;
-    enum { Begins, Changes, Ends } kind;
-  };
-  std::vector<Edge> edges;
-  edges.reserve(regions.size() * 4);
-  for (const std::size_t index : regions) {
-    const SessionRegion& region = session_.Regions()[index];
-    const AppliedShape& shape = shapes_[index];
-    edges.push_back({region.position, index, Edge::Begins});
-    if (shape.fadeIn > 0) edges.push_back({region.position + shape.fadeIn, index, Edge::Changes});
-    if (shape.fadeOut > 0) edges.push_back({region.End() - shape.fadeOut, index, Edge::Changes});
-    edges.push_back({region.End(), index, Edge::Ends});
+HeardTrack::HeardTrack(const HeardSession& heard, std::int64_t track) : heard_(heard) {
+  const auto regions = heard.byTrack_.find(track);
+  if (regions == heard.byTrack_.end()) return;
+  const bool fades =
+      std::any_of(regions->second.begin(), regions->second.end(),
+                  [&](std::size_t region) { return heard.shapes_[region].HasFades(); });
+  if (fades) {
+    CollectEdges(regions->second);
+  } else {
+    pieces_ = heard.session_.Visible(track);
   }
-  std::stable_sort(edges.begin(), edges.end(),
-                   [](const Edge& a, const Edge& b) { return a.position < b.position; });
+}
 
-  std::set<std::size_t> sounding;
-  std::vector<std::size_t> layers;
-  const auto hides = [this](std::size_t index, std::int64_t position) {
-    const SessionRegion& region = session_.Regions()[index];
-    return position >= region.position + shapes_[index].fadeIn &&
-           position < region.End() - shapes_[index].fadeOut;
-  };
-  for (std::size_t i = 0; i < edges.size();) {
-    const std::int64_t position = edges[i].position;
-    for (; i < edges.size() && edges[i].position == position; ++i) {
-      if (edges[i].kind == Edge::Begins) sounding.insert(edges[i].region);
-      if (edges[i].kind == Edge::Ends) sounding.erase(edges[i].region);
-    }
-    if (sounding.empty()) continue;
-    layers.clear();
-    for (auto region = sounding.rbegin(); region != sounding.rend(); ++region) {
-      layers.push_back(*region);
-      if (hides(*region, position)) break;
-    }
-    std::reverse(layers.begin(), layers.end());
-    if (!visit({position, edges[i].position, layers})) return;
+bool HeardTrack::Next(HeardStretch& stretch) {
+  if (!edges_.empty()) return NextFaded(stretch);
+  if (next_ == pieces_.size()) return false;
+  const VisiblePiece& piece = pieces_[next_++];
+  stretch = {piece.position, piece.end, {&piece.region, 1}};
+  return true;
+}
+
+void HeardTrack::CollectEdges(const std::vector<std::size_t>& regions) {
+  edges_.reserve(regions.size() * 4);
+  for (const std::size_t index : regions) {
+    const SessionRegion& region = heard_.session_.Regions()[index];
+    const AppliedShape& shape = heard_.shapes_[index];
+    edges_.push_back({region.position, index, Edge::Begins});
+    if (shape.fadeIn > 0) edges_.push_back({region.position + shape.fadeIn, index, Edge::Changes});
+    if (shape.fadeOut > 0) edges_.push_back({region.End() - shape.fadeOut, index, Edge::Changes});
+    edges_.push_back({region.End(), index, Edge::Ends});
   }
+  std::stable_sort(edges_.begin(), edges_.end(),
+                   [](const Edge& a, const Edge& b) { return a.position < b.position; });
+}
+
+bool HeardTrack::NextFaded(HeardStretch& stretch) {
+  while (next_ < edges_.size()) {
+    const std::int64_t position = edges_[next_].position;
+    for (; next_ < edges_.size() && edges_[next_].position == position; ++next_) {
+      const Edge& edge = edges_[next_];
+      if (edge.kind == Edge::Begins) sounding_.insert(edge.region);
+      if (edge.kind == Edge::Ends) sounding_.erase(edge.region);
+    }
+    if (sounding_.empty()) continue;
+    CollectLayers(position);
+    // What sounds has an end, so an edge follows.
+    stretch = {position, edges_[next_].position, layers_};
+    return true;
+  }
+  return false;
+}
+
+void HeardTrack::CollectLayers(std::int64_t position) {
+  layers_.clear();
+  for (auto region = sounding_.rbegin(); region != sounding_.rend(); ++region) {
+    layers_.push_back(*region);
+    if (Hides(*region, position)) break;
+  }
+  std::reverse(layers_.begin(), layers_.end());
+}
+
+bool HeardTrack::Hides(std::size_t index, std::int64_t position) const {
+  const SessionRegion& region = heard_.session_.Regions()[index];
+  const AppliedShape& shape = heard_.shapes_[index];
+  return position >= region.position + shape.fadeIn && position < region.End() - shape.fadeOut;
 }
 
 }  // namespace velmora::host

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -67,16 +68,46 @@ class HeardSession {
   void Walk(std::int64_t track, const std::function<bool(const HeardStretch&)>& visit) const;
 
  private:
+  friend class HeardTrack;
+
   void CutToLength(std::size_t region);
   void DropCoveredFadeOuts(const std::vector<std::size_t>& regions);
-  void WalkFades(const std::vector<std::size_t>& regions,
-                 const std::function<bool(const HeardStretch&)>& visit) const;
 
   const Session& session_;
   /// The regions that sound, by track, in order of arrival.
   std::map<std::int64_t, std::vector<std::size_t>> byTrack_;
   std::vector<AppliedShape> shapes_;
   std::vector<Remark> remarks_;
+};
+
+/// One track of a HeardSession, a stretch at a time, for those who follow several tracks at once.
+/// `heard` must outlive this. Needs memory in the number of the track's regions.
+class HeardTrack {
+ public:
+  HeardTrack(const HeardSession& heard, std::int64_t track);
+
+  /// The next stretch that is not silent, in rising position. Valid until the next call.
+  /// @return false after the last one
+  [[nodiscard]] bool Next(HeardStretch& stretch);
+
+ private:
+  struct Edge {
+    std::int64_t position;
+    std::size_t region;
+    enum { Begins, Changes, Ends } kind;
+  };
+
+  [[nodiscard]] bool NextFaded(HeardStretch& stretch);
+  void CollectEdges(const std::vector<std::size_t>& regions);
+  void CollectLayers(std::int64_t position);
+  [[nodiscard]] bool Hides(std::size_t region, std::int64_t position) const;
+
+  const HeardSession& heard_;
+  std::size_t next_ = 0;              ///< index into pieces_ or edges_
+  std::vector<VisiblePiece> pieces_;  ///< of a track without fades
+  std::vector<Edge> edges_;           ///< of a track with fades
+  std::set<std::size_t> sounding_;    ///< regions that have begun and not ended
+  std::vector<std::size_t> layers_;   ///< of the stretch that is visited
 };
 
 }  // namespace velmora::host

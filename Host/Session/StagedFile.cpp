@@ -7,12 +7,12 @@
 #include <cstring>
 #include <filesystem>
 
+#include "Session/HiddenName.h"
+
 namespace velmora::host {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr int kTemporaryNames = 1000;  // more than this many in one folder is not by chance
 
 /// Gives a file a name that must be free, and takes its old one away. 0 or an errno.
 int MoveToFreeName(const std::string& from, const std::string& to) {
@@ -44,15 +44,10 @@ StagedFile::~StagedFile() {
 }
 
 bool StagedFile::Create() {
-  // The name is short, since that of the file may be as long as a name can be.
-  const std::string start =
-      fs::path(path_).parent_path() / (".velmora-" + std::to_string(::getpid()));
-  for (int number = 1; number <= kTemporaryNames; ++number) {
-    const std::string name = start + "-" + std::to_string(number) + ".part";
+  written_ = MakeHidden(path_, [this](const std::string& name) {
     stream_ = CreateNewFile(name.c_str());
-    if (stream_ != nullptr) written_ = name;
-    if (stream_ != nullptr || errno != EEXIST) break;
-  }
+    return stream_ != nullptr;
+  });
   return stream_ != nullptr;
 }
 

@@ -85,6 +85,25 @@ TEST(HeardSession, visitsUntilItIsToldToStop) {
   EXPECT_EQ(visits, 1);
 }
 
+TEST(HeardTrack, severalAreFollowedSideBySide) {
+  const Session session = SessionOf({{0, 10, {5, 0, 0}}, {20, 10}, {3, 4, {}, 1}});
+  const HeardSession heard(session);
+  HeardTrack first(heard, 0), second(heard, 1), none(heard, 2);
+  HeardStretch a, b;
+  ASSERT_TRUE(first.Next(a));
+  ASSERT_TRUE(second.Next(b));
+  EXPECT_EQ(a.end, 5);
+  EXPECT_EQ(b.position, 3);
+  EXPECT_EQ(b.regions[0], 2u);
+  ASSERT_TRUE(first.Next(a));
+  EXPECT_FALSE(second.Next(b));
+  EXPECT_FALSE(second.Next(b));
+  ASSERT_TRUE(first.Next(a));
+  EXPECT_EQ(a.position, 20);
+  EXPECT_FALSE(first.Next(a));
+  EXPECT_FALSE(none.Next(a));
+}
+
 struct ShapeRow {
   const char* rule;
   std::vector<Placed> regions;
