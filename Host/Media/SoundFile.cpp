@@ -83,8 +83,10 @@ sf_count_t SoundFile::Read(void* bytes, sf_count_t count, void* self) {
   auto& sound = *static_cast<SoundFile*>(self);
   const std::int64_t wanted = std::min<std::int64_t>(count, sound.bytesLeft_);
   if (wanted <= 0 || sound.readsLeft_ <= 0) return 0;
+  errno = 0;
   const auto got = static_cast<std::int64_t>(
       ReadAt(sound.stream_.get(), sound.place_, bytes, static_cast<std::size_t>(wanted)));
+  if (got < wanted && errno != 0) sound.readError_ = errno;
   sound.place_ += got;
   if (sound.bytesLeft_ != kNoLimit) {
     sound.bytesLeft_ -= got;

@@ -20,8 +20,10 @@ SESSION = [*CORE, "Host/Session"]
 FIELD = [*CORE, "Host/Field"]
 CHECK = [*FIELD, "Host/Media", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
+TARGET = [*SESSION, "Host/Media"]
+TARGETS = ["Host/Bounce"]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS]
+PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, *TARGETS]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -39,7 +41,8 @@ MAY_USE = {
     "Host/Media": CORE,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
-    "Host/Program": [*SESSION, "Host/Embedded", *TASKS],
+    "Host/Bounce": TARGET,
+    "Host/Program": [*SESSION, "Host/Embedded", *TASKS, *TARGETS],
 }
 
 # The shell's own rooms, each of which uses none but those before it.
