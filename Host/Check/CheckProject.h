@@ -19,6 +19,9 @@ struct CheckOptions {
   field::ReadOptions reading;
   std::optional<double> sessionRate;             ///< Hz; none: as the earliest cut says
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7; none: as the earliest cut says
+  /// Looks for media only where the system looks, and takes all others for missing. Enough to tell
+  /// whether there are findings, without a walk through folders.
+  bool atAGlance = false;
 };
 
 /// A source's file, as far as it was found and can be read.
@@ -53,8 +56,11 @@ struct CheckedProject {
                                           media::FolderListings& listings,
                                           const std::function<bool()>& cancelled = {});
 
+/// What a check says of a project that needs more memory than there is.
+[[nodiscard]] CheckedProject OutOfMemory(const std::string& path);
+
 /// What a check says in one line: "3 findings: 2 lose something, 1 fails", for programs that only
-/// point to it. Empty if nothing fails, is misplaced or lost.
+/// point to it, or that it is no ADL. Empty if nothing fails, is misplaced or lost.
 [[nodiscard]] std::string SummaryLine(const CheckedProject& checked);
 
 }  // namespace velmora::check

@@ -14,11 +14,8 @@
 
 namespace velmora::field {
 
-/// Place of an Entry in Tree::entries.
-using EntryPlace = std::uint32_t;
-
 /// A run of channels or tracks, counted from 1: "3" is 3 to 3, "1~2" and "1-2" are 1 to 2, "_"
-/// is 1.
+/// is 1. `last` is not before `first`.
 struct ChannelRun {
   std::int32_t first = 1;
   std::int32_t last = 1;
@@ -26,10 +23,11 @@ struct ChannelRun {
   bool operator==(const ChannelRun&) const = default;
 };
 
-/// One source as the ADL tells it. Times are samples at the project's rate. Texts are UTF-8.
+/// One source as the ADL tells it. Times are samples at the project's rate. Texts are UTF-8. The
+/// values as they stand in the file are told by ReadSourceTexts of `fPlace`.
 struct Source {
   std::int32_t index = 0;                  ///< the number under which events name it
-  EntryPlace place = 0;                    ///< its (Index)
+  EntryPlace place = 0;                    ///< its (Index), its (F) if it has none
   std::optional<EntryPlace> fPlace;        ///< its (F)
   std::string location;                    ///< first (F) value, as spelled, quotation marks off
   std::string reference;                   ///< second (F) value, empty for `_`
@@ -70,11 +68,15 @@ struct Gain {
 
 enum class EventKind { Cut, Silence, Aux, Video, Other };
 
-/// One event. Places are samples at the project's rate. Texts are UTF-8.
+/// One event. Places are samples at the project's rate. Texts are UTF-8. The values as they stand
+/// in the file are told by ReadCutTexts of `edit`.
+///
+/// A second (Cut) after one (Entry) is an event of its own, with the same number.
 struct Event {
   std::int32_t number = 0;  ///< its (Entry)
   bool numberMissing = false;
-  EntryPlace place = 0;            ///< its (Entry)
+  EntryPlace place = 0;            ///< its (Entry), its (Cut) if it has none
+  EntryPlace endPlace = 0;         ///< one past the last entry that belongs to it
   std::optional<EntryPlace> edit;  ///< its (Cut), (Silence), ...
   EventKind kind = EventKind::Other;
   std::string name;      ///< (Rem) NAME
@@ -84,11 +86,15 @@ struct Event {
   // Of a cut:
   std::optional<std::size_t> source;        ///< position in Project::sources; none: no such index
   std::optional<std::int32_t> sourceIndex;  ///< the number that stands there; none for a file name
+  bool indexIsName = false;                 ///< a file name stands in place of the index
   ChannelRun sourceChannels;
   ChannelRun tracks;
   std::int64_t sourceIn = 0;
   std::int64_t position = 0;  ///< destination in
   std::int64_t end = 0;       ///< destination out, exclusive
+  // The last (Infade) and (Outfade), also those that make no fade: of no length, or none given.
+  std::optional<EntryPlace> fadeInPlace;
+  std::optional<EntryPlace> fadeOutPlace;
   std::optional<Fade> fadeIn;
   std::optional<Fade> fadeOut;
   std::vector<Gain> gains;  ///< as written; see GainOf
@@ -96,6 +102,26 @@ struct Event {
   [[nodiscard]] bool IsOff() const { return status == 'D' || status == 'M' || status == 'E'; }
   /// The gain of one destination channel: of several lines that hold for it the last. None: 0 dB.
   [[nodiscard]] std::optional<double> GainOf(std::int32_t destinationChannel) const;
+};
+
+/// What a time is the time of.
+enum class TimeRole { Header, Source, Cut, Fade };
+
+/// Timestamps with the same marks and the same role.
+struct MarksUse {
+  StampMarks marks;  ///< of the first of them
+  TimeRole role = TimeRole::Cut;
+  std::string_view first;  ///< the first of them, in the file
+  std::size_t count = 0;
+};
+
+/// What the header says of time. A keyword that stands twice counts as the later.
+struct HeaderFacts {
+  std::optional<EntryPlace> sampleRatePlace;    ///< (SEQ_SAMPLE_RATE)
+  std::optional<EntryPlace> frameRatePlace;     ///< (SEQ_FRAME_RATE)
+  std::optional<EntryPlace> destStartPlace;     ///< (SEQ_DEST_START)
+  std::optional<EntryPlace> sourceOffsetPlace;  ///< (SYS_SRC_OFFSET)
+  bool hasSourceOffset = false;                 ///< SYS_SRC_OFFSET is given and is not 0
 };
 
 /// How a text is to be read.
@@ -109,15 +135,23 @@ struct Project {
   std::string bytes;  ///< the file; Tree and views point into it
   Tree tree;
   std::string encoding;  ///< "ASCII", "UTF-8", "Shift-JIS", "Windows-1252", "GBK" or the one given
-  bool isAdl = false;    ///< there is an <ADL> or an EVENT_LIST
-  TimeContext times;     ///< how timestamps were read
-  TimeRates rates;       ///< the project's: those of the first cut in the text
-  std::vector<Source> sources;  ///< in file order, the later of two with one number
-  std::vector<Event> events;    ///< by rising number; events with one number in file order
+  /// The encoding of `bytes`: the same, but UTF-8 if the file had to be converted as a whole.
+  std::string bytesEncoding;
+  bool isAdl = false;  ///< there is an <ADL> or an EVENT_LIST
+  HeaderFacts header;
+  TimeContext times;  ///< how timestamps were read
+  /// The project's: those of the first cut in the text that has a time. Without one, those of the
+  /// first full timestamp, else the header's, else 48000 Hz and 30 frames.
+  TimeRates rates;
+  std::vector<MarksUse> marks;              ///< the different marks of its timestamps, by first use
+  std::vector<Source> sources;              ///< in file order, the later of two with one number
+  std::vector<EntryPlace> replacedSources;  ///< the (Index) of each that a later one replaces
+  std::vector<Event> events;  ///< by rising number; events with one number in file order
 
   /// A text of the file as UTF-8, read in the project's encoding, with its escapes undone.
   [[nodiscard]] std::string TextOf(const Value& value) const;
-  /// Offset of `fileStart` in the source's file, in samples at the project's rate.
+  /// Offset of `sourceIn` in the source's file, in samples at the project's rate. None for an event
+  /// without a source.
   [[nodiscard]] std::optional<std::int64_t> FileOffset(const Event& event) const;
 };
 
@@ -128,6 +162,11 @@ struct Project {
 
 /// Decides `fileStart` of every source. `audio` has one element for each source, in the order of
 /// Project::sources; none for a file that is missing or that nothing reads.
+///
+/// A start that is not given, or under which no cut of the source lies inside the file though under
+/// the file's time reference or under 0 all do, is decided between these two: the one under which
+/// more cuts lie inside, the time reference if equal, 0 if none do. The cuts that count are those
+/// that are on, or all if none is.
 void DecideFileStarts(Project& project, const std::vector<std::optional<SourceAudio>>& audio);
 
 }  // namespace velmora::field

@@ -74,8 +74,19 @@ bool IsFloat(int encoding) {
   return encoding == SF_FORMAT_FLOAT || encoding == SF_FORMAT_DOUBLE;
 }
 
+/// libsndfile finds wave files after other things too: tags at their beginning, say.
+FileKind KindWithoutHeader(const SoundFile& sound) {
+  const bool littleEndian = (sound.Info().format & SF_FORMAT_ENDMASK) != SF_ENDIAN_BIG;
+  if (sound.Container() == SF_FORMAT_RF64) return FileKind::Rf64;
+  if (sound.Container() == SF_FORMAT_WAVEX && littleEndian) return FileKind::Extensible;
+  if (sound.Container() != SF_FORMAT_WAV || !littleEndian || !IsPlain(sound.Encoding())) {
+    return FileKind::Other;
+  }
+  return IsFloat(sound.Encoding()) ? FileKind::Float : FileKind::Pcm;
+}
+
 FileKind KindOf(const SoundFile& sound, const std::optional<WaveHeader>& wave) {
-  if (!wave) return sound.Container() == SF_FORMAT_RF64 ? FileKind::Rf64 : FileKind::Other;
+  if (!wave) return KindWithoutHeader(sound);
   if (wave->longForm) return FileKind::Rf64;
   // Tools write floats in plain and in extensible headers. What counts for people is the float.
   if (IsFloat(sound.Encoding())) return FileKind::Float;

@@ -1,9 +1,15 @@
 #include "Media/SoundFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <optional>
+
+#include "Media/MpegFrames.h"
+#include "Media/WaveHeader.h"
+#include "Media/WaveWriter.h"
 
 namespace velmora::media {
 namespace {
@@ -23,6 +29,19 @@ std::string WhyNotOpened(int error) {
     default:
       return std::strerror(error);
   }
+}
+
+/// Bytes of an ID3 tag at a file's beginning (ID3v2, section 3.1), 0 if there is none. libsndfile
+/// passes over tags only in files that it opens itself.
+std::int64_t BytesOfTag(std::FILE* stream) {
+  constexpr std::int64_t kHeadBytes = 10;
+  constexpr std::uint8_t kHasFooter = 0x10;
+  std::array<std::uint8_t, kHeadBytes> head{};
+  if (ReadAt(stream, 0, head.data(), head.size()) != head.size()) return 0;
+  if (head[0] != 'I' || head[1] != 'D' || head[2] != '3') return 0;
+  std::int64_t size = 0;
+  for (std::size_t i = 6; i < 10; ++i) size = size * 128 + (head[i] & 0x7F);
+  return kHeadBytes + size + ((head[5] & kHasFooter) != 0 ? kHeadBytes : 0);
 }
 
 }  // namespace
@@ -52,17 +71,64 @@ std::unique_ptr<SoundFile> SoundFile::Open(FileStream stream, std::string& troub
     trouble = "the file is empty";
     return nullptr;
   }
-  SF_VIRTUAL_IO access{&SoundFile::Length, &SoundFile::Seek, &SoundFile::Read, &SoundFile::Write,
-                       &SoundFile::Tell};
-  sound->file_ = sf_open_virtual(&access, SFM_READ, &sound->info_, sound.get());
-  const bool opened = sound->file_ != nullptr;
-  if (!opened || sound->info_.channels <= 0 || sound->info_.samplerate <= 0) {
+  sound->bodyPlace_ = std::min(BytesOfTag(sound->stream_.get()), sound->size_);
+  sound->size_ -= sound->bodyPlace_;
+  if (LooksLikeMpegByChance(sound->stream_.get(), sound->bodyPlace_) ||
+      (!sound->OpenAsShown() && !(sound->Mend() && sound->OpenAsShown()))) {
     trouble = "this is no sound file, or a damaged one";
     return nullptr;
   }
   sound->bytesLeft_ = kNoLimit;
   sound->readsLeft_ = kNoLimit;
+  if (sound->info_.frames == kNoLimit) sound->CountFrames();
   return sound;
+}
+
+bool SoundFile::OpenAsShown() {
+  SF_VIRTUAL_IO access{&SoundFile::Length, &SoundFile::Seek, &SoundFile::Read, &SoundFile::Write,
+                       &SoundFile::Tell};
+  if (file_ != nullptr) sf_close(file_);
+  info_ = {};
+  place_ = 0;
+  file_ = sf_open_virtual(&access, SFM_READ, &info_, this);
+  return file_ != nullptr && info_.channels > 0 && info_.samplerate > 0;
+}
+
+/// Prepares another form of a file that libsndfile refused. False if there is none.
+bool SoundFile::Mend() {
+  const std::optional<WaveHeader> wave = ReadWaveHeader(stream_.get());
+  if (!wave) return false;
+  mended_ = true;
+  if (wave->longForm) {
+    constexpr const char* kName = "RF64";
+    head_.assign(kName, kName + 4);
+    bodyPlace_ = 4;
+    return true;
+  }
+  const bool isPlain = wave->formatTag == kTagPcm || wave->formatTag == kTagFloat;
+  const bool fits = wave->dataBytes < std::numeric_limits<std::uint32_t>::max() / 2;
+  if (!isPlain || !fits || !wave->hasFormat || !wave->hasData || wave->ContainerBytes() == 0 ||
+      wave->sampleRate > std::uint32_t{std::numeric_limits<std::int32_t>::max()}) {
+    return false;
+  }
+  const WaveShape shape{static_cast<std::int32_t>(wave->sampleRate), wave->channels,
+                        wave->ContainerBytes() * 8, wave->Frames(), wave->formatTag};
+  head_ = WaveFileHead(shape, {});
+  bodyPlace_ = wave->dataPlace;
+  size_ = static_cast<std::int64_t>(head_.size()) + shape.AudioBytes();
+  return true;
+}
+
+/// Headers of streams do not tell a length: then the audio itself is counted.
+void SoundFile::CountFrames() {
+  constexpr std::int64_t kMostFrames = std::int64_t{1} << 31;  // more than any new file may have
+  std::vector<int> block(static_cast<std::size_t>(info_.channels) * 4096);
+  std::int64_t frames = 0;
+  for (std::int64_t got = 1; got > 0 && frames < kMostFrames; frames += got) {
+    got = sf_readf_int(file_, block.data(), 4096);
+  }
+  OpenAsShown();
+  info_.frames = frames;
 }
 
 sf_count_t SoundFile::Length(void* self) {
@@ -81,11 +147,11 @@ sf_count_t SoundFile::Seek(sf_count_t offset, int whence, void* self) {
 
 sf_count_t SoundFile::Read(void* bytes, sf_count_t count, void* self) {
   auto& sound = *static_cast<SoundFile*>(self);
-  const std::int64_t wanted = std::min<std::int64_t>(count, sound.bytesLeft_);
+  const std::int64_t held = std::max<std::int64_t>(sound.size_ - sound.place_, 0);
+  const std::int64_t wanted = std::min({std::int64_t{count}, sound.bytesLeft_, held});
   if (wanted <= 0 || sound.readsLeft_ <= 0) return 0;
   errno = 0;
-  const auto got = static_cast<std::int64_t>(
-      ReadAt(sound.stream_.get(), sound.place_, bytes, static_cast<std::size_t>(wanted)));
+  const std::int64_t got = sound.ReadShown(static_cast<std::uint8_t*>(bytes), wanted);
   if (got < wanted && errno != 0) sound.readError_ = errno;
   sound.place_ += got;
   if (sound.bytesLeft_ != kNoLimit) {
@@ -93,6 +159,18 @@ sf_count_t SoundFile::Read(void* bytes, sf_count_t count, void* self) {
     --sound.readsLeft_;
   }
   return got;
+}
+
+std::int64_t SoundFile::ReadShown(std::uint8_t* bytes, std::int64_t count) const {
+  const auto headBytes = static_cast<std::int64_t>(head_.size());
+  std::int64_t done = 0;
+  if (place_ < headBytes) {
+    done = std::min(count, headBytes - place_);
+    std::copy_n(head_.begin() + place_, done, bytes);
+  }
+  const std::int64_t inFile = place_ + done - headBytes + bodyPlace_;
+  return done + static_cast<std::int64_t>(ReadAt(stream_.get(), inFile, bytes + done,
+                                                 static_cast<std::size_t>(count - done)));
 }
 
 sf_count_t SoundFile::Write(const void* /*bytes*/, sf_count_t /*count*/, void* /*self*/) {

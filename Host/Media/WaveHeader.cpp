@@ -99,16 +99,17 @@ class Walk {
   }
 
   void TakeFormat(const Chunk& chunk) {
-    constexpr std::int64_t kPlainBytes = 16;
+    constexpr std::int64_t kShortestBytes = 14;  // without the bits of a sample
     constexpr std::int64_t kExtensibleBytes = 40;
-    if (chunk.size < kPlainBytes || header_.hasFormat) return;
+    if (chunk.size < kShortestBytes || header_.hasFormat) return;
     header_.hasFormat = true;
     header_.formatTag = reader_.LittleEndian<std::uint16_t>();
     header_.channels = reader_.LittleEndian<std::uint16_t>();
     header_.sampleRate = reader_.LittleEndian<std::uint32_t>();
     reader_.GoTo(chunk.body + 12);
     header_.blockAlign = reader_.LittleEndian<std::uint16_t>();
-    header_.bits = reader_.LittleEndian<std::uint16_t>();
+    if (chunk.size > kShortestBytes) header_.bits = reader_.LittleEndian<std::uint16_t>();
+    if (header_.bits == 0) header_.bits = static_cast<std::uint16_t>(8 * header_.ContainerBytes());
     if (header_.formatTag != kTagExtensible) return;
     header_.extensible = true;
     if (chunk.size < kExtensibleBytes) return;

@@ -2,10 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "Program/AbsolutePath.h"
 #include "Program/Hosts.h"
 #include "Program/OptionForms.h"
 #include "Program/Usage.h"
@@ -21,9 +22,15 @@ constexpr const char* kExamples = R"(Examples:
   velmora spot Radio.adl --fades --gain --copy-to Audio
   velmora spot Radio.adl --position start --start 10:00:00:00 --depth 16
   velmora spot Radio.adl --only-tracks 1,3-5 --host embedded:session.json
+  velmora check Radio.adl --media Takes          what would go wrong, where, what helps
+  velmora check . --json | jq -r .verdict        every project below a folder
+  velmora prepare Radio.adl --into Clean         a project that spots as it was meant
+  velmora spot Radio.adl --prepare --host embedded:session.json
 
-Exit status: 0 all done; 1 bad usage; 2 the project does not load; 3 spotted, but
-something of a ticked cut was left out; 130 interrupted (Ctrl-C stops between events).)";
+Exit status: 0 all done; 1 bad usage; 2 the project does not load, or is no ADL;
+3 spotted, but something of a ticked cut was left out, or checked, and something would
+fail, be misplaced or be lost, or prepared, and something of that is left;
+130 interrupted (Ctrl-C stops a spot between events, and leaves nothing of a prepare).)";
 
 /// Words of --position, in the order of help.
 constexpr std::pair<const char*, PositionMode> kPositions[] = {{"project", PositionAsProject},
@@ -44,20 +51,15 @@ PositionMode PositionOf(const std::string& text) {
   return PositionAsProject;
 }
 
-/// The project sees absolute paths alone; what is absolute already stays as it was typed.
-std::string AbsolutePath(const std::string& path) {
-  if (path.empty()) return path;  // names nothing, and is complained about as such
-  const std::filesystem::path given(path);
-  if (given.is_absolute()) return path;
-  const std::filesystem::path absolute = std::filesystem::absolute(given);
-  // Taking ".." away would change the way through a symbolic link.
-  const bool climbs = std::find(given.begin(), given.end(), "..") != given.end();
-  return climbs ? absolute.string() : absolute.lexically_normal().string();
-}
-
 /// Options as they are typed, without the library's notes on types and relations.
 class PlainFormatter : public CLI::Formatter {
  public:
+  std::string make_option_name(const CLI::Option* option, bool isPositional) const override {
+    const std::string name = CLI::Formatter::make_option_name(option, isPositional);
+    // A flag that may have a value would show the text that stands for none.
+    const std::size_t brace = name.find('{');
+    return brace == std::string::npos ? name : name.substr(0, brace) + "[=DIR]";
+  }
   std::string make_option_opts(const CLI::Option* option) const override {
     if (option->get_type_size() == 0) return {};
     const std::string value = option->get_default_str();
@@ -74,7 +76,11 @@ struct RawOptions {
   double sessionRate = 0;
   std::string host = Hosts().front()->name;
   std::string copyFolder;
+  std::string prepare;
 };
+
+/// What --prepare stands for without a folder: a text that names none.
+constexpr const char* kNoFolder = "//";
 
 void AddBoxOptions(CLI::App& spot, RawOptions& raw) {
   auto* const skipTracks =
@@ -140,6 +146,12 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
                   "30df, 23.976;\notherwise that of the project's first cut")
       ->type_name("CODE")
       ->check(FrameRateForm());
+  spot.add_flag(std::string("--prepare{") + kNoFolder + '}', raw.prepare,
+                "Spot what velmora prepare makes of the project,\nat its true position; "
+                "--prepare=DIR names the\nfolder to make, which must not exist or be empty");
+  spot.add_flag("--true-position", arguments.truePosition,
+                "Place every cut to the sample where the project\nhas it, whatever the session "
+                "makes of its timecode");
   spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
@@ -171,10 +183,76 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   if (!complaint.empty()) return "--host: " + complaint;
   arguments.host.target = AbsolutePath(arguments.host.target);
 
+  arguments.prepare = spot.count("--prepare") > 0;
+  if (arguments.prepare && raw.prepare != kNoFolder) {
+    arguments.prepareInto = AbsolutePath(raw.prepare);
+  }
+  arguments.truePosition = arguments.truePosition || arguments.prepare;
+
   if (spot.count("--copy-to") > 0 && raw.copyFolder.empty()) {
     return "--copy-to: the name of the folder is empty";
   }
   arguments.copyFolder = AbsolutePath(raw.copyFolder);
+  return {};
+}
+
+struct RawCheckOptions {
+  RawReadingOptions reading;
+  std::uint32_t jobs = 0;
+};
+
+void AddCheckOptions(CLI::App& check, CheckArguments& arguments, RawCheckOptions& raw) {
+  check
+      .add_option("projects", arguments.projects, "ADL files, and folders: every *.adl below them")
+      ->type_name("PROJECT...")
+      ->required();
+  AddReadingOptions(check, raw.reading);
+  check
+      .add_option("--jobs", raw.jobs,
+                  "Projects that are read side by side; otherwise\none for each processor")
+      ->type_name("N")
+      ->check(JobsForm());
+  check.add_flag("--json", arguments.json, "As JSON Lines, one object for each project");
+}
+
+CheckArguments FinishCheck(CheckArguments arguments, const RawCheckOptions& raw,
+                           const CLI::App& check) {
+  arguments.options = FinishReadingOptions(raw.reading, check);
+  arguments.jobs = raw.jobs;
+  return arguments;
+}
+
+/// The texts of prepare's options that need more than a validator.
+struct RawPrepare {
+  std::string into;
+  RawReadingOptions reading;
+};
+
+void AddPrepareOptions(CLI::App& prepare, PrepareArguments& arguments, RawPrepare& raw) {
+  prepare.add_option("project", arguments.project, "The ADL file")->type_name("FILE")->required();
+  prepare
+      .add_option("--into", raw.into,
+                  "The folder to make, with the project and Audio/;\nit must not exist or be empty")
+      ->type_name("DIR");
+  AddReadingOptions(prepare, raw.reading);
+  prepare::PrepareOptions& options = arguments.options;
+  prepare.add_flag("--copy-media", options.copyMedia,
+                   "Copy the audio that stays as it is; otherwise\nit is linked");
+  prepare.add_flag("--keep-stereo", options.keepStereo,
+                   "Leave cuts whole that play all channels of a file");
+  prepare.add_flag("--keep-off", options.keepOff, "Keep events that are switched off");
+  prepare.add_flag("--resample", options.resample,
+                   "Bring audio of another sample rate to the\nproject's");
+  prepare.add_flag("--json", arguments.json, "As one JSON object on standard output");
+}
+
+std::string FinishPrepare(PrepareArguments& arguments, const RawPrepare& raw,
+                          const CLI::App& prepare) {
+  if (prepare.count("--into") == 0) return "--into is missing: name the folder to make";
+  if (raw.into.empty()) return "--into: the name of the folder is empty";
+  arguments.project = AbsolutePath(arguments.project);
+  arguments.options.into = AbsolutePath(raw.into);
+  arguments.options.check = FinishReadingOptions(raw.reading, prepare);
   return {};
 }
 
@@ -199,6 +277,17 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   CLI::App* const spot = app.add_subcommand("spot", "Prepare the audio and place every cut");
   AddSpotOptions(*spot, spotArguments, raw);
 
+  CheckArguments checkArguments;
+  RawCheckOptions rawCheck;
+  CLI::App* const check = app.add_subcommand("check", "Say what would go wrong in a spot, and why");
+  AddCheckOptions(*check, checkArguments, rawCheck);
+
+  PrepareArguments prepareArguments;
+  RawPrepare rawPrepare;
+  CLI::App* const prepare =
+      app.add_subcommand("prepare", "Make a clean project out of one that is not");
+  AddPrepareOptions(*prepare, prepareArguments, rawPrepare);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // help or version was asked for
@@ -209,6 +298,16 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   if (info->parsed()) {
     infoArguments.project = AbsolutePath(infoArguments.project);
     return infoArguments;
+  }
+  if (prepare->parsed()) {
+    const std::string complaint = FinishPrepare(prepareArguments, rawPrepare, *prepare);
+    if (!complaint.empty()) return BadUsage(complaint, "prepare");
+    return prepareArguments;
+  }
+  if (check->parsed()) return FinishCheck(std::move(checkArguments), rawCheck, *check);
+  // The library takes an empty value for none.
+  if (std::find(argv, argv + argc, std::string_view("--prepare=")) != argv + argc) {
+    return BadUsage("--prepare: the name of the folder is empty", "spot");
   }
   spotArguments.project = AbsolutePath(spotArguments.project);
   const std::string complaint = Finish(spotArguments, raw, *spot);

@@ -5,7 +5,9 @@
 #include <string>
 #include <variant>
 
+#include "Prepare/PrepareProject.h"
 #include "Program/BoxChoice.h"
+#include "Program/CheckArguments.h"
 #include "Session/HostKind.h"
 
 namespace velmora::program {
@@ -29,12 +31,21 @@ struct SpotArguments {
   std::optional<float> sessionRate;              ///< Hz
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
   host::HostChoice host;                         ///< its target, if any, as an absolute path
+  bool prepare = false;                          ///< spots a prepared project
+  std::string prepareInto;    ///< absolute path; empty: a folder with a free name
+  bool truePosition = false;  ///< without the compensation; always so with `prepare`
   bool json = false;
   bool quiet = false;
 };
 
+struct PrepareArguments {
+  std::string project;  ///< absolute path
+  prepare::PrepareOptions options;
+  bool json = false;
+};
+
 /// An exit status: there is nothing to do, help was shown or a complaint made.
-using Command = std::variant<int, InfoArguments, SpotArguments>;
+using Command = std::variant<int, InfoArguments, SpotArguments, CheckArguments, PrepareArguments>;
 
 /// Reads the command line and shows help or says what is wrong with it. Touches no file.
 [[nodiscard]] Command ReadCommandLine(int argc, const char* const* argv);

@@ -4,6 +4,7 @@
 
 #include "Model/ProjectSummary.h"
 #include "Program/ExitStatus.h"
+#include "Program/FindingsHint.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
@@ -22,6 +23,7 @@ int RunInfo(const InfoArguments& arguments) {
     std::cerr << "velmora: standard output takes no more\n";
     return kLeftOut;
   }
+  HintAtFindings(arguments.project, model.loadFailure);
   return loaded ? kAllDone : kDoesNotLoad;
 }
 

@@ -99,4 +99,15 @@ CLI::Validator SampleRateForm() {
       "");
 }
 
+CLI::Validator JobsForm() {
+  constexpr int kMostJobs = 1024;
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        int jobs = 0;
+        const bool good = CLI::detail::lexical_cast(text, jobs) && jobs >= 1 && jobs <= kMostJobs;
+        return good ? "" : "'" + text + "' is no number from 1 to " + std::to_string(kMostJobs);
+      },
+      "");
+}
+
 }  // namespace velmora::program

@@ -18,6 +18,8 @@ namespace velmora::program {
 [[nodiscard]] CLI::Validator NumberListForm();
 [[nodiscard]] CLI::Validator SampleRateForm();
 [[nodiscard]] CLI::Validator FrameRateForm();
+/// A number of threads.
+[[nodiscard]] CLI::Validator JobsForm();
 
 /// The host's frame-rate code of a text that is one, or a rate's name; none for another text.
 [[nodiscard]] std::optional<std::int32_t> FrameRateCodeOf(const std::string& text);

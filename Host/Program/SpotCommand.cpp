@@ -9,11 +9,14 @@
 #include "Model/Tables.h"
 #include "Program/CopyFolder.h"
 #include "Program/ExitStatus.h"
+#include "Program/FindingsHint.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
 #include "Program/SpotNotes.h"
+#include "Program/SpotPreparation.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
+#include "Program/TruePosition.h"
 #include "Program/Usage.h"
 #include "Spot/SpotChoices.h"
 #include "Spot/SpotRequest.h"
@@ -31,13 +34,6 @@ void SetBoxes(ViewModel& model, const SpotArguments& arguments) {
   }
 }
 
-host::SessionRates RatesFor(const SpotArguments& arguments, const ViewModel& model) {
-  host::SessionRates rates = host::PresetFor(model.firstEvent);
-  rates.sampleRate = arguments.sessionRate.value_or(rates.sampleRate);
-  rates.frameRate = arguments.sessionFrameRate.value_or(rates.frameRate);
-  return rates;
-}
-
 SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
                        const host::SessionRates& session) {
   SpotChoices choices;
@@ -50,6 +46,7 @@ SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
   choices.copy = !arguments.copyFolder.empty();
   choices.copyFolder = arguments.copyFolder;
   SpotOptions options = BuildSpotOptions(choices, session);
+  if (arguments.truePosition) CancelCompensation(options, model.firstEvent);
   // The report tells where the project lands before the run begins.
   ComputePosition(options, model.firstEvent);
   return options;
@@ -64,12 +61,12 @@ void PrintRemarks(const host::Session& session, const host::SessionHost& host) {
 
 /// The run itself, told through the report.
 void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
-          RegionHost& host, SpotReport& report) {
+          bool truePosition, RegionHost& host, SpotReport& report) {
   for (const std::string& alert :
        SpotWarnings(model.firstEvent, session.sampleRate, session.frameRate)) {
     report.Warning(alert);
   }
-  for (const std::string& note : SpotNotes(model, session, options)) {
+  for (const std::string& note : SpotNotes(model, session, options, truePosition)) {
     std::cerr << "velmora: " << note << '\n';
   }
   report.Start(options, SpotSteps(model.numEvents, options.doFades, options.doGain));
@@ -106,7 +103,8 @@ bool Finish(const host::Session& session, const host::SessionRates& rates, const
 /// Spots a loaded project. Returns the exit status.
 int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTarget* target) {
   SetBoxes(model, arguments);
-  const host::SessionRates rates = RatesFor(arguments, model);
+  const host::SessionRates rates =
+      host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
   const SpotOptions options = OptionsFor(arguments, model, rates);
 
   host::Session session;
@@ -120,10 +118,11 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
   if (arguments.json) {
     report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);
   } else {
-    report = std::make_unique<TextSpotReport>(leftOut, model, session, clock, showsBar, std::cout);
+    report = std::make_unique<TextSpotReport>(arguments, leftOut, model, session, clock, showsBar,
+                                              std::cout);
   }
   RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
-  Spot(model, rates, options, receiver, *report);
+  Spot(model, rates, options, arguments.truePosition, receiver, *report);
 
   PrintRemarks(session, *host);
   const bool whole = Finish(session, rates, leftOut, target);
@@ -131,9 +130,20 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
   return whole ? kAllDone : kLeftOut;
 }
 
+/// The last line of all, where it is read, and not between the system's own alerts.
+int WithHint(const SpotArguments& arguments, const ViewModel& model, int status) {
+  if (arguments.prepare) return status;  // what is left of a prepared project has been told
+  check::CheckOptions options;
+  options.sessionRate = arguments.sessionRate;
+  options.sessionFrameRate = arguments.sessionFrameRate;
+  if (status != kInterrupted) HintAtFindings(arguments.project, model.loadFailure, options);
+  return status;
+}
+
 }  // namespace
 
-int RunSpotCommand(const SpotArguments& arguments) {
+int RunSpotCommand(const SpotArguments& given) {
+  SpotArguments arguments = given;
   host::ClaimedTarget claimed;
   if (!arguments.host.target.empty()) {
     claimed = arguments.host.kind->target->claim(arguments.host.target, {});
@@ -143,16 +153,24 @@ int RunSpotCommand(const SpotArguments& arguments) {
     const std::string complaint = MakeFolder(arguments.copyFolder);
     if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
   }
+  bool prepared = true;
+  if (arguments.prepare) {
+    const SpotPreparation preparation = PrepareForSpot(arguments);
+    if (preparation.status != kAllDone) return preparation.status;
+    arguments.project = preparation.project;
+    prepared = preparation.whole;
+  }
   ViewModel model;
   if (!model.LoadFile(arguments.project)) {
     ComplainAboutLoad(arguments.project, model);
-    return kDoesNotLoad;
+    return WithHint(arguments, model, kDoesNotLoad);
   }
   if (!model.HasCuts()) {
     std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
-    return kLeftOut;
+    return WithHint(arguments, model, kLeftOut);
   }
-  return SpotModel(arguments, model, claimed.target.get());
+  const int status = SpotModel(arguments, model, claimed.target.get());
+  return WithHint(arguments, model, status == kAllDone && !prepared ? kLeftOut : status);
 }
 
 }  // namespace velmora::program

@@ -16,17 +16,20 @@ bool IsPlaced(const AES31Event& cut) {
   return IsLive(cut) && cut.sourceFile != nullptr;
 }
 
-std::string MoveText(std::int64_t samples, const SpotOptions& options) {
+std::string MoveText(std::int64_t samples, const SpotOptions& options, bool truePosition) {
   std::string text = "The project's timestamps read in the session's timebase are " +
                      std::to_string(samples) + " samples away from their own";
   const bool applies = options.positionMode != PositionFromFirst;
+  if (applies && truePosition) {
+    return text + ": that is taken back, and everything lands at its true position.";
+  }
   return text + (applies ? ": everything moves by that." : ", which this position leaves out.");
 }
 
 }  // namespace
 
 std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
-                                   const SpotOptions& options) {
+                                   const SpotOptions& options, bool truePosition) {
   std::vector<std::string> notes;
   const RateComparison rates =
       CompareRates(model.firstEvent, session.sampleRate, session.frameRate);
@@ -38,7 +41,7 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
         (rates.projectRate > 0 ? host::SampleRateName(rates.projectRate) : "no known sample rate") +
         ", the session at " + host::SampleRateName(rates.sessionRate) + ".");
   }
-  if (rates.movedSamples != 0) notes.push_back(MoveText(rates.movedSamples, options));
+  if (rates.movedSamples != 0) notes.push_back(MoveText(rates.movedSamples, options, truePosition));
   const AES31Cut* const first = SpanOfCuts(*model.project, IsPlaced).earliest;
   if (!notes.empty() && first != nullptr) {
     const std::int64_t position = WrapAdd(AdlToSamples(first->destIn), options.timelineOffset);

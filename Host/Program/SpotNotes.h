@@ -13,9 +13,10 @@ namespace velmora::program {
 
 /// What the system's alerts do not say, in plain words: both sample rates if they differ, by how
 /// many samples the session's timebase moves everything, and where the first region lands then.
+/// @param truePosition the options take that move back
 [[nodiscard]] std::vector<std::string> SpotNotes(const ViewModel& model,
                                                  const host::SessionRates& session,
-                                                 const SpotOptions& options);
+                                                 const SpotOptions& options, bool truePosition);
 
 /// Notes each ticked cut whose file is not plain PCM, and so reads as silence.
 void FindSilentCuts(const ViewModel& model, LeftOut& leftOut);

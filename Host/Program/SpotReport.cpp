@@ -18,6 +18,10 @@ void StopOnInterrupt() {
   sigaction(SIGINT, &action, nullptr);
 }
 
+bool Interrupted() {
+  return interrupted;
+}
+
 std::int32_t MessageTap::MakeAlias(const char* path, std::vector<std::uint8_t>& alias) {
   last_.reset();
   return host_.MakeAlias(path, alias);

@@ -66,5 +66,7 @@ class SpotReport : public SpotObserver {
 
 /// From now on Ctrl-C asks the run to stop between events; a second one ends the program.
 void StopOnInterrupt();
+/// Whether Ctrl-C was pressed since then.
+[[nodiscard]] bool Interrupted();
 
 }  // namespace velmora::program

@@ -16,8 +16,9 @@ namespace {
 
 constexpr std::size_t kListedRegions = 200;
 
-std::string PositionText(const SpotOptions& options) {
-  switch (options.positionMode) {
+/// As it was asked for: what takes the compensation back is an offset, too.
+std::string PositionText(std::int32_t positionMode) {
+  switch (positionMode) {
     case PositionAsProject:
       return "as in the project";
     case PositionWithOffset:
@@ -55,8 +56,8 @@ void TextSpotReport::Start(const SpotOptions& options, std::int32_t steps) {
   out_ << "Project   " << Counted(model_.project->events.size(), "event") << ", "
        << Printable(model_.totalStartTime) << " to " << Printable(model_.totalEndTime) << '\n'
        << "Session   " << clock_.SampleRate() << " Hz, " << clock_.Rate().name << " frames\n"
-       << "Position  " << PositionText(options) << ", moved by " << options.timelineOffset
-       << " samples\n"
+       << "Position  " << PositionText(arguments_.positionMode) << ", moved by "
+       << options.timelineOffset << " samples\n"
        << "Audio     " << AudioText(options) << "\n\n"
        << std::flush;
 }

@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "Program/CommandLine.h"
 #include "Program/SpotReport.h"
 #include "Session/Session.h"
 #include "Session/SessionClock.h"
@@ -12,9 +13,11 @@ namespace velmora::program {
 /// Tells a run to a person: what is done, a bar while it works, and what landed where.
 class TextSpotReport : public SpotReport {
  public:
-  TextSpotReport(LeftOut& leftOut, const ViewModel& model, const host::Session& session,
-                 const host::SessionClock& clock, bool showsBar, std::ostream& out)
+  TextSpotReport(const SpotArguments& arguments, LeftOut& leftOut, const ViewModel& model,
+                 const host::Session& session, const host::SessionClock& clock, bool showsBar,
+                 std::ostream& out)
       : SpotReport(leftOut),
+        arguments_(arguments),
         model_(model),
         session_(session),
         clock_(clock),
@@ -36,6 +39,7 @@ class TextSpotReport : public SpotReport {
   void PrintRegions() const;
   void PrintTracks() const;
 
+  const SpotArguments& arguments_;
   const ViewModel& model_;
   const host::Session& session_;
   const host::SessionClock& clock_;

@@ -37,6 +37,14 @@ SessionRates PresetFor(const char* timestamp) {
   return rates;
 }
 
+SessionRates SessionRatesFor(const char* timestamp, std::optional<double> sampleRate,
+                             std::optional<std::int32_t> frameRate) {
+  SessionRates rates = PresetFor(timestamp);
+  if (sampleRate) rates.sampleRate = static_cast<float>(*sampleRate);
+  rates.frameRate = frameRate.value_or(rates.frameRate);
+  return rates;
+}
+
 std::vector<float> OfferedSampleRates() {
   std::vector<float> rates = {44100, 48000, 88200, 96000, 176400, 192000};
   // Whatever a timestamp can name can be a session's rate.

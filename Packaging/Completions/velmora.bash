@@ -24,7 +24,7 @@ _velmora() {
     before=${COMP_WORDS[COMP_CWORD - 2]}
   fi
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in info | spot) command=$word && break ;; esac
+    case $word in info | spot | check | prepare) command=$word && break ;; esac
   done
 
   local options='-h --help'
@@ -32,15 +32,35 @@ _velmora() {
     info) options+=' --json' ;;
     spot)
       options+=' --position --offset --start --skip-tracks --only-tracks --skip-events --only-events
-        --depth --fades --gain --copy-to --session-rate --session-frame-rate --host --json --quiet'
+        --depth --fades --gain --copy-to --session-rate --session-frame-rate --prepare
+        --true-position --host --json --quiet'
       case $before in
         --position) _velmora_offer "$typed" -W 'project offset start first' && return ;;
         --depth) _velmora_offer "$typed" -W '16 24' && return ;;
         --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
         --host) _velmora_offer "$typed" -W 'embedded' && return ;;
         :) _velmora_offer_files "$typed" '*.json' && return ;;
-        --copy-to) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --copy-to | --prepare) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
         --offset | --start | --skip-* | --only-* | --session-rate) return ;;
+      esac
+      ;;
+    check)
+      options+=' --media --trust --encoding --session-rate --session-frame-rate --jobs --json'
+      case $before in
+        --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
+        --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
+        --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --encoding | --session-rate | --jobs) return ;;
+      esac
+      ;;
+    prepare)
+      options+=' --into --media --trust --encoding --session-rate --session-frame-rate --copy-media --keep-stereo
+        --keep-off --resample --json'
+      case $before in
+        --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
+        --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
+        --into | --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --encoding | --session-rate) return ;;
       esac
       ;;
     *) options+=' --version' ;;
@@ -48,7 +68,7 @@ _velmora() {
   if [[ $typed == -* ]]; then
     _velmora_offer "$typed" -W "$options"
   elif [[ -z $command ]]; then
-    _velmora_offer "$typed" -W 'info spot'
+    _velmora_offer "$typed" -W 'info spot check prepare'
   else
     _velmora_offer_files "$typed" '*.[aA][dD][lL]'
   fi

@@ -23,9 +23,41 @@ _velmora_spot() {
     '--copy-to[copy all audio into this folder]:folder:_files -/' \
     "--session-rate[the session's sample rate]:Hz: " \
     "--session-frame-rate[the session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
+    '--prepare[spot what prepare makes of the project]' \
+    '--true-position[place every cut where the project has it]' \
     '--host[where the regions go]:host:(embedded)' \
     '--json[tell every step as JSON Lines]' \
     '--quiet[no progress bar]' \
+    '*:project:_files -g "*.(#i)adl"'
+}
+
+_velmora_check() {
+  _arguments -s \
+    '(- *)'{-h,--help}'[print what the command takes]' \
+    '--media[a folder to look for audio in]:folder:_files -/' \
+    '--trust[what tells the rates of times]:what:(marks header)' \
+    "--encoding[the encoding of the project's text]:encoding: " \
+    '--session-rate[the sample rate of the session to spot into]:Hz: ' \
+    "--session-frame-rate[that session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
+    '--jobs[projects that are read side by side]:number: ' \
+    '--json[as JSON Lines]' \
+    '*:project:_files -g "*.(#i)adl"'
+}
+
+_velmora_prepare() {
+  _arguments -s \
+    '(- *)'{-h,--help}'[print what the command takes]' \
+    '--into[the folder to make]:folder:_files -/' \
+    '--media[a folder to look for audio in]:folder:_files -/' \
+    '--trust[what tells the rates of times]:what:(marks header)' \
+    "--encoding[the encoding of the project's text]:encoding: " \
+    '--session-rate[the sample rate of the session to spot into]:Hz: ' \
+    "--session-frame-rate[that session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
+    '--copy-media[copy audio that stays as it is]' \
+    '--keep-stereo[leave cuts of whole files whole]' \
+    '--keep-off[keep events that are switched off]' \
+    "--resample[bring audio to the project's sample rate]" \
+    '--json[as one JSON object]' \
     '*:project:_files -g "*.(#i)adl"'
 }
 
@@ -38,7 +70,8 @@ _velmora() {
     '*:: :->rest'
   case $state in
     command)
-      local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut')
+      local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut'
+        'check:say what would go wrong in a spot, and why' 'prepare:make a clean project out of one that is not')
       _describe command commands
       ;;
     rest)

@@ -17,8 +17,8 @@ SPOT = [*FILES, "Source/ADL"]
 MODEL = [*SPOT, "Source/Spot"]
 CORE = [*MODEL, "Source/Model"]
 SESSION = [*CORE, "Host/Session"]
-FIELD = [*CORE, "Host/Field"]
-CHECK = [*FIELD, "Host/Media", "Host/Session"]
+FIELD = [*CORE, "Host/Media"]
+CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
 TARGET = [*SESSION, "Host/Media"]
 TARGETS = ["Host/Bounce"]
@@ -37,7 +37,7 @@ MAY_USE = {
     "Host/Session": CORE,
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
-    "Host/Field": CORE,
+    "Host/Field": FIELD,
     "Host/Media": CORE,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,

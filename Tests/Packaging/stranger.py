@@ -63,7 +63,7 @@ class Help:
         self.options = set()
         self.choices = {}  # by option, of those that take one of a few words
         for names, value in re.findall(r"^  (-[^\s]+)(?: (\S+))?", self.text, re.MULTILINE):
-            names = names.split(",")
+            names = names.partition("[")[0].split(",")  # --option[=VALUE]: with a value or without
             self.options.update(names)
             if re.fullmatch(r"[\w.]+(\|[\w.]+)+", value):
                 self.choices[names[-1]] = value.split("|")

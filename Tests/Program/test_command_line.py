@@ -116,10 +116,10 @@ class WhatIsWrong(ProgramTest):
 
     def test_complaints(self):
         rows = [
-            ([], "a command is missing; commands: info, spot"),
-            (["frob"], "there is no command 'frob'; commands: info, spot"),
-            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot"),
-            (["Info", "p"], "there is no command 'Info'; commands: info, spot"),
+            ([], "a command is missing; commands: info, spot, check, prepare"),
+            (["frob"], "there is no command 'frob'; commands: info, spot, check, prepare"),
+            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot, check, prepare"),
+            (["Info", "p"], "there is no command 'Info'; commands: info, spot, check, prepare"),
             (["--frob"], "there is no option '--frob'"),
             (["-x", "info", "p"], "there is no option '-x'"),
             (["--json", "info", "p"], "there is no option '--json'"),
@@ -231,6 +231,7 @@ class Help(ProgramTest):
     def test_examplesOfTheHelpAreGoodUsage(self):
         """Each line of the examples runs as it stands, on a project of that name."""
         one_cut(self.folder).rename(self.folder / "Radio.adl")
+        (self.folder / "Takes").mkdir()
         lines = [line.strip() for line in self.help().split("\n") if line.startswith("  velmora ")]
         self.assertGreaterEqual(len(lines), 4)
         for line in lines:

@@ -190,7 +190,9 @@ class WithoutAdl(InfoTest):
     """A text that does not begin with <ADL> loads as nothing: a person is told so, not shown tables of nothing."""
 
     def test_textSaysSoAndShowsNoTable(self):
-        for content in (b"", b"hello", b"\xef\xbb\xbf<ADL>\n</ADL>\n", b" <ADL>\n</ADL>\n"):
+        no_adl = "velmora: this is no ADL that can be read; see velmora check {}\n"
+        for content, hint in [(b"", no_adl), (b"hello", no_adl), (b"\xef\xbb\xbf<ADL>\n</ADL>\n", ""),
+                              (b" <ADL>\n</ADL>\n", "")]:
             with self.subTest(content):
                 project = self.folder / "p.adl"
                 project.write_bytes(content)
@@ -198,7 +200,7 @@ class WithoutAdl(InfoTest):
                 self.assert_status(result, ALL_DONE)
                 self.assertEqual(result.out, f"{project}\n\n"
                                              "There is no ADL in this file: it does not begin with <ADL>.\n")
-                self.assertEqual(result.err, "")
+                self.assertEqual(result.err, hint.format(project))
 
     def test_emptyAdlShowsItsTables(self):
         project = self.folder / "p.adl"

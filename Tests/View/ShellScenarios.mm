@@ -12,6 +12,7 @@
 #include "Timeline/TimeScale.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
+#import "View/FindingsStage.h"
 #import "View/Material.h"
 #import "View/Scenarios.h"
 #import "View/Stage.h"
@@ -115,10 +116,14 @@ void TellsFailure() {
   const std::string bad = folder.Write(
       "bad.adl", "<ADL>\n<EVENT_LIST>\n(Entry) 1 (Cut) I 1 1 1 x\n</EVENT_LIST>\n</ADL>\n");
   StartShell();
+  const auto gate = SlowChecks("bad.adl");  // which reads the file for itself
   const int opens = OpensOf(bad, [&] { LoadPath(bad); });
   CheckContains("line and section are told", "bad.adl does not load: line 3: <EVENT_LIST>",
                 StatusText());
   Check("the file was read once", 1, opens);
+  gate->Open();
+  WaitForCheck();
+  CheckContains("they are told after the check too", "line 3: <EVENT_LIST>", StatusText());
 }
 
 // Text that is no UTF-8 is read as Shift-JIS, as in the view.

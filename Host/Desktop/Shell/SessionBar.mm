@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "Desktop/Theme/Controls.h"
 #include "Desktop/Theme/Drawing.h"
 #include "Desktop/Theme/Metrics.h"
 #include "Session/SessionClock.h"
@@ -142,11 +143,8 @@ NSInteger TagOfRate(float rate) {
 }
 
 - (void)addClearButton:(SEL)clear at:(CGFloat)x {
-  clearButton = [[NSButton alloc] initWithFrame:[self controlAt:x width:kClearButtonWidth]];
-  [clearButton setBezelStyle:NSRoundedBezelStyle];
-  [clearButton setTitle:@"Clear session"];
-  [clearButton setTarget:target];
-  [clearButton setAction:clear];
+  clearButton =
+      MakeButton([self controlAt:x width:kClearButtonWidth], @"Clear session", target, clear);
   [clearButton setEnabled:NO];
   [self addSubview:clearButton];
 }

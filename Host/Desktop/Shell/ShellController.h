@@ -8,6 +8,7 @@
 #include "Desktop/Logic/ProjectReport.h"
 #include "Desktop/Logic/SessionReceiver.h"
 #include "Desktop/Logic/SessionSettings.h"
+#import "Desktop/Shell/FindingsDesk.h"
 
 @class SessionBar;
 @class ShellSplit;
@@ -22,7 +23,7 @@
 // names with the bundle that it loads, whose classes begin with Velmora or have the names of its
 // interface, and with the toolkit, whose begin with NS and GS. The shell's say what they are
 // without a prefix, and a test compares them with all of the others.
-@interface ShellController : NSObject {
+@interface ShellController : NSObject <FindingsDeskShell> {
   velmora::desktop::ShellOptions options;
   velmora::desktop::SessionSettings settings;
   std::unique_ptr<velmora::desktop::SessionReceiver> receiver;
@@ -33,6 +34,7 @@
   ViewConnection* view;
   TimelinePane* pane;
   StatusLine* status;
+  FindingsDesk* desk;
   NSTimer* arrivalTimer;
   NSTimer* summaryTimer;
   BOOL closing;

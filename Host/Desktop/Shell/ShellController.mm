@@ -5,6 +5,8 @@
 #include <cstdio>
 
 #include "Desktop/Logic/ExitStatus.h"
+#include "Desktop/Logic/FindingsReport.h"
+#import "Desktop/Shell/MainThread.h"
 #import "Desktop/Shell/SessionBar.h"
 #import "Desktop/Shell/ShellMenu.h"
 #import "Desktop/Shell/ShellSplit.h"
@@ -23,7 +25,7 @@ constexpr NSTimeInterval kArrivalDelay = 0.1;
 constexpr NSTimeInterval kSummaryDelay = 0.5;
 
 constexpr CGFloat kBarHeight = 44;
-constexpr CGFloat kStatusHeight = 26;
+constexpr CGFloat kStatusHeight = 32;
 constexpr CGFloat kTimelineHeight = 300;
 constexpr CGFloat kUsualWidth = 1120;
 constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and panels
@@ -43,6 +45,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 - (void)showArrivals:(NSTimer*)timer;
 - (void)showSummary:(NSTimer*)timer;
 - (NSTimer*)timerAfter:(NSTimeInterval)delay selector:(SEL)selector;
+- (void)edit:(SEL)action sender:(id)sender;
 - (void)ratesChanged:(id)sender;
 - (void)showRates;
 - (void)showStatus;
@@ -70,6 +73,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   [[NSNotificationCenter defaultCenter] removeObserver:self];
   [arrivalTimer invalidate];
   [summaryTimer invalidate];
+  [desk release];
   [view release];
   [bar release];
   [pane release];
@@ -81,6 +85,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (BOOL)openWindow {
   if (![self makeView]) return NO;
+  desk = [[FindingsDesk alloc] initWithShell:self];
   [[NSNotificationCenter defaultCenter] addObserver:self
                                            selector:@selector(didLoad:)
                                                name:[ViewConnection didLoadNotification]
@@ -103,6 +108,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   // The controls of the view must not be pressed while its spot is being waited for.
   closing = YES;
   [window orderOut:nil];
+  [desk close];
   [view close];
   [NSApp terminate:self];
   return YES;
@@ -112,6 +118,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
   closing = YES;
+  [desk close];
   [view close];
   return NSTerminateNow;
 }
@@ -122,6 +129,19 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (BOOL)applicationShouldOpenUntitledFile:(NSApplication*)application {
   return NO;
+}
+
+// The shell of the findings' desk
+
+- (void)findingsChanged {
+  [self showStatus];
+}
+
+- (BOOL)loadProject:(const std::string&)path {
+  // An alert may stand between the press of the spot button and the spot.
+  if (closing || [view isSpotRunning] || [NSApp modalWindow] != nil) return NO;
+  [view loadFile:StringFromText(path)];
+  return YES;
 }
 
 // The menu's and the bar's actions
@@ -137,19 +157,34 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 }
 
 - (void)cut:(id)sender {
-  [[window firstResponder] tryToPerform:@selector(cut:) with:sender];
+  [self edit:@selector(cut:) sender:sender];
 }
 
 - (void)copy:(id)sender {
-  [[window firstResponder] tryToPerform:@selector(copy:) with:sender];
+  [self edit:@selector(copy:) sender:sender];
 }
 
 - (void)paste:(id)sender {
-  [[window firstResponder] tryToPerform:@selector(paste:) with:sender];
+  [self edit:@selector(paste:) sender:sender];
 }
 
 - (void)selectAll:(id)sender {
-  [[window firstResponder] tryToPerform:@selector(selectAll:) with:sender];
+  [self edit:@selector(selectAll:) sender:sender];
+}
+
+- (void)showFindings:(id)sender {
+  [desk showFindings:sender];
+}
+
+- (void)prepare:(id)sender {
+  [desk prepare:sender];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)item {
+  if ([item action] == @selector(showFindings:)) return [desk hasFindings];
+  if ([item action] == @selector(prepare:)) return [desk canPrepare];
+  if ([item action] == @selector(openProject:)) return ![view isSpotRunning];
+  return YES;
 }
 
 - (void)clearSession:(id)sender {
@@ -206,7 +241,10 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
                              ratesChanged:@selector(ratesChanged:)
                                     clear:@selector(clearSession:)];
   [bar setAutoresizingMask:NSViewWidthSizable | NSViewMinYMargin];
-  status = [[StatusLine alloc] initWithFrame:NSMakeRect(0, 0, width, kStatusHeight)];
+  status = [[StatusLine alloc] initWithFrame:NSMakeRect(0, 0, width, kStatusHeight)
+                                      target:desk
+                                    findings:@selector(showFindings:)
+                                     prepare:@selector(prepare:)];
   [status setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
 
   [self fillMiddle:NSMakeRect(0, kStatusHeight, width, height - kBarHeight - kStatusHeight)];
@@ -236,7 +274,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
                                       : [NSString stringWithFormat:@"%@ \u2013 Velmora",
                                                                    [StringFromText(facts.path)
                                                                        lastPathComponent]]];
-  [self showStatus];
+  [desk didLoad:facts.path];  // which shows the status
 }
 
 // A spot waits for the main thread at each of its steps: what every region asked for would be paid
@@ -268,9 +306,24 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
                                          selector:selector
                                          userInfo:nil
                                           repeats:NO];
-  for (NSString* mode : {NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode})
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
+  AddToAllModes(timer);
   return timer;
+}
+
+// A text that has the focus, in a panel too, comes before the panel, and that before a table. Never
+// up the chain of responders: at its end the toolkit asks the application's delegate, which is the
+// shell again.
+- (void)edit:(SEL)action sender:(id)sender {
+  NSWindow* place = [NSApp keyWindow] != nil ? [NSApp keyWindow] : window;
+  NSResponder* first = [place firstResponder];
+  id delegate = [place delegate];
+  if ([first isKindOfClass:[NSText class]]) {
+    [first performSelector:action withObject:sender];
+  } else if (delegate != self && [delegate respondsToSelector:action]) {
+    [delegate performSelector:action withObject:sender];
+  } else if (first != place && [first respondsToSelector:action]) {
+    [first performSelector:action withObject:sender];
+  }
 }
 
 - (void)ratesChanged:(id)sender {
@@ -285,8 +338,9 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 }
 
 - (void)showStatus {
-  [status showItems:DescribeProject(facts, settings.Rates())
+  [status showItems:WithFindings(DescribeProject(facts, settings.Rates()), facts, [desk statusItem])
                list:StringFromText(MissingList(facts))];
+  [status offerFindings:[desk hasGraveFindings] prepare:[desk canPrepare]];
 }
 
 // What the command line asked for, once the window stands.
@@ -302,7 +356,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 }
 
 - (void)finishSnapshot:(NSTimer*)timer {
-  if ([view isSpotRunning]) return;
+  if ([view isSpotRunning] || [desk isChecking]) return;
   [timer invalidate];
   [pane addRegions:receiver->TakeNew()];
   [self showSummary:nil];
@@ -311,6 +365,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
     std::fprintf(stderr, "velmora-desktop: cannot write %s\n", options.snapshot.c_str());
   }
   closing = YES;
+  [desk close];
   [view close];
   std::exit(written ? kDone : kNoWindow);
 }

@@ -11,7 +11,6 @@ struct Item {
 
 void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count) {
   NSMenu* menu = [[[NSMenu alloc] initWithTitle:title] autorelease];
-  [menu setAutoenablesItems:NO];
   for (std::size_t i = 0; i < count; ++i) {
     if (items[i].title == nil) {
       [menu addItem:[NSMenuItem separatorItem]];
@@ -31,7 +30,10 @@ void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count)
 
 void InstallShellMenu(id timeline, id shell) {
   NSMenu* bar = [[[NSMenu alloc] initWithTitle:@"Velmora"] autorelease];
-  const Item file[] = {{@"Open Project...", @selector(openProject:), @"o", shell}};
+  const Item file[] = {{@"Open Project...", @selector(openProject:), @"o", shell},
+                       {nil, NULL, nil, nil},
+                       {@"Show Findings", @selector(showFindings:), @"i", shell},
+                       {@"Prepare...", @selector(prepare:), @"p", shell}};
   const Item edit[] = {{@"Cut", @selector(cut:), @"x", shell},
                        {@"Copy", @selector(copy:), @"c", shell},
                        {@"Paste", @selector(paste:), @"v", shell},

@@ -1,5 +1,6 @@
 #import "Desktop/Shell/StatusLine.h"
 
+#include "Desktop/Theme/Controls.h"
 #include "Desktop/Theme/Drawing.h"
 #include "Desktop/Theme/Metrics.h"
 #import "View/TextConversion.h"
@@ -7,6 +8,8 @@
 using namespace velmora::desktop;
 
 namespace {
+
+constexpr CGFloat kButtonWidth = 112;
 
 Tone ToneOf(Severity severity) {
   switch (severity) {
@@ -23,24 +26,31 @@ Tone ToneOf(Severity severity) {
 }  // namespace
 
 @interface StatusLine (Private)
+- (NSButton*)addButton:(NSString*)title target:(id)target action:(SEL)action;
+- (void)layOut;
 - (void)showList;
 @end
 
 @implementation StatusLine
 
-- (id)initWithFrame:(NSRect)frame {
+- (id)initWithFrame:(NSRect)frame target:(id)target findings:(SEL)findings prepare:(SEL)prepare {
   self = [super initWithFrame:frame];
   if (self == nil) return nil;
-  field = MakeLabel(NSMakeRect(kWindowMargin, 5, NSWidth(frame) - 2 * kWindowMargin, kLabelHeight),
+  field = MakeLabel(NSMakeRect(kWindowMargin, (NSHeight(frame) - kLabelHeight) / 2,
+                               NSWidth(frame) - 2 * kWindowMargin, kLabelHeight),
                     kTextSize);
   [field setAutoresizingMask:NSViewWidthSizable];
   [self addSubview:field];
+  findingsButton = [self addButton:@"Show Findings" target:target action:findings];
+  prepareButton = [self addButton:@"Prepare\u2026" target:target action:prepare];
   list = @"";
   return self;
 }
 
 - (void)dealloc {
   [field release];
+  [findingsButton release];
+  [prepareButton release];
   [list release];
   [super dealloc];
 }
@@ -52,7 +62,8 @@ Tone ToneOf(Severity severity) {
 
 // The label must not swallow the click that asks for the list.
 - (NSView*)hitTest:(NSPoint)point {
-  return NSPointInRect(point, [self frame]) ? self : nil;
+  NSView* hit = [super hitTest:point];
+  return hit == field ? self : hit;
 }
 
 - (void)showItems:(const std::vector<StatusItem>&)items list:(NSString*)all {
@@ -75,6 +86,12 @@ Tone ToneOf(Severity severity) {
   list = [all copy];
 }
 
+- (void)offerFindings:(BOOL)hasFindings prepare:(BOOL)canPrepare {
+  [findingsButton setHidden:!hasFindings];
+  [prepareButton setHidden:!canPrepare];
+  [self layOut];
+}
+
 - (void)mouseDown:(NSEvent*)event {
   if ([list length] > 0) [self showList];
 }
@@ -82,6 +99,33 @@ Tone ToneOf(Severity severity) {
 @end
 
 @implementation StatusLine (Private)
+
+// Hidden at first.
+- (NSButton*)addButton:(NSString*)title target:(id)target action:(SEL)action {
+  const NSRect frame =
+      NSMakeRect(0, (NSHeight([self bounds]) - kControlHeight) / 2, kButtonWidth, kControlHeight);
+  NSButton* button = MakeButton(frame, title, target, action);
+  [button setHidden:YES];
+  [button setAutoresizingMask:NSViewMinXMargin];
+  [self addSubview:button];
+  return button;
+}
+
+// The buttons that are there stand at the end, and the text has the rest.
+- (void)layOut {
+  CGFloat end = NSWidth([self bounds]) - kWindowMargin;
+  for (NSButton* button : {prepareButton, findingsButton}) {
+    if ([button isHidden]) continue;
+    NSRect frame = [button frame];
+    frame.origin.x = end - NSWidth(frame);
+    [button setFrame:frame];
+    end = NSMinX(frame) - kControlGap;
+  }
+  NSRect frame = [field frame];
+  frame.size.width = end - NSMinX(frame);
+  [field setFrame:frame];
+  [self setNeedsDisplay:YES];
+}
 
 - (void)showList {
   const NSRect frame = NSMakeRect(0, 0, 420, 280);

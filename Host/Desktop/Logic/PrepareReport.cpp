@@ -1,0 +1,134 @@
+#include "Desktop/Logic/PrepareReport.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "Base/FileNames.h"
+#include "Base/Text.h"
+#include "Desktop/Logic/FindingsReport.h"
+
+namespace velmora::desktop {
+namespace {
+
+using prepare::Outcome;
+using prepare::Prepared;
+
+/// A group with a heading and `lines` of `count`, of which the first `most` are told.
+template <class LineAt>
+void AddGroup(std::string& text, const std::string& heading, std::size_t count, std::size_t most,
+              const LineAt& lineAt) {
+  if (count == 0) return;
+  if (!text.empty()) text += "\n";
+  text += heading + "\n";
+  for (std::size_t i = 0; i < std::min(count, most); ++i) text += "  " + lineAt(i) + "\n";
+  if (count > most) text += "  and " + std::to_string(count - most) + " more\n";
+}
+
+void AddLeft(const Prepared& prepared, bool notes, const std::string& heading, std::size_t most,
+             std::string& text) {
+  std::vector<const check::Finding*> findings;
+  for (const check::Finding& finding : prepared.left) {
+    if ((finding.severity == check::Severity::Note) == notes) findings.push_back(&finding);
+  }
+  const std::string count = " (" + std::to_string(findings.size()) + ")";
+  AddGroup(text, heading + count, findings.size(), most, [&](std::size_t i) {
+    const check::Finding& finding = *findings[i];
+    std::string line = PlaceText(finding.line, finding.entry, finding.source);
+    line += ": " + OneLine(finding.text);
+    if (!finding.effect.empty()) line += "\n    " + OneLine(finding.effect);
+    if (!finding.remedy.empty()) line += "\n    " + OneLine(finding.remedy);
+    return line;
+  });
+}
+
+void AddChanges(const Prepared& prepared, std::size_t most, std::string& text) {
+  std::map<check::Code, std::vector<const prepare::Change*>> groups;
+  for (const prepare::Change& change : prepared.changes) groups[change.code].push_back(&change);
+  for (const auto& [code, changes] : groups) {
+    const std::string heading = std::string("Changed: ") + check::RowOf(code).title + " (" +
+                                std::to_string(changes.size()) + ")";
+    AddGroup(text, heading, changes.size(), most, [&, &some = changes](std::size_t i) {
+      const prepare::Change& change = *some[i];
+      return PlaceText(change.line, change.entry, change.source) + ": " + OneLine(change.text);
+    });
+  }
+}
+
+void AddFiles(const Prepared& prepared, std::size_t most, std::string& text) {
+  const auto& files = prepared.files;
+  AddGroup(text, "Audio files (" + std::to_string(files.size()) + ")", files.size(), most,
+           [&](std::size_t i) {
+             return OneLine(FileNameOf(files[i].to)) + ": " + prepare::NameOf(files[i].how) +
+                    " from " + OneLine(files[i].from);
+           });
+}
+
+std::string FreeNameIn(const std::string& folder, const std::string& projectPath) {
+  const std::string name = FileNameOf(projectPath);
+  const std::string stem = name.substr(0, name.rfind('.'));
+  const std::string base = folder + "/" + (stem.empty() ? "Project" : stem) + " prepared";
+  std::string target = base;
+  std::error_code error;
+  // A dangling link takes the name too.
+  for (int number = 2; std::filesystem::symlink_status(target, error).type() !=
+                       std::filesystem::file_type::not_found;
+       ++number) {
+    if (error) break;  // told when the folder is to be made
+    target = base + " " + std::to_string(number);
+  }
+  return target;
+}
+
+}  // namespace
+
+std::string FreeTarget(const std::string& projectPath) {
+  return FreeNameIn(FolderOf(projectPath), projectPath);
+}
+
+std::string TargetIn(const std::string& folder, const std::string& projectPath) {
+  std::error_code error;
+  if (std::filesystem::is_empty(folder, error) && !error) return folder;
+  return FreeNameIn(folder, projectPath);
+}
+
+bool IsPrepared(const Prepared& prepared) {
+  return prepared.outcome == Outcome::Done || prepared.outcome == Outcome::Left;
+}
+
+std::string OutcomeText(const Prepared& prepared) {
+  switch (prepared.outcome) {
+    case Outcome::Done:
+    case Outcome::Left: {
+      std::string text = "Prepared: " + Counted(prepared.changes.size(), "change") + ", " +
+                         Counted(prepared.files.size(), "audio file") + ".";
+      const auto grave = std::count_if(
+          prepared.left.begin(), prepared.left.end(),
+          [](const check::Finding& finding) { return finding.severity != check::Severity::Note; });
+      if (grave == 0) return text + " Nothing is left to mend.";
+      return text + " " + Counted(static_cast<std::size_t>(grave), "finding") +
+             (grave == 1 ? " is left." : " are left.");
+    }
+    case Outcome::FolderTaken:
+      return "Nothing was made: " + prepared.trouble;
+    case Outcome::NotAnAdl:
+      return "This cannot be prepared: " + prepared.trouble;
+    case Outcome::Failed:
+      return "Could not be prepared, and nothing was left on the disk: " + prepared.trouble;
+    case Outcome::Cancelled:
+      return "Cancelled. Nothing was left on the disk.";
+  }
+  return {};
+}
+
+std::string DescribePrepared(const Prepared& prepared, std::size_t mostOfAGroup) {
+  std::string text;
+  AddLeft(prepared, false, "Left, in the lines of the new project", mostOfAGroup, text);
+  AddChanges(prepared, mostOfAGroup, text);
+  AddFiles(prepared, mostOfAGroup, text);
+  AddLeft(prepared, true, "Worth knowing, in the lines of the new project", mostOfAGroup, text);
+  return text;
+}
+
+}  // namespace velmora::desktop

@@ -1,0 +1,549 @@
+#include "Field/TreeReader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "Field/Keyword.h"
+
+namespace velmora::field {
+namespace {
+
+constexpr char kEscape = 0x1B;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+/// How far a label or tag of several words may reach, and how many open sections a closing tag may
+/// close: they bound the work on hostile texts.
+constexpr std::ptrdiff_t kMostOfAName = 256;
+constexpr std::size_t kMostScopesClosed = 64;
+/// N of the counted form is a signed 32-bit number to the system.
+constexpr std::size_t kMostCounted = 0x7FFFFFFF;
+
+constexpr bool IsBlank(char c) {
+  return static_cast<unsigned char>(c) <= ' ';
+}
+constexpr bool EndsLine(char c) {
+  return c == '\n' || c == '\r';
+}
+constexpr bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+constexpr bool IsLetter(char c) {
+  return LowerCase(c) >= 'a' && LowerCase(c) <= 'z';
+}
+constexpr bool IsNameByte(char c) {
+  return IsLetter(c) || IsDigit(c) || c == '_' || c == '-' || c == '.' || c == ':' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+std::string_view View(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+/// The bytes that end an unquoted value or may do so: blanks, and "<" of a closing tag.
+constexpr auto kEndsValue = [] {
+  std::array<bool, 256> ends{};
+  for (std::size_t c = 0; c <= ' '; ++c) ends[c] = true;
+  ends['<'] = true;
+  return ends;
+}();
+
+/// A word of letters, digits and underscores, which only a label is.
+bool IsIdentifier(std::string_view text) {
+  return !text.empty() && (IsLetter(text.front()) || text.front() == '_') &&
+         std::all_of(text.begin(), text.end(),
+                     [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; });
+}
+
+}  // namespace
+
+std::string_view Tree::RawText(const Value& value) const {
+  if (!value.quoted) return value.text;
+  const char* const end = value.text.data() + value.text.size();
+  const bool closed = end != file.data() + file.size() && *end == '"';
+  return View(value.text.data() - 1, closed ? end + 1 : end);
+}
+
+Tree ReadTree(std::string_view file) {
+  return TreeReader(file).Read();
+}
+
+TreeReader::TreeReader(std::string_view file)
+    : begin_(file.data()),
+      end_(file.data() + file.size()),
+      at_(begin_),
+      noQuoteFrom_(end_),
+      noCommentEndFrom_(end_) {
+  tree_.file = file;
+}
+
+Tree TreeReader::Read() && {
+  SkipByteOrderMark();
+  if (FindStart()) {
+    // About what projects come to. What is not used costs no memory, what grows is copied.
+    tree_.values.reserve(tree_.file.size() / 9);
+    tree_.entries.reserve(tree_.file.size() / 30);
+    ReadOuter();
+    tree_.cutOff = cutInside_ || (!outerClosed_ && (tree_.hasOpeningTag || !scopes_.empty()));
+    PopTo(0);
+    EndPiece();
+    if (!tree_.cutOff) {
+      tree_.cutEntry.reset();
+      tree_.cutInsideValue = false;
+    }
+  }
+  return std::move(tree_);
+}
+
+// The start of the text ------------------------------------------------------------------------
+
+void TreeReader::SkipByteOrderMark() {
+  if (!At(at_, kByteOrderMark)) return;
+  AddStray(at_, at_ + kByteOrderMark.size(), StrayKind::ByteOrderMark);
+  at_ += kByteOrderMark.size();
+}
+
+/// Goes to the text that counts; false if there is none, so that noise of any size costs one
+/// search.
+bool TreeReader::FindStart() {
+  const char* const tag = FindOpeningTag();
+  if (tag == nullptr) {
+    constexpr std::string_view kEventList = "<EVENT_LIST";
+    const char* const found =
+        std::search(at_, end_, kEventList.begin(), kEventList.end(),
+                    [](char a, char b) { return LowerCase(a) == LowerCase(b); });
+    return found != end_;
+  }
+  tree_.hasOpeningTag = true;
+  if (tag != at_) AddStray(at_, tag, StrayKind::BeforeTag);
+  Tag opening;
+  at_ = ReadsAsTag(tag, false, opening) ? opening.end : tag + 4;
+  // The system passes over what is glued to the tag.
+  if (!opening.plain) AddStray(tag, StrayEnd(tag), StrayKind::Bracket);
+  return true;
+}
+
+/// The first <ADL>, one inside a comment only if there is no other.
+const char* TreeReader::FindOpeningTag() const {
+  constexpr std::string_view kCommentEnd = "*/";
+  const char* inComment = nullptr;
+  const char* commentEnd = at_;
+  bool commentsEnd = true;
+  for (const char* at = at_; at != end_; ++at) {
+    at = std::find_if(at, end_, [](char c) { return c == '<' || c == '/'; });
+    if (at == end_) break;
+    if (commentsEnd && at >= commentEnd && At(at, "/*")) {
+      const char* const found = std::search(at + 2, end_, kCommentEnd.begin(), kCommentEnd.end());
+      commentsEnd = found != end_;
+      if (commentsEnd) commentEnd = found + kCommentEnd.size();
+    } else if (At(at, "<ADL") && at + 4 != end_ && (at[4] == '>' || IsBlank(at[4]))) {
+      if (at >= commentEnd) return at;
+      if (inComment == nullptr) inComment = at;
+    }
+  }
+  return inComment;
+}
+
+// Sections -------------------------------------------------------------------------------------
+
+void TreeReader::ReadOuter() {
+  Tag tag;
+  Label label;
+  for (SkipBlanks(); at_ != end_; SkipBlanks()) {
+    if (At(at_, "/*")) {
+      TakeComment(false);
+    } else if (*at_ == '<' && ReadsAsTag(at_, false, tag)) {
+      if (!TakeTag(tag)) return;
+    } else if (*at_ == '(' && ReadsAsLabel(at_, false, label)) {
+      TakeEntry(label);
+    } else {
+      TakeStrayWord();
+    }
+  }
+}
+
+/// False at the end of what counts.
+bool TreeReader::TakeTag(const Tag& tag) {
+  const char* const begin = at_;
+  if (tag.end == end_ && tag.end[-1] != '>') cutInside_ = true;
+  if (!tag.plain && !Inside(ScopeKind::ReferenceList)) {
+    AddStray(begin, std::max(tag.end, StrayEnd(begin)), StrayKind::Bracket);
+  }
+  if (IsKeyword(tag.name, "ADL")) {
+    if (tag.closes) {
+      outerClosed_ = true;
+      return false;
+    }
+    AddStray(begin, tag.end, StrayKind::WrongTag);
+  } else if (tag.closes) {
+    Close(tag);
+  } else {
+    Open(tag);
+  }
+  at_ = tag.end;
+  return true;
+}
+
+void TreeReader::Open(const Tag& tag) {
+  Scope scope;
+  scope.name = tag.name;
+  scope.inReferenceList = !scopes_.empty() && scopes_.back().inReferenceList;
+  if (IsKeyword(tag.name, "REF_LIST")) {
+    scope.kind = ScopeKind::ReferenceList;
+    scope.inReferenceList = true;
+  } else if (Inside(ScopeKind::ReferenceList) && IsKeyword(tag.name, "REF")) {
+    scope.kind = ScopeKind::Reference;
+  }
+  // The system knows no section inside a section: its reading ends there.
+  if (Inside(ScopeKind::Section)) AddStray(at_, tag.end, StrayKind::WrongTag);
+  EndPiece();
+  scopes_.push_back(scope);
+  if (scope.kind != ScopeKind::Section) return;
+  OpenPiece(tag.name, false);
+  scopes_.back().first = scopes_.back().current;
+}
+
+void TreeReader::Close(const Tag& tag) {
+  const std::size_t lowest =
+      scopes_.size() > kMostScopesClosed ? scopes_.size() - kMostScopesClosed : 0;
+  std::size_t depth = scopes_.size();
+  while (depth > lowest && !IsKeyword(scopes_[depth - 1].name, tag.name)) --depth;
+  if (depth == lowest) {
+    // As the system has it: </VERSIONS> closes <VERSION>.
+    const bool closesLast = !scopes_.empty() && BeginsWithKeyword(tag.name, scopes_.back().name);
+    if (!closesLast) {
+      if (!Inside(ScopeKind::ReferenceList)) AddStray(at_, tag.end, StrayKind::WrongTag);
+      return;
+    }
+    depth = scopes_.size();
+  }
+  const Scope& closed = scopes_[depth - 1];
+  if (closed.first != kNoSection) tree_.sections[closed.first].closed = true;
+  if (depth != scopes_.size() && !Inside(ScopeKind::ReferenceList)) {
+    AddStray(at_, tag.end, StrayKind::WrongTag);
+  }
+  PopTo(depth - 1);
+}
+
+/// Ends the piece of a section that takes entries.
+void TreeReader::EndPiece() {
+  std::uint32_t& piece = scopes_.empty() ? outside_ : scopes_.back().current;
+  if (piece == kNoSection) return;
+  Section& section = tree_.sections[piece];
+  section.entryCount = static_cast<std::uint32_t>(tree_.entries.size()) - section.firstEntry;
+  piece = kNoSection;
+}
+
+void TreeReader::PopTo(std::size_t depth) {
+  for (; scopes_.size() > depth; scopes_.pop_back()) EndPiece();
+}
+
+void TreeReader::OpenPiece(std::string_view name, bool resumed) {
+  std::uint32_t& piece = scopes_.empty() ? outside_ : scopes_.back().current;
+  piece = static_cast<std::uint32_t>(tree_.sections.size());
+  tree_.sections.push_back({.name = name,
+                            .firstEntry = static_cast<std::uint32_t>(tree_.entries.size()),
+                            .inReferenceList = !scopes_.empty() && scopes_.back().inReferenceList,
+                            .resumed = resumed});
+}
+
+// Entries --------------------------------------------------------------------------------------
+
+void TreeReader::TakeEntry(const Label& label) {
+  const bool inSection = Inside(ScopeKind::Section);
+  const bool passedOver = Inside(ScopeKind::ReferenceList);
+  if (!inSection && !passedOver) AddStray(at_, label.end, StrayKind::LabelOutside);
+  const std::uint32_t piece = scopes_.empty() ? outside_ : scopes_.back().current;
+  if (piece == kNoSection) {
+    OpenPiece(inSection ? scopes_.back().name : View(at_, at_), inSection);
+  }
+  tree_.entries.push_back({.label = label.name,
+                           .firstValue = static_cast<std::uint32_t>(tree_.values.size()),
+                           .counted = label.counted});
+  if (!label.plain && !passedOver) {
+    AddStray(at_, std::max(label.end, StrayEnd(at_)), StrayKind::Bracket);
+  }
+  at_ = label.end;
+  if (label.counted) {
+    TakeCountedValue(label);
+  } else {
+    TakeValues();
+  }
+  Entry& entry = tree_.entries.back();
+  entry.valueCount = static_cast<std::uint32_t>(tree_.values.size()) - entry.firstValue;
+  if (at_ == end_) tree_.cutEntry = static_cast<EntryPlace>(tree_.entries.size() - 1);
+}
+
+/// One separator, then N - 1 bytes of any kind, then a byte that ends them, blank or not.
+void TreeReader::TakeCountedValue(const Label& label) {
+  const auto room = static_cast<std::size_t>(end_ - at_);
+  if (label.count > room) cutInside_ = tree_.cutInsideValue = true;
+  const std::size_t count = std::min(label.count, room);
+  const char* const value = at_ + std::min<std::size_t>(1, room);
+  tree_.values.push_back({View(value, std::max(value, at_ + count)), false});
+  at_ += count;
+  if (at_ == end_) return;
+  if (*at_ == '(' || *at_ == '<') {  // which the system loses
+    AddStray(at_, StrayEnd(at_), StrayKind::Bracket);
+  } else {
+    ++at_;
+  }
+}
+
+void TreeReader::TakeValues() {
+  const char* lineOf = at_ - 1;  // a byte of the line on which values or the label stand
+  for (;;) {
+    SkipBlanks();
+    if (at_ == end_) {
+      tree_.cutInsideValue = end_ != begin_ && !IsBlank(end_[-1]);
+      return;
+    }
+    const char* const begin = at_;
+    if (!TakeValue(lineOf)) return;
+    lineOf = at_ > begin ? at_ - 1 : begin;
+  }
+}
+
+/// Takes a value or a comment; false at the label or tag that ends the values.
+bool TreeReader::TakeValue(const char* lineOf) {
+  const char* const begin = at_;
+  switch (*begin) {
+    case '"':
+      TakeQuotedValue();
+      return true;
+    case '/':
+      if (!At(begin, "/*")) break;
+      TakeComment(true);
+      return true;
+    case '(':
+    case '<': {
+      const bool onLine = std::find_if(lineOf, begin, EndsLine) == begin;
+      Tag tag;
+      Label label;
+      if (*begin == '(' ? ReadsAsLabel(begin, onLine, label) : ReadsAsTag(begin, onLine, tag)) {
+        return false;
+      }
+      // What is no label or tag is a stray word at the start of a line or if the end cuts it.
+      if (!onLine || TokenEnd(begin) == end_) return false;
+      if (!Inside(ScopeKind::ReferenceList)) {
+        AddStray(begin, StrayEnd(begin), StrayKind::Bracket);
+      }
+      break;
+    }
+    default:
+      break;
+  }
+  at_ = ValueEnd(begin);
+  tree_.values.push_back({View(begin, at_), false});
+  // A closing tag glued to a value hides from the system.
+  if (at_ != end_ && *at_ == '<') AddStray(at_, StrayEnd(at_), StrayKind::Bracket);
+  return true;
+}
+
+void TreeReader::TakeQuotedValue() {
+  const char* const first = at_ + 1;
+  const char* end = first >= noQuoteFrom_ ? end_ : first;
+  for (; end != end_; ++end) {
+    end = static_cast<const char*>(std::memchr(end, '"', static_cast<std::size_t>(end_ - end)));
+    if (end == nullptr) end = end_;
+    if (end == end_ || end[-1] != kEscape) break;
+  }
+  if (end != end_) {
+    tree_.values.push_back({View(first, end), true});
+    at_ = end + 1;
+    return;
+  }
+  noQuoteFrom_ = std::min(noQuoteFrom_, first);
+  // A mark that nothing closes must not swallow a text that goes on to its proper end.
+  if (ClosesLater(first)) {
+    end = LineEnd(first);
+    while (end != first && IsBlank(end[-1])) --end;
+  } else {
+    cutInside_ = true;
+  }
+  tree_.values.push_back({View(first, end), true});
+  at_ = end;
+}
+
+void TreeReader::TakeComment(bool amongValues) {
+  constexpr std::string_view kEnd = "*/";
+  const char* const begin = at_;
+  const char* end = end_;
+  const char* textEnd = end_;
+  const bool whole = At(begin, "/*/") && (begin + 3 == end_ || IsBlank(begin[3]));
+  if (whole) {
+    end = begin + 3;
+    textEnd = begin + 2;
+  } else if (begin + 2 < noCommentEndFrom_) {
+    textEnd = std::search(begin + 2, end_, kEnd.begin(), kEnd.end());
+    if (textEnd == end_) {
+      noCommentEndFrom_ = std::min(noCommentEndFrom_, begin + 2);
+    } else {
+      end = textEnd + kEnd.size();
+    }
+  }
+  if (textEnd == end_) {
+    if (ClosesLater(begin)) {
+      textEnd = end = LineEnd(begin);
+    } else {
+      cutInside_ = true;
+    }
+  }
+  tree_.comments.push_back(View(begin + 2, std::max(textEnd, begin + 2)));
+  if (amongValues && !Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Comment);
+  at_ = end;
+}
+
+/// Up to the end of the line, or to something on it that is more than words: a label, a comment, a
+/// closing tag, outside of sections any tag.
+void TreeReader::TakeStrayWord() {
+  const char* const begin = at_;
+  const char* end = begin;
+  do {
+    end = at_ = StrayTokenEnd(at_);
+    while (at_ != end_ && IsBlank(*at_) && !EndsLine(*at_)) ++at_;
+  } while (at_ != end_ && !EndsLine(*at_) && !EndsStrayWords());
+  if (!Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Word);
+}
+
+/// A text in quotation marks on the line is one token, whatever brackets stand in it.
+const char* TreeReader::StrayTokenEnd(const char* at) const {
+  if (*at == '"') {
+    const char* const mark =
+        std::find_if(at + 1, end_, [](char c) { return c == '"' || EndsLine(c); });
+    if (mark != end_ && *mark == '"') return mark + 1;
+  }
+  return TokenEnd(at);
+}
+
+bool TreeReader::EndsStrayWords() const {
+  Tag tag;
+  Label label;
+  if (At(at_, "/*")) return true;
+  if (*at_ == '<') {
+    return ReadsAsTag(at_, true, tag) && (tag.closes || !Inside(ScopeKind::Section));
+  }
+  return *at_ == '(' && ReadsAsLabel(at_, true, label) && label.plain && IsIdentifier(label.name);
+}
+
+// Tokens ---------------------------------------------------------------------------------------
+
+/// `amongValues`: the token stands after a value on one line, and may be a value itself.
+bool TreeReader::ReadsAsTag(const char* at, bool amongValues, Tag& tag) const {
+  const char* name = at + 1;
+  tag.closes = name != end_ && *name == '/';
+  if (tag.closes) ++name;
+  if (name == end_ || !(IsLetter(*name) || *name == '_')) return false;
+  const char* nameEnd = std::find_if_not(name, end_, IsNameByte);
+  tag.name = View(name, nameEnd);
+  tag.plain = nameEnd != end_ && *nameEnd == '>' && (nameEnd + 1 == end_ || IsBlank(nameEnd[1]));
+  if (nameEnd != end_ && *nameEnd == '>') {
+    tag.end = nameEnd + 1;
+    return true;
+  }
+  if (amongValues && nameEnd != end_) return false;
+  // A bracket that comes late, after attributes say, or never.
+  const char* const far = nameEnd + std::min(kMostOfAName, end_ - nameEnd);
+  const char* const late =
+      std::find_if(nameEnd, far, [](char c) { return c == '>' || c == '<' || EndsLine(c); });
+  tag.end = late != far && *late == '>' ? late + 1 : nameEnd;
+  return true;
+}
+
+bool TreeReader::ReadsAsLabel(const char* at, bool amongValues, Label& label) const {
+  const char* const name = at + 1;
+  const char* const far = name + std::min(kMostOfAName, end_ - name);
+  const char* const close = std::find_if(name, far, [](char c) {
+    return c == ')' || c == '(' || c == '<' || c == '"' || EndsLine(c);
+  });
+  if (close == far || *close != ')') return false;
+  label = {.name = View(name, close), .end = close + 1};
+  if (std::any_of(name, close, IsBlank)) {
+    return !amongValues && (IsLetter(*name) || *name == '_');
+  }
+  label.plain = label.end == end_ || IsBlank(*label.end);
+  return label.plain || ReadsAsCounted(label) || ReadsAsGlued(label);
+}
+
+/// Digits and nothing else after the ")" are the form (LABEL)N.
+bool TreeReader::ReadsAsCounted(Label& label) const {
+  const char* const far = label.end + std::min(kMostOfAName, end_ - label.end);
+  const char* const digitsEnd = std::find_if_not(label.end, far, IsDigit);
+  if (digitsEnd == label.end || (digitsEnd != end_ && !IsBlank(*digitsEnd))) return false;
+  for (const char* at = label.end; at != digitsEnd; ++at) {
+    label.count = std::min(label.count * 10 + static_cast<std::size_t>(*at - '0'), kMostCounted);
+  }
+  label.counted = label.plain = true;
+  label.end = digitsEnd;
+  return true;
+}
+
+/// A label whose value begins right after its ")". Without a word inside its brackets, or with a
+/// name's next letters after them, it is part of a name: "(2).wav".
+bool TreeReader::ReadsAsGlued(const Label& label) const {
+  const char next = *label.end;
+  if (next == '(' || next == '<' || next == '"' || At(label.end, "/*")) return true;
+  return IsIdentifier(label.name) &&
+         (IsLetter(next) || IsDigit(next) || next == '_' || next == '+' || next == '-');
+}
+
+/// Where a stray token ends, or what is shown of it does.
+const char* TreeReader::StrayEnd(const char* at) const {
+  return std::find_if(at, at + std::min(kMostOfAName, end_ - at), IsBlank);
+}
+
+const char* TreeReader::TokenEnd(const char* at) const {
+  return at == end_ ? at : std::find_if(at + 1, end_, IsBlank);
+}
+
+/// Of an unquoted value: the next blank, or a closing tag glued to it.
+const char* TreeReader::ValueEnd(const char* at) const {
+  const auto ends = [](char c) { return kEndsValue[static_cast<unsigned char>(c)]; };
+  Tag tag;
+  for (at = std::find_if(at + 1, end_, ends); at != end_ && *at == '<';
+       at = std::find_if(at + 1, end_, ends)) {
+    if (At(at, "</") && ReadsAsTag(at, true, tag)) break;
+  }
+  return at;
+}
+
+const char* TreeReader::LineEnd(const char* at) const {
+  return std::find_if(at, end_, EndsLine);
+}
+
+bool TreeReader::At(const char* at, std::string_view text) const {
+  return static_cast<std::size_t>(end_ - at) >= text.size() && IsKeyword({at, text.size()}, text);
+}
+
+/// The text goes on to a </ADL> after this place.
+bool TreeReader::ClosesLater(const char* at) {
+  if (!closingLookedFor_) {
+    closingLookedFor_ = true;
+    constexpr std::string_view kClosing = "</ADL>";
+    const char* const found =
+        std::find_end(begin_, end_, kClosing.begin(), kClosing.end(),
+                      [](char a, char b) { return LowerCase(a) == LowerCase(b); });
+    if (found != end_) lastClosing_ = found;
+  }
+  return lastClosing_ != nullptr && lastClosing_ >= at;
+}
+
+void TreeReader::SkipBlanks() {
+  at_ = std::find_if_not(at_, end_, IsBlank);
+}
+
+void TreeReader::AddStray(const char* begin, const char* end, StrayKind kind) {
+  Stray stray;
+  stray.text = View(begin, end);
+  stray.kind = kind;
+  stray.entriesBefore = static_cast<EntryPlace>(tree_.entries.size());
+  const bool amongValues = kind == StrayKind::Comment || kind == StrayKind::Bracket;
+  if (amongValues && !tree_.entries.empty()) {
+    stray.entry = stray.entriesBefore - 1;
+    stray.valuesBefore =
+        static_cast<std::uint32_t>(tree_.values.size()) - tree_.entries.back().firstValue;
+  }
+  tree_.strays.push_back(stray);
+}
+
+}  // namespace velmora::field

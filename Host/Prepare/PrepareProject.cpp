@@ -1,0 +1,198 @@
+#include "Prepare/PrepareProject.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "Base/FileAccess.h"
+#include "Base/FileNames.h"
+#include "Prepare/MediaFiles.h"
+#include "Prepare/Plan.h"
+#include "Prepare/ProjectText.h"
+#include "Prepare/Staging.h"
+
+namespace velmora::prepare {
+namespace {
+
+using check::Code;
+using check::Finding;
+
+/// The prepared project's name is that of the original, its extension in small letters.
+std::string ProjectNameFor(const std::string& path) {
+  const std::string name = FileNameOf(path);
+  const std::size_t dot = name.rfind('.');
+  const bool hasExtension = dot != std::string::npos && dot > 0;
+  return (hasExtension ? name.substr(0, dot) : name) + ".adl";
+}
+
+/// Writes a new file whole. An empty text, or path and cause.
+std::string WriteWhole(const std::string& path, const std::string& bytes) {
+  FileStream file = CreateNewFile(path.c_str());
+  bool written =
+      file != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+  // A full disk may show only here.
+  if (file != nullptr && std::fclose(file.release()) != 0) written = false;
+  return written ? "" : path + ": " + std::strerror(errno);
+}
+
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at != std::string::npos;
+       at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+/// True if a project is not whole with this among what is left.
+bool IsLoss(const Finding& finding) {
+  return finding.severity != check::Severity::Note && finding.code != Code::RateCompensated;
+}
+
+/// One preparation, from a plan to a folder in its place.
+class Preparation {
+ public:
+  Preparation(const check::CheckedProject& checked, const PrepareOptions& options,
+              const PrepareProgress& progress)
+      : checked_(checked), options_(options), progress_(progress) {}
+
+  Prepared Run() {
+    if (checked_.verdict == check::Verdict::Unreadable || checked_.project == nullptr ||
+        !checked_.project->isAdl) {
+      prepared_ = Stop(Outcome::NotAnAdl, checked_.path + " is no ADL");
+      prepared_.left = checked_.findings;
+      return std::move(prepared_);
+    }
+    std::string complaint = staging_.Begin(options_.into);
+    if (!complaint.empty()) return Stop(Outcome::FolderTaken, complaint);
+    std::optional<Plan> plan = MakePlan(checked_, options_);
+    if (!plan) {
+      return Stop(Outcome::Failed, checked_.path + ": no timestamp can say its sample rate");
+    }
+    plan_ = std::move(*plan);
+    if (!MakeAudio()) return std::move(prepared_);
+    const std::string name = ProjectNameFor(checked_.path);
+    complaint = WriteWhole(staging_.Path() + '/' + name, WriteProject(checked_, plan_));
+    if (!complaint.empty()) return Stop(Outcome::Failed, complaint);
+    prepared_.projectPath = options_.into + '/' + name;
+    prepared_.changes = std::move(plan_.changes);
+    if (!FindWhatIsLeft(staging_.Path() + '/' + name)) return std::move(prepared_);
+    complaint = staging_.Commit();
+    if (!complaint.empty()) return Stop(Outcome::Failed, complaint);
+    const bool whole = std::none_of(prepared_.left.begin(), prepared_.left.end(), IsLoss);
+    prepared_.outcome = whole ? Outcome::Done : Outcome::Left;
+    return std::move(prepared_);
+  }
+
+ private:
+  // Of the whole, as far as a person notices: the audio takes the time.
+  static constexpr double kShareOfAudio = 0.95;
+
+  Prepared Stop(Outcome outcome, const std::string& trouble) const {
+    Prepared stopped;
+    stopped.outcome = outcome;
+    stopped.trouble = trouble;
+    ReplaceAll(stopped.trouble, staging_.Path().empty() ? options_.into : staging_.Path(),
+               options_.into);
+    return stopped;
+  }
+
+  /// False if the preparation has come to its end.
+  bool MakeAudio() {
+    const std::string folder = staging_.Path() + "/Audio";
+    if (mkdir(folder.c_str(), 0777) != 0) {
+      prepared_ = Stop(Outcome::Failed, folder + ": " + std::strerror(errno));
+      return false;
+    }
+    const PrepareProgress tell = [this](double share, const std::string& what) {
+      return !progress_ || progress_(share * kShareOfAudio, what);
+    };
+    const std::vector<MediaOutcome> outcomes = MakeMediaFiles(plan_.files, folder, tell);
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+      if (outcomes[i].cancelled) {
+        prepared_ = Stop(Outcome::Cancelled, "");
+        return false;
+      }
+      if (!outcomes[i].done) {
+        prepared_ = Stop(Outcome::Failed, outcomes[i].trouble);
+        return false;
+      }
+      const PlannedFile& file = plan_.files[i];
+      prepared_.files.push_back({file.from, options_.into + "/Audio/" + file.name, file.how});
+      NamePeak(i, outcomes[i]);
+    }
+    return true;
+  }
+
+  /// Says at the change that converted a float file whether it passed full scale.
+  void NamePeak(std::size_t file, const MediaOutcome& outcome) {
+    if (outcome.clipped == 0) return;
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  " Its peak is %+.2f dBFS, above full scale: %lld samples were clipped.",
+                  20 * std::log10(outcome.peak), static_cast<long long>(outcome.clipped));
+    for (Change& change : plan_.changes) {
+      if (change.code != Code::MediaKind || !change.source) continue;
+      for (const PlannedSource& source : plan_.sources) {
+        const bool same =
+            source.file == file && checked_.project->sources[source.origin].index == *change.source;
+        if (same) {
+          change.text += " Audio/" + plan_.files[file].name + ':' + text;
+          break;
+        }
+      }
+    }
+  }
+
+  /// Checks the staged project as anybody would who gets the folder. False if cancelled.
+  bool FindWhatIsLeft(const std::string& path) {
+    check::CheckOptions options;
+    options.sessionRate = options_.check.sessionRate;
+    options.sessionFrameRate = options_.check.sessionFrameRate;
+    bool cancelled = false;
+    const auto ask = [&] {
+      cancelled = cancelled || (progress_ && !progress_(kShareOfAudio, "checking"));
+      return cancelled;
+    };
+    media::FolderListings listings;
+    check::CheckedProject result = check::CheckProject(path, options, listings, ask);
+    if (cancelled || (progress_ && !progress_(1, "done"))) {
+      prepared_ = Stop(Outcome::Cancelled, "");
+      return false;
+    }
+    prepared_.left = std::move(plan_.lost);
+    bool moves = false;
+    for (Finding& finding : result.findings) {
+      // The folder is known by the name that it will have.
+      for (std::string* const text : {&finding.text, &finding.effect, &finding.remedy}) {
+        ReplaceAll(*text, staging_.Path(), options_.into);
+      }
+      moves = moves || finding.code == Code::RateCompensated;
+      prepared_.left.push_back(std::move(finding));
+    }
+    if (moves) {
+      std::erase_if(prepared_.changes,
+                    [](const Change& change) { return change.code == Code::RateCompensated; });
+    }
+    return true;
+  }
+
+  const check::CheckedProject& checked_;
+  const PrepareOptions& options_;
+  const PrepareProgress& progress_;
+  Staging staging_;
+  Plan plan_;
+  Prepared prepared_;
+};
+
+}  // namespace
+
+Prepared PrepareProject(const check::CheckedProject& checked, const PrepareOptions& options,
+                        const PrepareProgress& progress) {
+  return Preparation(checked, options, progress).Run();
+}
+
+}  // namespace velmora::prepare

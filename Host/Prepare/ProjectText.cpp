@@ -1,0 +1,449 @@
+#include "Prepare/ProjectText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <set>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "Base/Text.h"
+#include "Field/EntryTexts.h"
+#include "Prepare/AdlText.h"
+
+namespace velmora::prepare {
+namespace {
+
+using Values = std::vector<std::string>;
+
+bool Is(std::string_view text, const char* word) {
+  return EqualsIgnoringCase(std::string(text).c_str(), word);
+}
+
+/// The sections whose labels the system or the plan gives a meaning.
+constexpr const char* kSourceIndex = "SOURCE_INDEX";
+constexpr const char* kEventList = "EVENT_LIST";
+
+bool IsHeader(const field::Section& section) {
+  return Is(section.name, "SYSTEM") || Is(section.name, "SEQUENCE");
+}
+
+bool IsConstants(const field::Section& section) {
+  return IsHeader(section) || Is(section.name, "VERSION") || Is(section.name, "PROJECT");
+}
+
+/// Labels of an event with the number of values that the system asks for.
+struct EventLabel {
+  const char* label;
+  std::size_t fewestValues;
+};
+constexpr auto kEventLabels = std::to_array<EventLabel>({
+    {"Silence", 4},
+    {"Aux", 4},
+    {"Vid", 4},
+    {"Alt", 4},
+    {"Xfade", 6},
+});
+constexpr std::size_t kFewestFadeValues = 5;
+constexpr std::size_t kFewestFileValues = 4;      // of (F)
+constexpr std::size_t kFewestTimecodeValues = 5;  // of (T)
+
+std::string Number(std::int64_t number) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%04lld", static_cast<long long>(number));
+  return text.data();
+}
+
+std::string Decibels(double dB) {
+  std::array<char, 64> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), dB).ptr;
+  return {text.data(), end};
+}
+
+std::string Run(const field::ChannelRun& run) {
+  const std::string first = std::to_string(run.first);
+  return run.last > run.first ? first + '~' + std::to_string(run.last) : first;
+}
+
+class ProjectWriter {
+ public:
+  ProjectWriter(const check::CheckedProject& checked, const Plan& plan)
+      : checked_(checked), project_(*checked.project), tree_(project_.tree), plan_(plan) {
+    CollectPassedOver();
+  }
+
+  std::string Write() {
+    WriteComments(0, FirstSectionOffset());
+    bool eventsWritten = false;
+    bool sourcesWritten = false;
+    for (std::size_t i = 0; i < tree_.sections.size(); ++i) {
+      const field::Section& section = tree_.sections[i];
+      if (section.name.empty()) continue;  // labels outside of every section: nothing reads them
+      EnterOrLeaveReferenceList(section);
+      if (!section.inReferenceList && Is(section.name, kSourceIndex)) {
+        if (!std::exchange(sourcesWritten, true)) WriteSources(i);
+      } else if (!section.inReferenceList && Is(section.name, kEventList)) {
+        if (!std::exchange(eventsWritten, true)) WriteEvents(i);
+      } else {
+        WriteKept(i);
+      }
+    }
+    LeaveReferenceList();
+    return text_.Finish();
+  }
+
+ private:
+  // Comments and lines without a label.
+
+  /// A piece of text that no label takes, to be kept as a comment.
+  struct Remark {
+    std::size_t offset;
+    std::string_view text;
+  };
+
+  void CollectPassedOver() {
+    std::set<const char*> strayComments;
+    for (const field::Stray& stray : tree_.strays) {
+      if (stray.kind == field::StrayKind::Comment) {
+        strayComments.insert(stray.text.data());
+        strayComments.insert(stray.text.data() + 2);  // past its mark
+      }
+      // Lists of other programs may do without labels. In sections that the system reads such a
+      // line is a slip.
+      if (stray.kind == field::StrayKind::Word && IsInForeignSection(stray.text)) {
+        remarks_.push_back({tree_.OffsetOf(stray.text), stray.text});
+      }
+    }
+    for (const std::string_view comment : tree_.comments) {
+      if (!strayComments.contains(comment.data())) {
+        remarks_.push_back({tree_.OffsetOf(comment), comment});
+      }
+    }
+    std::stable_sort(remarks_.begin(), remarks_.end(),
+                     [](const Remark& a, const Remark& b) { return a.offset < b.offset; });
+  }
+
+  bool IsInForeignSection(std::string_view text) const {
+    const auto after = std::upper_bound(
+        tree_.sections.begin(), tree_.sections.end(), text.data(),
+        [](const char* at, const field::Section& section) { return at < section.name.data(); });
+    if (after == tree_.sections.begin()) return false;
+    const field::Section& section = *std::prev(after);
+    return !IsConstants(section) && !Is(section.name, kSourceIndex) &&
+           !Is(section.name, kEventList);
+  }
+
+  std::size_t OffsetOf(std::size_t section) const {
+    return section < tree_.sections.size() ? tree_.OffsetOf(tree_.sections[section].name)
+                                           : tree_.file.size();
+  }
+  std::size_t FirstSectionOffset() const { return OffsetOf(0); }
+
+  /// The comments that stand in a part of the file.
+  void WriteComments(std::size_t from, std::size_t to) {
+    const auto isBefore = [](const Remark& remark, std::size_t offset) {
+      return remark.offset < offset;
+    };
+    auto remark = std::lower_bound(remarks_.begin(), remarks_.end(), from, isBefore);
+    for (; remark != remarks_.end() && remark->offset < to; ++remark) {
+      text_.Comment(project_.TextOf({remark->text, false}));
+    }
+  }
+
+  /// Opens a section with the comments that stand in it or after it.
+  void Open(std::size_t section) {
+    text_.OpenSection(tree_.sections[section].name);
+    WriteComments(OffsetOf(section), OffsetOf(section + 1));
+  }
+
+  // Sections that are carried over.
+
+  void EnterOrLeaveReferenceList(const field::Section& section) {
+    if (!section.inReferenceList) {
+      LeaveReferenceList();
+      return;
+    }
+    if (!inReferences_) {
+      text_.Tag("REF_LIST");
+      text_.Tag("REF");
+      inReferences_ = true;
+    } else if (referenceNames_.contains(section.name)) {
+      // One reference has one section of a name: this is the next one's.
+      text_.Tag("/REF");
+      text_.Tag("REF");
+      referenceNames_.clear();
+    }
+    referenceNames_.insert(section.name);
+  }
+
+  void LeaveReferenceList() {
+    if (!std::exchange(inReferences_, false)) return;
+    text_.Tag("/REF");
+    text_.Tag("/REF_LIST");
+    referenceNames_.clear();
+  }
+
+  void WriteKept(std::size_t index) {
+    const field::Section& section = tree_.sections[index];
+    Open(index);
+    for (const field::Entry& entry : tree_.EntriesOf(section)) {
+      const std::span<const field::Value> values = tree_.ValuesOf(entry);
+      if (entry.counted && !values.empty()) {
+        text_.CountedLine(entry.label, project_.TextOf(values.front()));
+      } else if (!section.inReferenceList && IsConstants(section)) {
+        text_.Line(entry.label, ConstantValues(entry, IsHeader(section)));
+      } else {
+        text_.Line(entry.label, ValuesOf(entry));
+      }
+    }
+    text_.CloseSection();
+  }
+
+  std::string Text(const field::Value& value) const {
+    return AdlText::Value(project_.TextOf(value), value.quoted);
+  }
+
+  /// The same, or the sign for "not given".
+  std::string TextOr(const field::Value& value) const {
+    return value.IsThere() ? Text(value) : "_";
+  }
+
+  Values ValuesOf(const field::Entry& entry) const {
+    Values values;
+    for (const field::Value& value : tree_.ValuesOf(entry)) values.push_back(Text(value));
+    return values;
+  }
+
+  /// The same with each time at the project's rates.
+  Values StampedValuesOf(const field::Entry& entry, std::size_t fewest) const {
+    Values values;
+    for (const field::Value& value : tree_.ValuesOf(entry)) {
+      const std::optional<std::int64_t> time = TimeOf(value);
+      values.push_back(time ? Stamp(*time) : Text(value));
+    }
+    while (values.size() < fewest) values.emplace_back("_");
+    return values;
+  }
+
+  /// The value of a constant. A text of several words without quotation marks gets them: the system
+  /// takes the first value alone.
+  Values ConstantValues(const field::Entry& entry, bool hasTimes) const {
+    const field::Value text = ReadLineText(tree_, entry, 0);
+    if (!text.IsThere()) return {};
+    if (!hasTimes) return {Text(text)};
+    if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
+    if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
+    const std::optional<std::int64_t> time = TimeOf(text);
+    if (!time) return {Text(text)};
+    const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
+    return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
+  }
+
+  // The rates in the header stay as they are spelled if they are those of the timestamps.
+
+  bool HeaderHasSampleRate() const {
+    return project_.times.headerSampleRate == plan_.form.sampleRate;
+  }
+  std::string SampleRateText() const {
+    return 'S' + std::to_string(std::llround(plan_.form.sampleRate));
+  }
+  bool HeaderHasFrameRate() const {
+    const std::optional<field::TimeRates>& frames = project_.times.headerFrames;
+    const field::TimeRates rates = RatesOf(plan_.form);
+    return frames && frames->framesPerSecond == rates.framesPerSecond &&
+           frames->pulledDown == rates.pulledDown;
+  }
+  std::string FrameRateText() const {
+    const field::TimeRates rates = RatesOf(plan_.form);
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.5g", rates.FrameRate());
+    return text.data();
+  }
+
+  // Times.
+
+  /// A value as a time at the project's rate; none if it is no time.
+  std::optional<std::int64_t> TimeOf(const field::Value& value) const {
+    const std::optional<field::Time> time = field::ReadTime(value.text, project_.times);
+    if (!time) return std::nullopt;
+    if (time->rates.sampleRate == plan_.form.sampleRate) return time->samples;
+    return field::AtRate(time->samples, time->rates.sampleRate, plan_.form.sampleRate);
+  }
+  std::string Stamp(std::int64_t samples) const {
+    return WriteStamp(samples, plan_.form).value_or("_");
+  }
+  std::optional<std::string> FadeLength(std::int64_t samples) const {
+    return WriteFadeLength(samples, plan_.form);
+  }
+
+  // Sources.
+
+  std::span<const field::Entry> Entries(field::EntryPlace first, field::EntryPlace end) const {
+    return std::span(tree_.entries).subspan(first, end > first ? end - first : 0);
+  }
+
+  /// The entries of a source: those up to the next (Index), within its section.
+  std::span<const field::Entry> EntriesOf(const field::Source& source) const {
+    const auto after = std::upper_bound(tree_.sections.begin(), tree_.sections.end(), source.place,
+                                        [](field::EntryPlace place, const field::Section& section) {
+                                          return place < section.firstEntry;
+                                        });
+    if (after == tree_.sections.begin()) return {};
+    const field::Section& section = *std::prev(after);
+    const field::EntryPlace end = section.firstEntry + section.entryCount;
+    field::EntryPlace next = source.place + 1;
+    while (next < end && !Is(tree_.entries[next].label, "Index")) ++next;
+    return Entries(source.place, next);
+  }
+
+  void WriteSources(std::size_t section) {
+    Open(section);
+    for (const PlannedSource& source : plan_.sources) {
+      text_.Line("Index", {Number(source.index)});
+      WriteFileLine(source);
+      for (const field::Entry& entry : EntriesOf(project_.sources[source.origin])) {
+        if (Is(entry.label, "F") || Is(entry.label, "Index")) continue;
+        const bool timecode = Is(entry.label, "T");
+        text_.Line(entry.label, StampedValuesOf(entry, timecode ? kFewestTimecodeValues : 0));
+      }
+    }
+    text_.CloseSection();
+  }
+
+  void WriteFileLine(const PlannedSource& source) {
+    const field::Source& origin = project_.sources[source.origin];
+    field::SourceTexts texts;
+    if (origin.fPlace) texts = ReadSourceTexts(tree_, tree_.entries[*origin.fPlace]);
+    Values values = {AdlText::Quoted(LocationOf(source)), TextOr(texts.reference),
+                     Stamp(source.fileStart), LengthOf(source)};
+    if (texts.name.IsThere()) values.push_back(Text(texts.name));
+    if (texts.last.IsThere()) values.push_back(Text(texts.last));
+    text_.Line("F", values);
+  }
+
+  std::string LocationOf(const PlannedSource& source) const {
+    if (!source.file) return project_.sources[source.origin].location;
+    // The system looks for the location's ends below the project's folder: this is Audio/NAME.
+    return "URL:file://localhost/Audio/" + plan_.files[*source.file].name;
+  }
+
+  std::string LengthOf(const PlannedSource& source) const {
+    std::optional<std::int64_t> length = project_.sources[source.origin].length;
+    if (source.file && (source.ownLength || !length)) length = plan_.files[*source.file].frames;
+    return length ? Stamp(*length) : "_";
+  }
+
+  // Events.
+
+  void WriteEvents(std::size_t section) {
+    Open(section);
+    for (const PlannedEvent& event : plan_.events) {
+      text_.Line("Entry", {Number(event.number)});
+      const field::Event& origin = project_.events[event.origin];
+      if (event.cut) WriteCut(*event.cut, origin);
+      for (const field::Entry& entry : Entries(origin.place, origin.endPlace)) {
+        if (Is(entry.label, "Entry")) continue;
+        WriteEventLine(entry, event.cut ? &*event.cut : nullptr);
+      }
+    }
+    text_.CloseSection();
+  }
+
+  void WriteCut(const PlannedCut& cut, const field::Event& origin) {
+    std::string type = "I";
+    std::string status = "_";
+    if (origin.edit) {
+      const std::span<const field::Value> values = tree_.ValuesOf(tree_.entries[*origin.edit]);
+      if (!values.empty()) type = Text(values.front());
+    }
+    if (origin.status != '_') status = std::string(1, origin.status);
+    text_.Line("Cut",
+               {type == "_" ? "I" : type, std::to_string(cut.sourceIndex), Run(cut.sourceChannels),
+                Run(cut.tracks), Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end), status});
+    if (origin.fadeIn) WriteFade("Infade", *origin.fadeIn, cut.fadeIn);
+    if (origin.fadeOut) WriteFade("Outfade", *origin.fadeOut, cut.fadeOut);
+    if (cut.gainDb && std::isfinite(*cut.gainDb)) {
+      text_.Line("Gain", {"_", Decibels(*cut.gainDb)});
+    }
+  }
+
+  void WriteFade(const char* label, const field::Fade& fade, std::optional<std::int64_t> length) {
+    const std::optional<std::string> stamp = length ? FadeLength(*length) : std::nullopt;
+    if (!stamp) return;
+    const field::FadeTexts texts = ReadFadeTexts(tree_, tree_.entries[fade.place]);
+    Values values = {*stamp, TextOr(texts.shape)};
+    for (const field::Value& level : texts.levels) values.push_back(TextOr(level));
+    if (texts.renderedType.IsThere()) {
+      values.push_back(Text(texts.renderedType));
+      values.push_back(TextOr(texts.renderedIndex));
+      const std::optional<std::int64_t> in =
+          texts.renderedIn.IsThere() ? TimeOf(texts.renderedIn) : std::nullopt;
+      values.push_back(in ? Stamp(*in) : TextOr(texts.renderedIn));
+    }
+    text_.Line(label, values);
+  }
+
+  /// A line of an event other than those that WriteCut has written.
+  void WriteEventLine(const field::Entry& entry, const PlannedCut* cut) {
+    if (cut != nullptr) {
+      const bool written =
+          Is(entry.label, "Cut") || Is(entry.label, "Infade") || Is(entry.label, "Outfade");
+      if (written) return;
+      if (Is(entry.label, "Gain") && !cut->keepsGainLines) return;
+    }
+    if (Is(entry.label, "Infade") || Is(entry.label, "Outfade")) {
+      WriteFadeOfOther(entry);
+      return;
+    }
+    if (Is(entry.label, "Rem") && entry.counted) {
+      text_.CountedLine(entry.label, project_.TextOf(tree_.ValuesOf(entry).front()));
+      return;
+    }
+    if (Is(entry.label, "Rem")) {
+      const field::Value name = ReadNameText(tree_, entry);
+      const Values named = {"NAME", name.IsThere() ? AdlText::Quoted(project_.TextOf(name)) : ""};
+      text_.Line(entry.label, name.IsThere() ? named : ValuesOf(entry));
+      return;
+    }
+    text_.Line(entry.label, StampedValuesOf(entry, FewestValues(entry)));
+  }
+
+  static std::size_t FewestValues(const field::Entry& entry) {
+    if (Is(entry.label, "Gain")) return 2;
+    for (const EventLabel& row : kEventLabels) {
+      if (Is(entry.label, row.label)) return row.fewestValues;
+    }
+    return 0;
+  }
+
+  /// A fade of an event that is no cut. Without a length it would fail the load.
+  void WriteFadeOfOther(const field::Entry& entry) {
+    const std::span<const field::Value> given = tree_.ValuesOf(entry);
+    const std::optional<std::int64_t> length = given.empty() ? std::nullopt : TimeOf(given.front());
+    const std::optional<std::string> stamp = length ? FadeLength(*length) : std::nullopt;
+    if (!stamp) return;
+    Values values = StampedValuesOf(entry, kFewestFadeValues);
+    values[0] = *stamp;
+    text_.Line(entry.label, values);
+  }
+
+  const check::CheckedProject& checked_;
+  const field::Project& project_;
+  const field::Tree& tree_;
+  const Plan& plan_;
+  AdlText text_;
+  std::vector<Remark> remarks_;  ///< by rising offset
+  bool inReferences_ = false;
+  std::set<std::string_view> referenceNames_;
+};
+
+}  // namespace
+
+std::string WriteProject(const check::CheckedProject& checked, const Plan& plan) {
+  return ProjectWriter(checked, plan).Write();
+}
+
+}  // namespace velmora::prepare

@@ -1,0 +1,155 @@
+#include "Prepare/Staging.h"
+
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+namespace velmora::prepare {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Complaint(const std::string& path, const std::string& what, int error) {
+  return path + what + ": " + std::strerror(error);
+}
+
+/// The rights that a new folder gets; mkdtemp gives its maker alone any.
+void GiveCommonRights(const std::string& folder, const struct stat* model) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  const mode_t rights = model != nullptr ? model->st_mode & 07777 : 0777 & ~mask;
+  // A folder with fewer rights than wanted is still the right folder.
+  if (chmod(folder.c_str(), rights) != 0) return;
+}
+
+/// Makes a folder whose name begins with `start`. Empty on failure, errno tells why.
+std::string MakeNamedFolder(const std::string& start) {
+  const std::string pattern = start + ".preparing-XXXXXX";
+  std::vector<char> name(pattern.begin(), pattern.end());
+  name.push_back('\0');
+  return mkdtemp(name.data()) != nullptr ? std::string(name.data()) : std::string();
+}
+
+}  // namespace
+
+Staging::~Staging() {
+  Discard();
+}
+
+std::string Staging::Begin(const std::string& target) {
+  target_ = target;
+  while (target_.size() > 1 && target_.back() == '/') target_.pop_back();
+  struct stat facts {};
+  const bool there = lstat(target_.c_str(), &facts) == 0;
+  std::error_code error;
+  if (there && S_ISLNK(facts.st_mode)) {  // the folder is where the link leads
+    target_ = fs::canonical(target_, error).string();
+    if (error) return target + " is a link that leads nowhere";
+    if (stat(target_.c_str(), &facts) != 0) return Complaint(target, " cannot be read", errno);
+  }
+  if (there && !S_ISDIR(facts.st_mode)) return target + " is there already, and is no folder";
+  if (there) {
+    const bool empty = fs::is_empty(target_, error);
+    if (error) return target + " cannot be read: " + error.message();
+    if (!empty) return target + " is there already, and is not empty";
+  } else {
+    std::string complaint = MakeParents();
+    if (!complaint.empty()) return complaint;
+  }
+  staging_ = MakeNamedFolder(target_);
+  if (staging_.empty() && there) {  // its folder lets nobody make anything; the target may
+    inside_ = true;
+    staging_ = MakeNamedFolder(target_ + '/');
+  }
+  if (staging_.empty()) return Complaint(target, " cannot be made", errno);
+  // A file system of its own cannot be replaced by another folder.
+  struct stat made {};
+  if (there && !inside_ && stat(staging_.c_str(), &made) == 0 && made.st_dev != facts.st_dev) {
+    const std::string beside = staging_;
+    inside_ = true;
+    staging_ = MakeNamedFolder(target_ + '/');
+    rmdir(beside.c_str());
+    if (staging_.empty()) return Complaint(target, " cannot be written to", errno);
+  }
+  GiveCommonRights(staging_, there ? &facts : nullptr);
+  return {};
+}
+
+std::string Staging::MakeParents() {
+  std::vector<std::string> missing;
+  struct stat facts {};
+  for (fs::path parent = fs::path(target_).parent_path();
+       lstat(parent.c_str(), &facts) != 0 && errno == ENOENT; parent = parent.parent_path()) {
+    missing.push_back(parent.string());
+  }
+  for (auto parent = missing.rbegin(); parent != missing.rend(); ++parent) {
+    if (mkdir(parent->c_str(), 0777) == 0) {
+      if (firstParent_.empty()) firstParent_ = *parent;
+    } else if (errno != EEXIST) {
+      return Complaint(*parent, " cannot be made", errno);
+    }
+  }
+  return {};
+}
+
+std::string Staging::Commit() {
+  if (inside_) return CommitInside();
+  // Over an empty folder this puts the new one in its place in one step.
+  if (std::rename(staging_.c_str(), target_.c_str()) != 0) {
+    const int error = errno;
+    Discard();
+    return Complaint(target_, " cannot take its place", error);
+  }
+  staging_.clear();
+  firstParent_.clear();
+  return {};
+}
+
+/// The project comes last: before it there is nothing that could be taken for a whole folder.
+std::string Staging::CommitInside() {
+  std::vector<fs::path> names;
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(staging_, error)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end(), [&](const fs::path& a, const fs::path& b) {
+    const bool aIsFolder = fs::is_directory(fs::path(staging_) / a);
+    const bool bIsFolder = fs::is_directory(fs::path(staging_) / b);
+    return aIsFolder != bIsFolder ? aIsFolder : a < b;
+  });
+  std::vector<fs::path> moved;
+  for (const fs::path& name : names) {
+    const fs::path to = fs::path(target_) / name;
+    if (!error) fs::rename(fs::path(staging_) / name, to, error);
+    if (!error) moved.push_back(to);
+  }
+  std::string complaint;
+  if (error) {
+    complaint = target_ + " cannot be filled: " + error.message();
+    std::error_code ignored;
+    for (const fs::path& path : moved) fs::remove_all(path, ignored);
+  }
+  Discard();
+  return complaint;
+}
+
+void Staging::Discard() {
+  std::error_code ignored;
+  if (!staging_.empty()) fs::remove_all(staging_, ignored);
+  staging_.clear();
+  // From the target's folder up to the first that was made, those that stayed empty.
+  for (fs::path parent = fs::path(target_).parent_path(); !firstParent_.empty();
+       parent = parent.parent_path()) {
+    if (rmdir(parent.c_str()) != 0 || parent == firstParent_) firstParent_.clear();
+  }
+}
+
+}  // namespace velmora::prepare

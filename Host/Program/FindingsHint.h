@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "ADL/LoadFailure.h"
+#include "Check/CheckProject.h"
+
+namespace velmora::program {
+
+/// Says on standard error, in one line that names `velmora check`, how many findings of a project
+/// fail, misplace or lose something; nothing if there is none, or if the file cannot be read at
+/// all. Looks for audio only where the system does, so that no folder is walked through.
+/// @param failure of the load; none if the project loaded. A file that could not be read is not
+/// tried
+///                again.
+void HintAtFindings(const std::string& path, const std::optional<LoadFailure>& failure,
+                    check::CheckOptions options = {});
+
+}  // namespace velmora::program
