@@ -117,15 +117,23 @@ std::vector<Absence> AbsencesOf(const host::TargetInput& input, const UsableSess
   return absences;
 }
 
-void NoteOverruns(const host::TargetInput& input, const UsableSession& usable,
-                  media::FactsByPath& media, std::vector<std::string>& notes) {
+/// Names the regions that do not sound as their messages have them.
+void NoteWhatIsOdd(const host::TargetInput& input, const UsableSession& usable,
+                   media::FactsByPath& media, std::vector<std::string>& notes) {
   const std::vector<host::SessionRegion>& regions = usable.Regions().Regions();
   for (std::size_t i = 0; i < regions.size(); ++i) {
+    const std::string label = host::RegionLabel(input, usable.Original(i)) + ": ";
+    if (regions[i].Length() <= 0) {
+      notes.push_back(label + "it has no length and is left out");
+      continue;
+    }
     const std::int64_t frames = media.Of(regions[i].path).facts->frames;
     if (regions[i].start >= 0 && regions[i].stop <= frames) continue;
-    notes.push_back(host::RegionLabel(input, usable.Original(i)) + ": it runs past " +
-                    regions[i].path + ", which has " + std::to_string(frames) +
-                    " samples; the rest is silence");
+    notes.push_back(label + "it runs past " + regions[i].path + ", which has " +
+                    std::to_string(frames) + " samples; the rest is silence");
+  }
+  for (const host::Remark& remark : usable.Heard().Remarks()) {
+    notes.push_back(host::RegionLabel(input, usable.Original(remark.region)) + ": " + remark.text);
   }
 }
 
@@ -142,7 +150,7 @@ host::TargetOutcome DawProjectTarget::Write(const host::TargetInput& input,
   media::FactsByPath media;
   const UsableSession usable(input, embedMedia_ ? MediaPlace::Inside : MediaPlace::Outside, media);
   const std::vector<Absence> absences = AbsencesOf(input, usable, outcome.leftOut);
-  NoteOverruns(input, usable, media, outcome.notes);
+  NoteWhatIsOdd(input, usable, media, outcome.notes);
   if (input.session.Summary().first < 0) {
     outcome.notes.push_back(
         "The session begins before its time 0; some programs read no negative "

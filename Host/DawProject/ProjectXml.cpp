@@ -78,6 +78,7 @@ class ProjectMaker {
   void AddStructure(pugi::xml_node structure) {
     std::unordered_map<std::int64_t, std::int32_t> channels;
     for (const host::SessionRegion& region : parts_.usable.Regions().Regions()) {
+      if (region.Length() <= 0) continue;
       std::int32_t& widest = channels[region.track];
       widest = std::max(widest, parts_.media.Of(region.path).facts->channels);
     }

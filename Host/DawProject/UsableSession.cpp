@@ -1,5 +1,6 @@
 #include "DawProject/UsableSession.h"
 
+#include <cmath>
 #include <utility>
 
 #include "DawProject/XmlText.h"
@@ -9,14 +10,14 @@ namespace velmora::dawproject {
 namespace {
 
 /// Why a region cannot be used; empty if it can.
-std::string WhyUnusable(const host::SessionRegion& region, float sessionRate, MediaPlace place,
+std::string WhyUnusable(const host::SessionRegion& region, long sessionRate, MediaPlace place,
                         media::FactsByPath& media) {
-  if (region.Length() <= 0) return "it has no length";
+  if (region.Length() <= 0) return {};
   const media::FactsOrTrouble& file = media.Of(region.path);
   if (!file.facts) return region.path + " cannot be read: " + file.trouble;
-  if (static_cast<float>(file.facts->sampleRate) != sessionRate) {
+  if (file.facts->sampleRate != sessionRate) {
     return region.path + " is of " + std::to_string(file.facts->sampleRate) +
-           " Hz and the session is not";
+           " Hz and the session of " + std::to_string(sessionRate) + " Hz";
   }
   if (place == MediaPlace::Outside && XmlText(region.path) != region.path) {
     return region.path + " has a name that XML cannot tell; with --embed-media it goes inside";
@@ -30,7 +31,7 @@ UsableSession::UsableSession(const host::TargetInput& input, MediaPlace place,
                              media::FactsByPath& media)
     : session_(&input.session), heard_(&input.heard) {
   const std::vector<host::SessionRegion>& regions = input.session.Regions();
-  const float rate = host::SessionClock(input.rates).SampleRate();
+  const long rate = std::lround(host::SessionClock(input.rates).SampleRate());
   for (std::size_t i = 0; i < regions.size(); ++i) {
     std::string cause = WhyUnusable(regions[i], rate, place, media);
     if (!cause.empty()) unusable_.push_back({i, std::move(cause)});

@@ -18,9 +18,10 @@ struct UnusableRegion {
   std::string cause;       ///< one line, with the path where a file is the cause
 };
 
-/// What a DAWproject can hold of a session: all regions but those that have no length, whose file
-/// cannot be read, is of another sample rate than the session, or has a name that XML cannot tell.
-/// What lies under a region that is left out is heard.
+/// What a DAWproject can hold of a session: all regions but those whose file cannot be read, is of
+/// another sample rate than the session, or has a name that XML cannot tell. What lies under a
+/// region that is left out is heard. One of no length stays and is heard nowhere; its file may be
+/// any.
 class UsableSession {
  public:
   /// `input` must outlive this.

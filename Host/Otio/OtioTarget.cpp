@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <ostream>
 #include <vector>
 
@@ -18,13 +19,13 @@ namespace {
 /// Names the regions whose files are not what the clips say of them.
 void TellOfFiles(const host::TargetInput& input, media::FactsByPath& media,
                  host::TargetOutcome& outcome) {
-  const float sessionRate = host::SessionClock(input.rates).SampleRate();
+  const long sessionRate = std::lround(host::SessionClock(input.rates).SampleRate());
   const std::vector<host::SessionRegion>& regions = input.session.Regions();
   for (std::size_t i = 0; i < regions.size(); ++i) {
     const host::SessionRegion& region = regions[i];
     const auto label = [&] { return host::RegionLabel(input, i) + ": "; };
     if (region.Length() <= 0) {
-      outcome.leftOut.push_back(label() + "it has no length");
+      outcome.notes.push_back(label() + "it has no length and is left out");
       continue;
     }
     const media::FactsOrTrouble& file = media.Of(region.path);
@@ -33,7 +34,7 @@ void TellOfFiles(const host::TargetInput& input, media::FactsByPath& media,
                                 "; its clip refers to it all the same");
       continue;
     }
-    if (static_cast<float>(file.facts->sampleRate) != sessionRate) {
+    if (file.facts->sampleRate != sessionRate) {
       outcome.notes.push_back(label() + region.path + " is of " +
                               std::to_string(file.facts->sampleRate) +
                               " Hz; its samples are counted at the session's rate");
@@ -42,6 +43,9 @@ void TellOfFiles(const host::TargetInput& input, media::FactsByPath& media,
       outcome.notes.push_back(label() + "it runs past " + region.path + ", which has " +
                               std::to_string(file.facts->frames) + " samples");
     }
+  }
+  for (const host::Remark& remark : input.heard.Remarks()) {
+    outcome.notes.push_back(host::RegionLabel(input, remark.region) + ": " + remark.text);
   }
   const bool hasGain = std::any_of(regions.begin(), regions.end(),
                                    [](const auto& region) { return region.shape.gainDb != 0; });

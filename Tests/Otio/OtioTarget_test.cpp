@@ -209,6 +209,8 @@ INSTANTIATE_TEST_SUITE_P(
                  {{0, 90, {}}, {80, 100, {20, 0, 0}}},
                  "clip 0+90, trans 10/0, clip 10+90",
                  1},
+        TrackRow{
+            "aFadeThatWasCutIsNoted", {{0, 100, {150, 0, 0}}}, "gap 0, trans 0/100, clip 0+100", 1},
         TrackRow{"aRegionThatRunsPastItsFileIsNoted", {{0, 100, {}, 950}}, "clip 950+100", 1}),
     [](const auto& row) { return row.param.rule; });
 
@@ -245,11 +247,11 @@ TEST_F(OtioTest, filesThatAreNotAsTheyShouldBeAreTold) {
   material_.Place(good, 100, 0);
   const TargetOutcome outcome = WriteAndRead();
   EXPECT_EQ(Text(Track()), "clip 0+50, clip 0+50");
-  ASSERT_EQ(outcome.notes.size(), 1u);
+  ASSERT_EQ(outcome.notes.size(), 2u);
   EXPECT_NE(outcome.notes[0].find(other + " is of 44100 Hz"), std::string::npos);
-  ASSERT_EQ(outcome.leftOut.size(), 2u);
+  ASSERT_EQ(outcome.leftOut.size(), 1u);
   EXPECT_NE(outcome.leftOut[0].find(none + " cannot be read: "), std::string::npos);
-  EXPECT_NE(outcome.leftOut[1].find("it has no length"), std::string::npos);
+  EXPECT_NE(outcome.notes[1].find("it has no length"), std::string::npos);
   const Json& media = Child(1).at("media_references").at("DEFAULT_MEDIA");
   EXPECT_TRUE(media.at("available_range").is_null());
   EXPECT_EQ(media.at("target_url"), "file://" + none);
