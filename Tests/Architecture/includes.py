@@ -21,7 +21,7 @@ FIELD = [*CORE, "Host/Media"]
 CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
 TARGET = [*SESSION, "Host/Media"]
-TARGETS = ["Host/Bounce"]
+TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio"]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
 PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, *TARGETS]
 
@@ -41,7 +41,7 @@ MAY_USE = {
     "Host/Media": CORE,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
-    "Host/Bounce": TARGET,
+    **dict.fromkeys(TARGETS, TARGET),
     "Host/Program": [*SESSION, "Host/Embedded", *TASKS, *TARGETS],
 }
 
