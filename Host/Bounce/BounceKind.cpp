@@ -13,6 +13,7 @@ const host::TargetKind kBounceKind = {
     .help =
         "The audio as the session plays it: one Broadcast Wave,\ntracks side by side; - is "
         "standard output",
+    .use = host::TargetKind::Use::Regions,
     .claim =
         [](const std::string& path, const host::TargetChoices& choices) {
           return BounceTarget::Claim(path, choices.bounceDepth);
@@ -26,6 +27,7 @@ const host::TargetKind kBounceTracksKind = {
     .extension = "",
     .title = "Bounce of each track",
     .help = "The same as a new folder with a file for each track",
+    .use = host::TargetKind::Use::Regions,
     .claim =
         [](const std::string& path, const host::TargetChoices& choices) {
           return BounceTracksTarget::Claim(path, choices.bounceDepth);

@@ -16,6 +16,7 @@ const TargetKind kDawProjectKind = {
     .help =
         "A DAWproject 1.0 file for other workstations;\nit refers to the audio, or holds it with\n"
         "--embed-media",
+    .use = TargetKind::Use::Regions,
     .claim = [](const std::string& path, const TargetChoices& choices) -> ClaimedTarget {
       std::string complaint = StagedFile::WhyNot(path);
       if (!complaint.empty()) return {nullptr, std::move(complaint)};

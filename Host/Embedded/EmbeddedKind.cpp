@@ -12,6 +12,7 @@ const TargetKind kSessionFileKind = {
     .extension = ".json",
     .title = "Session as JSON",
     .help = "The session as it stands",
+    .use = TargetKind::Use::SessionRecord,
     .claim = [](const std::string& path,
                 const TargetChoices& /*choices*/) { return SessionFile::Claim(path); },
 };

@@ -14,6 +14,7 @@ const TargetKind kOtioKind = {
     .extension = ".otio",
     .title = "OpenTimelineIO",
     .help = "An OpenTimelineIO file for editing programs;\nit refers to the audio",
+    .use = TargetKind::Use::Regions,
     .claim = [](const std::string& path, const TargetChoices& /*choices*/) -> ClaimedTarget {
       std::string complaint = StagedFile::WhyNot(path);
       if (!complaint.empty()) return {nullptr, std::move(complaint)};

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "Destinations/Destinations.h"
 #include "Program/AbsolutePath.h"
-#include "Program/Hosts.h"
 #include "Program/OptionForms.h"
 #include "Program/Usage.h"
 #include "Spot/SpotOptions.h"
@@ -74,7 +74,8 @@ struct RawOptions {
   std::string skipTracks, onlyTracks, skipEvents, onlyEvents;
   std::string frameRate;
   double sessionRate = 0;
-  std::string host = Hosts().front()->name;
+  std::string host = host::Hosts().front()->name;
+  RawTargets targets;
   std::string copyFolder;
   std::string prepare;
 };
@@ -127,7 +128,7 @@ void AddAudioOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
 /// What --host does, from the table of hosts.
 std::string HostHelp() {
   std::string help = "Where the regions go:";
-  for (const host::HostKind* const kind : Hosts()) {
+  for (const host::HostKind* const kind : host::Hosts()) {
     help += "\n" + host::HostForm(*kind) + "\n" + kind->help;
   }
   return help;
@@ -155,6 +156,7 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
+  AddTargetOptions(spot, raw.targets);
   spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines");
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
@@ -179,9 +181,17 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   }
   if (!raw.frameRate.empty()) arguments.sessionFrameRate = FrameRateCodeOf(raw.frameRate);
 
-  const std::string complaint = host::ParseHost(Hosts(), raw.host, arguments.host);
+  const std::string complaint = host::ParseHost(host::Hosts(), raw.host, arguments.host);
   if (!complaint.empty()) return "--host: " + complaint;
   arguments.host.target = AbsolutePath(arguments.host.target);
+  std::string wrong = FinishTargets(raw.targets, arguments.host.target, arguments.targets);
+  if (!wrong.empty()) return wrong;
+  if (arguments.targets.native && (arguments.fades || arguments.gain)) {
+    return "--native excludes --fades and --gain: they render what it leaves to the workstation";
+  }
+  if (arguments.json && arguments.targets.TakeStandardOutput()) {
+    return "--json and a bounce to - exclude each other: both take standard output";
+  }
 
   arguments.prepare = spot.count("--prepare") > 0;
   if (arguments.prepare && raw.prepare != kNoFolder) {

@@ -8,6 +8,7 @@
 #include "Prepare/PrepareProject.h"
 #include "Program/BoxChoice.h"
 #include "Program/CheckArguments.h"
+#include "Program/TargetOptions.h"
 #include "Session/HostKind.h"
 
 namespace velmora::program {
@@ -31,6 +32,7 @@ struct SpotArguments {
   std::optional<float> sessionRate;              ///< Hz
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
   host::HostChoice host;                         ///< its target, if any, as an absolute path
+  TargetRequests targets;                        ///< beside the host's own
   bool prepare = false;                          ///< spots a prepared project
   std::string prepareInto;    ///< absolute path; empty: a folder with a free name
   bool truePosition = false;  ///< without the compensation; always so with `prepare`

@@ -62,7 +62,11 @@ std::string EventName(const ViewModel& model, std::int32_t event) {
 }
 
 void LeftOut::Add(std::int32_t event, const std::string& what) {
-  lines_.push_back(EventName(model_, event) + ": " + Printable(what));
+  parts_.push_back({event, Printable(what)});
+}
+
+std::string LeftOut::LineOf(const Part& part) const {
+  return EventName(model_, part.event) + ": " + part.text;
 }
 
 void LeftOut::NotPcm(std::int32_t event) {

@@ -14,6 +14,8 @@
 #include "Program/JsonSpotReport.h"
 #include "Program/SpotNotes.h"
 #include "Program/SpotPreparation.h"
+#include "Program/SpotRecording.h"
+#include "Program/SpotTargets.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
 #include "Program/TruePosition.h"
@@ -79,29 +81,23 @@ void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
   report.End(!finished);
 }
 
-/// Tells what the run left behind, and writes the session where it was asked to go.
-/// True if nothing of a ticked cut is missing.
-bool Finish(const host::Session& session, const host::SessionRates& rates, const LeftOut& leftOut,
-            host::SessionTarget* target) {
-  for (const std::string& line : leftOut.Lines()) {
-    std::cerr << "velmora: left out: " << line << '\n';
+/// Tells what of the ticked cuts is missing. True if nothing is.
+bool TellLeftOut(const LeftOut& leftOut) {
+  for (const LeftOut::Part& part : leftOut.Parts()) {
+    std::cerr << "velmora: left out: " << leftOut.LineOf(part) << '\n';
   }
-  bool whole = leftOut.Lines().empty();
-  if (target != nullptr) {
-    const std::string complaint =
-        target->Write({session, host::HeardSession(session), rates, {}}, {}).trouble;
-    if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
-    whole = whole && complaint.empty();
-  }
-  if (!std::cout) {
-    std::cerr << "velmora: standard output takes no more\n";
-    whole = false;
-  }
-  return whole;
+  return leftOut.Parts().empty();
+}
+
+/// False if standard output took not all of what was written.
+bool StandardOutputHolds() {
+  if (std::cout) return true;
+  std::cerr << "velmora: standard output takes no more\n";
+  return false;
 }
 
 /// Spots a loaded project. Returns the exit status.
-int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTarget* target) {
+int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTargets& targets) {
   SetBoxes(model, arguments);
   const host::SessionRates rates =
       host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
@@ -112,22 +108,29 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
   MessageTap tap(*host);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
+  SpotRecording recording(model, session, arguments.targets.native);
   const host::SessionClock clock(rates);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
   if (arguments.json) {
-    report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);
+    report = std::make_unique<JsonSpotReport>(leftOut, recording, tap, std::cout);
   } else {
-    report = std::make_unique<TextSpotReport>(arguments, leftOut, model, session, clock, showsBar,
-                                              std::cout);
+    // A target may have standard output for itself.
+    std::ostream& out = arguments.targets.TakeStandardOutput() ? std::cerr : std::cout;
+    report = std::make_unique<TextSpotReport>(arguments, leftOut, recording, model, session, clock,
+                                              showsBar, out);
   }
   RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
   Spot(model, rates, options, arguments.truePosition, receiver, *report);
 
   PrintRemarks(session, *host);
-  const bool whole = Finish(session, rates, leftOut, target);
-  if (report->Totals().aborted) return kInterrupted;
-  return whole ? kAllDone : kLeftOut;
+  const bool whole = TellLeftOut(leftOut);
+  const host::HeardSession heard(session);
+  const host::SpotRecord record = recording.RecordOf(arguments.project, options, leftOut);
+  const bool made = targets.Write({session, heard, rates, record}, arguments.json, showsBar);
+  const bool told = StandardOutputHolds();
+  if (Interrupted()) return kInterrupted;
+  return whole && made && told ? kAllDone : kLeftOut;
 }
 
 /// The last line of all, where it is read, and not between the system's own alerts.
@@ -144,11 +147,9 @@ int WithHint(const SpotArguments& arguments, const ViewModel& model, int status)
 
 int RunSpotCommand(const SpotArguments& given) {
   SpotArguments arguments = given;
-  host::ClaimedTarget claimed;
-  if (!arguments.host.target.empty()) {
-    claimed = arguments.host.kind->target->claim(arguments.host.target, {});
-    if (!claimed.complaint.empty()) return BadUsage("--host: " + claimed.complaint, "spot");
-  }
+  SpotTargets targets;
+  const std::string refusal = targets.Claim(arguments);
+  if (!refusal.empty()) return BadUsage(refusal, "spot");
   if (!arguments.copyFolder.empty()) {
     const std::string complaint = MakeFolder(arguments.copyFolder);
     if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
@@ -169,7 +170,7 @@ int RunSpotCommand(const SpotArguments& given) {
     std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
     return WithHint(arguments, model, kLeftOut);
   }
-  const int status = SpotModel(arguments, model, claimed.target.get());
+  const int status = SpotModel(arguments, model, targets);
   return WithHint(arguments, model, status == kAllDone && !prepared ? kLeftOut : status);
 }
 

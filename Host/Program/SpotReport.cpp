@@ -57,9 +57,11 @@ void SpotReport::FileMade(FilePass pass, std::int32_t event, const std::string& 
   }
 }
 
-void SpotReport::RegionTried(std::int32_t /*event*/, RegionPiece /*piece*/,
-                             std::int32_t /*attempt*/, std::int32_t status) {
-  if (status == 0) ++totals_.regions;
+void SpotReport::RegionTried(std::int32_t event, RegionPiece piece, std::int32_t /*attempt*/,
+                             std::int32_t status) {
+  if (status != 0) return;
+  ++totals_.regions;
+  recording_.RegionLanded(event, piece);
 }
 
 void SpotReport::RegionGivenUp(std::int32_t event, RegionPiece piece, std::int32_t status) {

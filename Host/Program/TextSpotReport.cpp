@@ -8,7 +8,7 @@
 
 #include "Base/FileNames.h"
 #include "Base/Text.h"
-#include "Program/Hosts.h"
+#include "Destinations/Destinations.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
@@ -120,7 +120,7 @@ void TextSpotReport::PrintRegions() const {
   out_ << "Regions\n";
   table.Print(out_, ShowsColours(1));
   if (regions.size() > kListedRegions) {
-    const host::HostKind* const teller = Hosts().front();
+    const host::HostKind* const teller = host::Hosts().front();
     out_ << "  ... and " << regions.size() - kListedRegions << " more; --json or --host "
          << teller->name << ':' << teller->target->form << " tells all\n";
   }

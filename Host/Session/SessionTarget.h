@@ -62,12 +62,20 @@ struct TargetChoices {
 /// One kind of target: a row of the table that help, command line, spot and the desktop's menu
 /// read. Each target defines its row in its own folder.
 struct TargetKind {
+  /// What a target makes of a session without regions.
+  enum class Use {
+    Regions,        ///< it needs one
+    Record,         ///< it tells what became of the spot, also of one that placed nothing
+    SessionRecord,  ///< it is the session itself
+  };
+
   const char* name;       ///< in JSON and complaints: "dawproject"
   const char* option;     ///< of its own, "--dawproject"; null for a host's target
   const char* form;       ///< what the option takes, as help shows it: "FILE", "DIR"
   const char* extension;  ///< that its files have, ".dawproject"; empty for a folder
   const char* title;      ///< for a menu: "DAWproject"
   const char* help;       ///< one or more lines
+  Use use;
   /// Looks at a target before the spot begins. `path` is absolute. Makes nothing there.
   ClaimedTarget (*claim)(const std::string& path, const TargetChoices& choices);
 };

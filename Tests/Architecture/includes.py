@@ -22,8 +22,9 @@ CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
 TARGET = [*SESSION, "Host/Media"]
 TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio"]
+DESTINATIONS = [*TARGET, *TARGETS, "Host/Embedded"]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, *TARGETS]
+PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, *TARGETS, "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -42,7 +43,8 @@ MAY_USE = {
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
     **dict.fromkeys(TARGETS, TARGET),
-    "Host/Program": [*SESSION, "Host/Embedded", *TASKS, *TARGETS],
+    "Host/Destinations": DESTINATIONS,
+    "Host/Program": [*SESSION, "Host/Embedded", *TASKS, "Host/Destinations"],
 }
 
 # The shell's own rooms, each of which uses none but those before it.

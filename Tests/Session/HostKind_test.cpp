@@ -12,8 +12,10 @@ ClaimedTarget ClaimNothing(const std::string& /*path*/, const TargetChoices& /*c
   return {};
 }
 
-constexpr TargetKind kReel = {"reel", nullptr, "REEL", ".reel", "Reel", "Tape", ClaimNothing};
-constexpr TargetKind kPress = {"press", nullptr, "DIR", "", "Press", "Discs", ClaimNothing};
+constexpr TargetKind kReel = {
+    "reel", nullptr, "REEL", ".reel", "Reel", "Tape", TargetKind::Use::Regions, ClaimNothing};
+constexpr TargetKind kPress = {
+    "press", nullptr, "DIR", "", "Press", "Discs", TargetKind::Use::Regions, ClaimNothing};
 constexpr HostKind kTape = {"tape", &kReel, TargetUse::Optional, "Plays back.", ConnectNothing};
 constexpr HostKind kDisc = {"disc", &kPress, TargetUse::Required, "Engraves", ConnectNothing};
 constexpr const HostKind* kHosts[] = {&kTape, &kDisc};
