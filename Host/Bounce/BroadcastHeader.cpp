@@ -119,7 +119,8 @@ BroadcastSize SizeOf(const BroadcastFacts& facts) {
   const auto frameBytes = static_cast<std::int64_t>(SampleBytes(facts.depth) * facts.channels);
   if (frameBytes > std::numeric_limits<std::uint16_t>::max() ||
       frameBytes * std::int64_t{facts.sampleRate} > std::numeric_limits<std::uint32_t>::max()) {
-    size.complaint = "a wave file cannot hold " + std::to_string(facts.channels) + " channels";
+    size.complaint = "a wave file cannot hold " + std::to_string(facts.channels) + " channels of " +
+                     std::to_string(facts.sampleRate) + " Hz";
   } else if (facts.frames > kMost / frameBytes) {
     size.complaint =
         "a wave file cannot hold " + std::to_string(facts.frames) + " samples of every channel";

@@ -1,17 +1,17 @@
 #include "Otio/TimelineWriter.h"
 
 #include <algorithm>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "ADL/ProjectConstants.h"
-#include "Otio/FileUrl.h"
+#include "Base/Wrapping.h"
 #include "Otio/OtioObjects.h"
 #include "Session/HeardClips.h"
 #include "Session/RegionLabel.h"
-#include "Spot/SpotWorker.h"
 
 namespace velmora::otio {
 namespace {
@@ -24,8 +24,8 @@ constexpr std::size_t kClipsBetweenReports = 4096;
 class ArrayWriter {
  public:
   explicit ArrayWriter(std::ostream& out) : out_(out) {}
-  void Add(Json element) {
-    out_ << separator_ << JsonText(std::move(element));
+  void Add(const Json& element) {
+    out_ << separator_ << ObjectText(element);
     separator_ = ",\n";
   }
 
@@ -85,7 +85,7 @@ class TimelineWriter {
   void WriteMarkers() {
     ArrayWriter markers(out_);
     for (const host::LeftOutPart& part : input_.record.leftOut) {
-      markers.Add(objects_.Marker("Left out: " + part.text, part.position - origin_,
+      markers.Add(objects_.Marker("Left out: " + part.text, WrapSubtract(part.position, origin_),
                                   {{"event", part.event},
                                    {"entry", part.entry},
                                    {"track", input_.record.TrackNumber(part.track)}}));
@@ -117,11 +117,11 @@ class TimelineWriter {
       const std::int64_t fadeOutBefore = i > 0 ? clips[i - 1].fadeOut : 0;
       // Two transitions may not stand side by side, so a gap parts two fades that meet.
       if (clip.position > end || fadeOutBefore > 0 || clip.fadeIn > 0) {
-        children.Add(objects_.Gap(clip.position - end));
+        children.Add(objects_.Gap(WrapSubtract(clip.position, end)));
       }
       if (clip.fadeIn > 0) children.Add(objects_.Transition("Fade-in", 0, clip.fadeIn));
       if (clip.crossfade > 0) children.Add(objects_.Transition("Crossfade", clip.crossfade, 0));
-      children.Add(ClipJson(clip));
+      children.Add(ClipObject(clip));
       if (clip.fadeOut > 0) children.Add(objects_.Transition("Fade-out", clip.fadeOut, 0));
       end = clip.end;
     }
@@ -135,24 +135,13 @@ class TimelineWriter {
            progress_(std::min(1.0, static_cast<double>(written_) / static_cast<double>(all)));
   }
 
-  [[nodiscard]] Json ClipJson(const host::HeardClip& clip) const {
+  [[nodiscard]] const Json& ClipObject(const host::HeardClip& clip) {
     const host::SessionRegion& region = input_.session.Regions()[clip.region];
-    Json facts = {{"region", clip.region}, {"gainDb", region.shape.gainDb}};
-    if (region.origin) {
-      facts["event"] = region.origin->event;
-      facts["entry"] = region.origin->entry;
-      facts["source"] = region.origin->source ? Json(*region.origin->source) : Json();
-      facts["piece"] = NameOf(region.origin->piece);
-    }
     const media::FactsOrTrouble& file = media_.Of(region.path);
-    ClipParts parts;
-    parts.name = region.name;
-    parts.url = FileUrl(region.path);
-    parts.start = region.start + (clip.position - region.position);
-    parts.duration = clip.Length();
-    if (file.facts) parts.available = file.facts->frames;
-    parts.facts = std::move(facts);
-    return objects_.Clip(std::move(parts));
+    const ClipParts parts = {clip.region, region, region.start + (clip.position - region.position),
+                             clip.Length(),
+                             file.facts ? std::optional(file.facts->frames) : std::nullopt};
+    return objects_.Clip(parts);
   }
 
   const host::TargetInput& input_;

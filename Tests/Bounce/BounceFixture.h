@@ -21,6 +21,7 @@
 namespace velmora::bounce {
 
 using host::BounceDepth;
+using host::RegionOrigin;
 using host::RegionShape;
 using host::Session;
 using host::SessionRegion;

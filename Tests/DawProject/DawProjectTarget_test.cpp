@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <pugixml.hpp>
 #include <string>
@@ -313,6 +314,17 @@ TEST_F(DawProjectTest, aNameThatAppearsMeanwhileStays) {
   EXPECT_EQ(material_.Write(*claimed.target).trouble,
             path_ + " has appeared meanwhile; it is not written over");
   EXPECT_EQ(test::TemporaryFolder::Read(path_), "mine");
+}
+
+TEST_F(DawProjectTest, positionsAtTheLimitsOf64BitsDoNoHarm) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  const std::string path = material_.Wave("a.wav");
+  material_.record.leftOut = {{1, 2, 0, Limits::max(), "gone"}};
+  material_.Place(path, Limits::min(), 50);
+  material_.Place(path, Limits::max() - 10, 50, {20, 20, 0});
+  WriteAndRead();
+  ASSERT_EQ(Clips().size(), 2u);
+  EXPECT_LT(Clips()[0].attribute("time").as_double(), -1e14);
 }
 
 TEST_F(DawProjectTest, noPipeIsOpened) {

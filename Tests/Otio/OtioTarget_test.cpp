@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -110,8 +112,9 @@ TEST_F(OtioTest, aClipTellsItsRegionAndFile) {
   const std::string path = material_.Wave("a b\xC3\xBC.wav", 1234);
   const std::size_t region = material_.Place(path, 1234567891, 321, {0, 0, -6.5}, 0, 17, "Wi\"nd");
   material_.session.Describe(region, {3, 4, 5, RegionPiece::Crossfade});
+  material_.Place(path, 1234567891 + 321, 20);
   EXPECT_EQ(WriteAndRead().notes.size(), 1u);  // the gain
-  EXPECT_EQ(Text(Track()), "gap 1234567891, clip 17+321");
+  EXPECT_EQ(Text(Track()), "gap 1234567891, clip 17+321, clip 0+20");
   const Json& clip = Child(1);
   EXPECT_EQ(clip.at("name"), "Wi\"nd");
   const Json& media = clip.at("media_references").at(clip.at("active_media_reference_key"));
@@ -125,6 +128,10 @@ TEST_F(OtioTest, aClipTellsItsRegionAndFile) {
   EXPECT_EQ(facts.at("entry"), 4);
   EXPECT_EQ(facts.at("source"), 5);
   EXPECT_EQ(facts.at("piece"), "crossfade");
+  // What is known of one clip is not told of the next.
+  EXPECT_EQ(Child(2).at("metadata").at("velmora"),
+            Json::parse(R"({"region": 1, "gainDb": 0.0, "event": null, "entry": null,
+                            "source": null, "piece": null})"));
 }
 
 TEST_F(OtioTest, everyObjectHasTheFieldsThatItsSchemaAsksFor) {
@@ -255,6 +262,16 @@ TEST_F(OtioTest, filesThatAreNotAsTheyShouldBeAreTold) {
   const Json& media = Child(1).at("media_references").at("DEFAULT_MEDIA");
   EXPECT_TRUE(media.at("available_range").is_null());
   EXPECT_EQ(media.at("target_url"), "file://" + none);
+}
+
+TEST_F(OtioTest, positionsAtTheLimitsOf64BitsDoNoHarm) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  const std::string path = material_.Wave("a.wav");
+  material_.record.leftOut = {{1, 2, 0, Limits::max(), "gone"}};
+  material_.Place(path, Limits::min(), 50);
+  material_.Place(path, Limits::max() - 10, 50, {20, 20, 0});
+  WriteAndRead();
+  EXPECT_EQ(Samples(timeline_.at("global_start_time")), Limits::min());
 }
 
 TEST_F(OtioTest, anyNameIsJson) {
