@@ -139,7 +139,10 @@ TEST_F(OtioTest, everyObjectHasTheFieldsThatItsSchemaAsksFor) {
   material_.record.leftOut = {{1, 2, 0, 5, "gone"}};
   material_.Place(path, 10, 100, {5, 5, 0});
   WriteAndRead();
-  const std::vector<std::pair<std::string, std::vector<std::string>>> rows = {
+  const struct {
+    std::string schema;
+    std::vector<std::string> fields;
+  } rows[] = {
       {"Timeline.1", {"name", "metadata", "global_start_time", "tracks"}},
       {"Stack.1", {"name", "metadata", "source_range", "effects", "markers", "children"}},
       {"Track.1", {"name", "metadata", "source_range", "effects", "markers", "children", "kind"}},
@@ -151,13 +154,13 @@ TEST_F(OtioTest, everyObjectHasTheFieldsThatItsSchemaAsksFor) {
       {"Marker.2", {"name", "metadata", "color", "marked_range"}},
       {"ExternalReference.1", {"name", "metadata", "available_range", "target_url"}},
   };
-  for (const auto& [schema, fields] : rows) {
+  for (const auto& row : rows) {
     std::size_t found = 0;
     const std::function<void(const Json&)> look = [&](const Json& value) {
-      if (value.is_object() && value.value("OTIO_SCHEMA", "") == schema) {
+      if (value.is_object() && value.value("OTIO_SCHEMA", "") == row.schema) {
         ++found;
-        for (const std::string& field : fields) {
-          EXPECT_TRUE(value.contains(field)) << schema << " " << field;
+        for (const std::string& field : row.fields) {
+          EXPECT_TRUE(value.contains(field)) << row.schema << " " << field;
         }
       }
       if (value.is_structured()) {
@@ -165,7 +168,7 @@ TEST_F(OtioTest, everyObjectHasTheFieldsThatItsSchemaAsksFor) {
       }
     };
     look(timeline_);
-    EXPECT_GT(found, 0u) << schema;
+    EXPECT_GT(found, 0u) << row.schema;
   }
 }
 
