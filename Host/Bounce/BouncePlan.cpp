@@ -61,7 +61,7 @@ void BouncePlan::TakeRegions() {
       continue;
     }
     fileOf_[i] = sources_.Add(region.path);
-    const std::string cause = WhyNot(region, fileOf_[i]);
+    const std::string cause = WhyNot(fileOf_[i]);
     isLeftOut[i] = !cause.empty();
     if (isLeftOut[i]) {
       leftOut_.push_back(NameOf(region) + ": " + cause);
@@ -74,11 +74,10 @@ void BouncePlan::TakeRegions() {
   if (!leftOut_.empty()) LeaveOut(isLeftOut);
 }
 
-std::string BouncePlan::WhyNot(const SessionRegion& /*region*/, std::size_t file) const {
+std::string BouncePlan::WhyNot(std::size_t file) const {
   const SourceFacts& facts = sources_.Facts(file);
   if (!facts.trouble.empty()) return "its file cannot be read: " + facts.trouble;
-  if (facts.sampleRate >= 0 && static_cast<std::uint32_t>(facts.sampleRate) == sampleRate_)
-    return {};
+  if (std::int64_t{facts.sampleRate} == std::int64_t{sampleRate_}) return {};
   return "its file has " + std::to_string(facts.sampleRate) + " Hz and the session " +
          std::to_string(sampleRate_) + " Hz";
 }

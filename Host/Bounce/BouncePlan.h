@@ -56,7 +56,8 @@ class BouncePlan {
   [[nodiscard]] bool TakeRate();
   [[nodiscard]] bool TakeSpan();
   void TakeRegions();
-  [[nodiscard]] std::string WhyNot(const host::SessionRegion& region, std::size_t file) const;
+  /// Why the regions of a file are left out; empty if they are not.
+  [[nodiscard]] std::string WhyNot(std::size_t file) const;
   void NoteWhatIsOdd(const host::SessionRegion& region, std::size_t file);
   void LeaveOut(const std::vector<bool>& isLeftOut);
   void TakeTracks();

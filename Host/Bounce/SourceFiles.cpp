@@ -1,5 +1,8 @@
 #include "Bounce/SourceFiles.h"
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -57,6 +60,13 @@ SourceFacts FactsOf(const SoundFile& sound) {
 }
 
 }  // namespace
+
+std::size_t SourceFiles::FittingNumber() {
+  constexpr std::size_t kMost = 128;
+  rlimit allowed{};
+  if (::getrlimit(RLIMIT_NOFILE, &allowed) != 0) return 1;
+  return std::clamp<std::size_t>(allowed.rlim_cur / 4, 1, kMost);
+}
 
 std::size_t SourceFiles::Add(const std::string& path) {
   const auto [known, isNew] = byPath_.try_emplace(path, files_.size());

@@ -31,7 +31,9 @@ struct SourceFacts {
 class SourceFiles {
  public:
   /// @param mostOpen files at once, at least 1
-  explicit SourceFiles(std::size_t mostOpen = kMostOpen) : mostOpen_(mostOpen) {}
+  explicit SourceFiles(std::size_t mostOpen = FittingNumber()) : mostOpen_(mostOpen) {}
+
+  [[nodiscard]] std::size_t MostOpen() const { return mostOpen_; }
 
   /// Opens a file for a look at it, unless that was done before. Returns its number.
   std::size_t Add(const std::string& path);
@@ -54,7 +56,8 @@ class SourceFiles {
   [[nodiscard]] const std::string& Trouble() const { return trouble_; }
 
  private:
-  static constexpr std::size_t kMostOpen = 128;
+  /// A part of what the system lets this process have open, since it is not alone here.
+  [[nodiscard]] static std::size_t FittingNumber();
 
   struct File {
     std::string path;
