@@ -144,6 +144,7 @@ class BounceFixture : public testing::Test {
                                      const host::TargetProgress& progress = {}) const {
     host::ClaimedTarget claimed = kind.claim(path, {false, depth});
     EXPECT_EQ(claimed.complaint, "");
+    if (claimed.target == nullptr) return {claimed.complaint, {}, {}};
     return Write(*claimed.target, progress);
   }
 

@@ -49,6 +49,15 @@ const SessionRow kSessions[] = {
      }},
     {"moreThanOneBlock",
      [](auto& s) { s.Place(0, 5, s.MakeSource("a", {24}, 200000), 3, 199000); }},
+    {"oneSampleBeyondABlock",
+     [](auto& s) { s.Place(0, 0, s.MakeSource("a", {24}, 65537), 0, 65537); }},
+    {"aGapOfOneTrackInALaterBlock",
+     [](auto& s) {
+       const TestSource a = s.MakeSource("a", {24}, 140000);
+       s.Place(0, 0, a, 0, 140000);
+       s.Place(1, 0, a, 100, 66000);
+       s.Place(1, 80000, a, 100, 50000);
+     }},
     {"laterRegionsHideEarlierOnes",
      [](auto& s) {
        s.Place(0, 0, s.MakeSource("a", {24}, 900), 0, 900);

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,13 +19,13 @@ namespace fs = std::filesystem;
 
 class SourceFilesTest : public BounceFixture {
  protected:
-  /// How many of the folder's files this process has open.
-  [[nodiscard]] std::size_t OpenFiles() const {
-    std::size_t open = 0;
+  /// The files of the folder that this process has open.
+  [[nodiscard]] std::set<std::string> OpenFiles() const {
+    std::set<std::string> open;
     for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
       std::error_code gone;
       const std::string path = fs::read_symlink(entry, gone);
-      if (!gone && path.compare(0, folder_.Path().size(), folder_.Path()) == 0) ++open;
+      if (!gone && path.compare(0, folder_.Path().size(), folder_.Path()) == 0) open.insert(path);
     }
     return open;
   }
@@ -36,7 +37,7 @@ TEST_F(SourceFilesTest, fewAreOpenHoweverManyThereAre) {
   for (int i = 0; i < 10; ++i) {
     made.push_back(MakeSource(std::to_string(i), {24}, 50));
     EXPECT_EQ(sources.Add(made.back().path), static_cast<std::size_t>(i));
-    EXPECT_LE(OpenFiles(), 3u);
+    EXPECT_LE(OpenFiles().size(), 3u);
   }
   EXPECT_EQ(sources.Add(made[4].path), 4u);
   for (std::size_t step = 0; step < 200; ++step) {
@@ -47,8 +48,20 @@ TEST_F(SourceFilesTest, fewAreOpenHoweverManyThereAre) {
     for (std::size_t i = 0; i < 10; ++i) {
       EXPECT_EQ(samples[i], made[file].samples[static_cast<std::size_t>(frame) + i]);
     }
-    EXPECT_EQ(OpenFiles(), 3u);
+    EXPECT_EQ(OpenFiles().size(), 3u);
   }
+}
+
+TEST_F(SourceFilesTest, theOneUsedLongestAgoIsClosedFirst) {
+  SourceFiles sources(2);
+  const TestSource a = MakeSource("a", {24}, 50), b = MakeSource("b", {24}, 50);
+  const std::size_t first = sources.Add(a.path);
+  sources.Add(b.path);
+  double sample = 0;
+  ASSERT_TRUE(sources.ReadFractions(first, 0, 1, &sample));
+  const TestSource c = MakeSource("c", {24}, 50);
+  sources.Add(c.path);
+  EXPECT_EQ(OpenFiles(), (std::set<std::string>{a.path, c.path}));
 }
 
 TEST_F(SourceFilesTest, tellWhatTheirBytesAre) {
