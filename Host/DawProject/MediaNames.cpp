@@ -55,7 +55,9 @@ std::string MediaNames::FreeName(std::string_view fileName) {
   int& number = lastNumber_[LowerCase(name)];
   while (!taken_.insert(LowerCase(name)).second) {
     number = number == 0 ? 2 : number + 1;
-    name = stem + "-" + std::to_string(number) + extension;
+    name = stem;
+    name += '-' + std::to_string(number);
+    name += extension;
   }
   return name;
 }
