@@ -63,7 +63,7 @@ BounceStop FileWriter::Write() {
   if (const int error = WriteHeader(); error != 0) return {{}, error, false};
   while (position_ < plan_.End()) {
     const std::int64_t next = NextSound();
-    const BounceStop stop = next > position_ ? WriteSilence(next) : WriteBlock();
+    BounceStop stop = next > position_ ? WriteSilence(next) : WriteBlock();
     if (stop.Happened()) return stop;
     if (!GoesOn()) return {{}, 0, true};
   }
