@@ -43,7 +43,7 @@ std::int32_t Narrowed(std::int32_t left) {
 template <int kBits>
 std::int32_t Rounded(double fraction) {
   constexpr double kFullScale = std::int64_t{1} << (kBits - 1);
-  // A sum as large as this has no room for what lies behind the point: it is rounded to nearest
+  // A sum as large as this has no room for fractions: it is rounded to nearest
   // even. As arithmetic the loop is vectorised.
   constexpr double kNoFractions = 0x1.8p52;
   const double value = std::isnan(fraction) ? 0.0 : fraction * kFullScale;
