@@ -100,6 +100,10 @@ std::string Case::Show(field::EntryPlace place, std::size_t i) const {
   return value != nullptr ? text + " " + Show(RawOf(*value)) : text;
 }
 
+std::string Case::ShowPath(const std::string& path) const {
+  return path.starts_with(folder + '/') ? path.substr(folder.size() + 1) : path;
+}
+
 std::string Case::Show(field::EntryPlace place) const {
   std::string text = "(" + Show(Line(place).label) + ")";
   for (const field::Value& value : Values(place)) {
@@ -110,6 +114,7 @@ std::string Case::Show(field::EntryPlace place) const {
 }
 
 std::string Case::Show(std::string_view piece) const {
+  piece = piece.substr(0, piece.find_last_not_of(" \t\r\n") + 1);
   const bool isLong = piece.size() > kShownBytes;
   const field::Value value{piece.substr(0, kShownBytes), false};
   return project.TextOf(value) + (isLong ? "..." : "");
@@ -118,8 +123,10 @@ std::string Case::Show(std::string_view piece) const {
 bool Case::SeesValue(field::EntryPlace place, std::size_t i) const {
   const AES31Entry* const line = System(place);
   const field::Value* const value = ValueAt(place, i);
-  if (line == nullptr || value == nullptr) return line == nullptr && value == nullptr;
-  if (i >= line->values.size()) return false;
+  if (line == nullptr) return false;
+  if (value == nullptr || i >= line->values.size()) {
+    return value == nullptr && i >= line->values.size();
+  }
   const std::string_view raw = RawOf(*value);
   const char* const text = line->values[i];
   return std::strncmp(text, raw.data(), raw.size()) == 0 && text[raw.size()] == '\0';

@@ -88,6 +88,8 @@ class Case {
   [[nodiscard]] std::string Show(field::EntryPlace place, std::size_t value) const;
   /// A label with its values, shortened if it is long.
   [[nodiscard]] std::string Show(field::EntryPlace place) const;
+  /// A path, told from the project's folder on if it lies below that.
+  [[nodiscard]] std::string ShowPath(const std::string& path) const;
   /// A piece of the file as UTF-8, shortened if it is long.
   [[nodiscard]] std::string Show(std::string_view piece) const;
 

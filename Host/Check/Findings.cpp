@@ -15,7 +15,8 @@ Findings::Findings(const field::Project& project)
   // A section ends where the next begins, and so does what is listed in it last.
   std::vector<std::size_t> sectionStarts;
   for (const field::Section& section : tree.sections) {
-    sectionStarts.push_back(tree.OffsetOf(section.name));
+    const std::size_t name = tree.OffsetOf(section.name);
+    sectionStarts.push_back(name > 0 ? name - 1 : 0);
   }
   std::sort(sectionStarts.begin(), sectionStarts.end());
   const auto close = [&](std::vector<Stretch>& stretches) {
@@ -24,7 +25,7 @@ Findings::Findings(const field::Project& project)
     for (std::size_t i = 0; i < stretches.size(); ++i) {
       const auto next =
           std::upper_bound(sectionStarts.begin(), sectionStarts.end(), stretches[i].begin);
-      stretches[i].end = next != sectionStarts.end() ? *next : tree.file.size() + 1;
+      stretches[i].end = next != sectionStarts.end() ? *next : tree.file.size();
       if (i + 1 < stretches.size()) {
         stretches[i].end = std::min(stretches[i].end, stretches[i + 1].begin);
       }
@@ -32,11 +33,11 @@ Findings::Findings(const field::Project& project)
   };
   eventStretches_.reserve(project.events.size());
   for (std::size_t i = 0; i < project.events.size(); ++i) {
-    eventStretches_.push_back({tree.OffsetOf(tree.entries[project.events[i].place].label), 0, i});
+    eventStretches_.push_back({tree.OffsetOf(tree.entries[project.events[i].place]), 0, i});
   }
   close(eventStretches_);
   for (std::size_t i = 0; i < project.sources.size(); ++i) {
-    sourceStretches_.push_back({tree.OffsetOf(tree.entries[project.sources[i].place].label), 0, i});
+    sourceStretches_.push_back({tree.OffsetOf(tree.entries[project.sources[i].place]), 0, i});
   }
   close(sourceStretches_);
 }
@@ -82,16 +83,9 @@ void Findings::Add(Code code, Severity severity, const Place& place, Words words
   pending_.push_back(std::move(pending));
 }
 
-/// What has no number in the text gets none here.
 void Findings::FillNumbers(Pending& pending) const {
-  if (pending.place.event) {
-    const field::Event& event = project_.events[*pending.place.event];
-    if (!event.numberMissing) pending.finding.entry = event.number;
-  }
-  if (pending.place.source) {
-    const field::Source& source = project_.sources[*pending.place.source];
-    if (!source.numberMissing) pending.finding.source = source.index;
-  }
+  if (pending.place.event) pending.finding.entry = project_.events[*pending.place.event].number;
+  if (pending.place.source) pending.finding.source = project_.sources[*pending.place.source].index;
 }
 
 bool Findings::Has(Code code, Severity severity) const {

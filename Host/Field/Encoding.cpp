@@ -139,7 +139,7 @@ bool TextDecoder::DecodesWhole(std::string_view bytes) {
 bool IsKnownEncoding(const std::string& name) {
   if (KindOf(name) != Kind::Iconv) return true;
   if (name.empty() || name.find('\0') != std::string::npos) return false;
-  const iconv_t descriptor = iconv_open("UTF-8", name.c_str());
+  iconv_t descriptor = iconv_open("UTF-8", name.c_str());
   if (descriptor == reinterpret_cast<iconv_t>(-1)) return false;
   iconv_close(descriptor);
   return true;
@@ -206,12 +206,13 @@ bool NamesFile(const std::string& location, const std::string& folder, int& aske
   for (const std::string& path : spellings.paths) {
     if (path.starts_with('/') && IsFile(path, asked)) return true;
   }
+  const std::string below = folder + "/";
   for (const std::string& tail : spellings.tails) {
     for (std::size_t begin = tail.size(); begin > 0 && asked <= kMostFiles;) {
       const std::size_t slash = tail.rfind('/', begin - 1);
       begin = slash == std::string::npos ? 0 : slash;
       const std::string end = tail.substr(slash == std::string::npos ? 0 : slash + 1);
-      if (!end.empty() && IsFile(folder + "/" + end, asked)) return true;
+      if (!end.empty() && IsFile(below + end, asked)) return true;
     }
   }
   return false;

@@ -155,16 +155,18 @@ SourceTexts ReadSourceTexts(const Tree& tree, const Entry& entry) {
                      .length = At(values, times + 1),
                      .name = At(values, times + 2),
                      .last = At(values, times + 3)};
-  if (!source.last.IsThere() || source.name.quoted) return source;
-  // A name of several words, and then the last value, which is one letter.
+  if (!source.last.IsThere() || source.name.quoted || !source.name.IsGiven()) return source;
+  // A name of several words, and then the last value, which is one letter or `_`.
   const std::size_t name = times + 2;
   std::size_t end = name;
   while (end + 1 < values.size() && StandTogether(values[end], values[end + 1])) ++end;
-  const auto isLetter = [](char c) { return LowerCase(c) >= 'a' && LowerCase(c) <= 'z'; };
-  const bool letter = end > name && !values[end].quoted && values[end].text.size() == 1 &&
-                      isLetter(values[end].text[0]);
-  source.name = Join(values, name, letter ? end - 1 : end);
-  source.last = letter ? values[end] : At(values, end + 1);
+  const auto isMark = [](char c) {
+    return (LowerCase(c) >= 'a' && LowerCase(c) <= 'z') || c == '_';
+  };
+  const bool isLast = end > name && !values[end].quoted && values[end].text.size() == 1 &&
+                      isMark(values[end].text[0]);
+  source.name = Join(values, name, isLast ? end - 1 : end);
+  source.last = isLast ? values[end] : At(values, end + 1);
   return source;
 }
 

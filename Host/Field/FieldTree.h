@@ -84,7 +84,7 @@ struct Tree {
   std::vector<Section> sections;  ///< in file order, those of reference lists too
   std::vector<Entry> entries;
   std::vector<Value> values;
-  std::vector<Stray> strays;               ///< in file order
+  std::vector<Stray> strays;               ///< in file order, no more than a million
   std::vector<std::string_view> comments;  ///< without their marks, in file order
   bool hasOpeningTag = false;              ///< there is an <ADL>, wherever it stands
   bool cutOff = false;  ///< the text ends inside a value, a comment, a section or the outer tag

@@ -12,47 +12,13 @@ namespace {
 
 constexpr char kEscape = 0x1B;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-/// How far a label or tag of several words may reach, and how many open sections a closing tag may
-/// close: they bound the work on hostile texts.
-constexpr std::ptrdiff_t kMostOfAName = 256;
+/// How many open sections a closing tag may close, and how many strays are kept: they bound the
+/// work on hostile texts.
 constexpr std::size_t kMostScopesClosed = 64;
-/// N of the counted form is a signed 32-bit number to the system.
-constexpr std::size_t kMostCounted = 0x7FFFFFFF;
-
-constexpr bool IsBlank(char c) {
-  return static_cast<unsigned char>(c) <= ' ';
-}
-constexpr bool EndsLine(char c) {
-  return c == '\n' || c == '\r';
-}
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-constexpr bool IsLetter(char c) {
-  return LowerCase(c) >= 'a' && LowerCase(c) <= 'z';
-}
-constexpr bool IsNameByte(char c) {
-  return IsLetter(c) || IsDigit(c) || c == '_' || c == '-' || c == '.' || c == ':' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
+constexpr std::size_t kMostStrays = 1'000'000;
 
 std::string_view View(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
-}
-
-/// The bytes that end an unquoted value or may do so: blanks, and "<" of a closing tag.
-constexpr auto kEndsValue = [] {
-  std::array<bool, 256> ends{};
-  for (std::size_t c = 0; c <= ' '; ++c) ends[c] = true;
-  ends['<'] = true;
-  return ends;
-}();
-
-/// A word of letters, digits and underscores, which only a label is.
-bool IsIdentifier(std::string_view text) {
-  return !text.empty() && (IsLetter(text.front()) || text.front() == '_') &&
-         std::all_of(text.begin(), text.end(),
-                     [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; });
 }
 
 }  // namespace
@@ -71,6 +37,7 @@ Tree ReadTree(std::string_view file) {
 TreeReader::TreeReader(std::string_view file)
     : begin_(file.data()),
       end_(file.data() + file.size()),
+      tokens_(end_),
       at_(begin_),
       noQuoteFrom_(end_),
       noCommentEndFrom_(end_) {
@@ -98,7 +65,7 @@ Tree TreeReader::Read() && {
 // The start of the text ------------------------------------------------------------------------
 
 void TreeReader::SkipByteOrderMark() {
-  if (!At(at_, kByteOrderMark)) return;
+  if (!tokens_.StandsAt(at_, kByteOrderMark)) return;
   AddStray(at_, at_ + kByteOrderMark.size(), StrayKind::ByteOrderMark);
   at_ += kByteOrderMark.size();
 }
@@ -117,14 +84,16 @@ bool TreeReader::FindStart() {
   tree_.hasOpeningTag = true;
   if (tag != at_) AddStray(at_, tag, StrayKind::BeforeTag);
   Tag opening;
-  at_ = ReadsAsTag(tag, false, opening) ? opening.end : tag + 4;
+  (void)tokens_.ReadTag(tag, Among::Labels, opening);
+  at_ = opening.end;
   // The system passes over what is glued to the tag.
-  if (!opening.plain) AddStray(tag, StrayEnd(tag), StrayKind::Bracket);
+  if (!opening.plain) AddStray(tag, tokens_.StrayEnd(tag), StrayKind::Bracket);
   return true;
 }
 
 /// The first <ADL>, one inside a comment only if there is no other.
 const char* TreeReader::FindOpeningTag() const {
+  constexpr std::string_view kOpeningTag = "<ADL>";
   constexpr std::string_view kCommentEnd = "*/";
   const char* inComment = nullptr;
   const char* commentEnd = at_;
@@ -132,11 +101,11 @@ const char* TreeReader::FindOpeningTag() const {
   for (const char* at = at_; at != end_; ++at) {
     at = std::find_if(at, end_, [](char c) { return c == '<' || c == '/'; });
     if (at == end_) break;
-    if (commentsEnd && at >= commentEnd && At(at, "/*")) {
+    if (commentsEnd && at >= commentEnd && tokens_.StandsAt(at, "/*")) {
       const char* const found = std::search(at + 2, end_, kCommentEnd.begin(), kCommentEnd.end());
       commentsEnd = found != end_;
       if (commentsEnd) commentEnd = found + kCommentEnd.size();
-    } else if (At(at, "<ADL") && at + 4 != end_ && (at[4] == '>' || IsBlank(at[4]))) {
+    } else if (tokens_.StandsAt(at, kOpeningTag)) {
       if (at >= commentEnd) return at;
       if (inComment == nullptr) inComment = at;
     }
@@ -150,11 +119,11 @@ void TreeReader::ReadOuter() {
   Tag tag;
   Label label;
   for (SkipBlanks(); at_ != end_; SkipBlanks()) {
-    if (At(at_, "/*")) {
-      TakeComment(false);
-    } else if (*at_ == '<' && ReadsAsTag(at_, false, tag)) {
+    if (tokens_.StandsAt(at_, "/*")) {
+      (void)TakeComment(false);
+    } else if (*at_ == '<' && tokens_.ReadTag(at_, Among::Labels, tag)) {
       if (!TakeTag(tag)) return;
-    } else if (*at_ == '(' && ReadsAsLabel(at_, false, label)) {
+    } else if (*at_ == '(' && tokens_.ReadLabel(at_, Among::Labels, label)) {
       TakeEntry(label);
     } else {
       TakeStrayWord();
@@ -167,7 +136,7 @@ bool TreeReader::TakeTag(const Tag& tag) {
   const char* const begin = at_;
   if (tag.end == end_ && tag.end[-1] != '>') cutInside_ = true;
   if (!tag.plain && !Inside(ScopeKind::ReferenceList)) {
-    AddStray(begin, std::max(tag.end, StrayEnd(begin)), StrayKind::Bracket);
+    AddStray(begin, std::max(tag.end, tokens_.StrayEnd(begin)), StrayKind::Bracket);
   }
   if (IsKeyword(tag.name, "ADL")) {
     if (tag.closes) {
@@ -189,6 +158,11 @@ void TreeReader::Open(const Tag& tag) {
   scope.name = tag.name;
   scope.inReferenceList = !scopes_.empty() && scopes_.back().inReferenceList;
   if (IsKeyword(tag.name, "REF_LIST")) {
+    // One that nothing closes must not swallow a text that goes on to its proper end.
+    if (ClosesLater(tag.end) && !StandsLater("</REF_LIST>", tag.end, lastListClosing_)) {
+      AddStray(at_, tag.end, StrayKind::WrongTag);
+      return;
+    }
     scope.kind = ScopeKind::ReferenceList;
     scope.inReferenceList = true;
   } else if (Inside(ScopeKind::ReferenceList) && IsKeyword(tag.name, "REF")) {
@@ -261,7 +235,7 @@ void TreeReader::TakeEntry(const Label& label) {
                            .firstValue = static_cast<std::uint32_t>(tree_.values.size()),
                            .counted = label.counted});
   if (!label.plain && !passedOver) {
-    AddStray(at_, std::max(label.end, StrayEnd(at_)), StrayKind::Bracket);
+    AddStray(at_, std::max(label.end, tokens_.StrayEnd(at_)), StrayKind::Bracket);
   }
   at_ = label.end;
   if (label.counted) {
@@ -284,7 +258,7 @@ void TreeReader::TakeCountedValue(const Label& label) {
   at_ += count;
   if (at_ == end_) return;
   if (*at_ == '(' || *at_ == '<') {  // which the system loses
-    AddStray(at_, StrayEnd(at_), StrayKind::Bracket);
+    AddStray(at_, tokens_.StrayEnd(at_), StrayKind::Bracket);
   } else {
     ++at_;
   }
@@ -312,31 +286,32 @@ bool TreeReader::TakeValue(const char* lineOf) {
       TakeQuotedValue();
       return true;
     case '/':
-      if (!At(begin, "/*")) break;
-      TakeComment(true);
-      return true;
+      if (tokens_.StandsAt(begin, "/*") && TakeComment(true)) return true;
+      break;
     case '(':
     case '<': {
       const bool onLine = std::find_if(lineOf, begin, EndsLine) == begin;
+      const Among among = onLine ? Among::Values : Among::Labels;
       Tag tag;
       Label label;
-      if (*begin == '(' ? ReadsAsLabel(begin, onLine, label) : ReadsAsTag(begin, onLine, tag)) {
+      if (*begin == '(' ? tokens_.ReadLabel(begin, among, label)
+                        : tokens_.ReadTag(begin, among, tag)) {
         return false;
       }
       // What is no label or tag is a stray word at the start of a line or if the end cuts it.
-      if (!onLine || TokenEnd(begin) == end_) return false;
+      if (!onLine || tokens_.TokenEnd(begin) == end_) return false;
       if (!Inside(ScopeKind::ReferenceList)) {
-        AddStray(begin, StrayEnd(begin), StrayKind::Bracket);
+        AddStray(begin, tokens_.StrayEnd(begin), StrayKind::Bracket);
       }
       break;
     }
     default:
       break;
   }
-  at_ = ValueEnd(begin);
+  at_ = tokens_.ValueEnd(begin);
   tree_.values.push_back({View(begin, at_), false});
   // A closing tag glued to a value hides from the system.
-  if (at_ != end_ && *at_ == '<') AddStray(at_, StrayEnd(at_), StrayKind::Bracket);
+  if (at_ != end_ && *at_ == '<') AddStray(at_, tokens_.StrayEnd(at_), StrayKind::Bracket);
   return true;
 }
 
@@ -356,7 +331,7 @@ void TreeReader::TakeQuotedValue() {
   noQuoteFrom_ = std::min(noQuoteFrom_, first);
   // A mark that nothing closes must not swallow a text that goes on to its proper end.
   if (ClosesLater(first)) {
-    end = LineEnd(first);
+    end = tokens_.LineEnd(first);
     while (end != first && IsBlank(end[-1])) --end;
   } else {
     cutInside_ = true;
@@ -365,33 +340,34 @@ void TreeReader::TakeQuotedValue() {
   at_ = end;
 }
 
-void TreeReader::TakeComment(bool amongValues) {
+/// Where the text of the comment ends that begins there, null for one that nothing closes.
+const char* TreeReader::CommentTextEnd(const char* begin) {
   constexpr std::string_view kEnd = "*/";
+  const bool whole = tokens_.StandsAt(begin, "/*/") && (begin + 3 == end_ || IsBlank(begin[3]));
+  if (whole) return begin + 1;
+  if (begin + 2 >= noCommentEndFrom_) return nullptr;
+  const char* const found = std::search(begin + 2, end_, kEnd.begin(), kEnd.end());
+  if (found != end_) return found;
+  noCommentEndFrom_ = begin + 2;
+  return nullptr;
+}
+
+/// False for a mark among values that nothing closes, in a text that goes on to its proper end: it
+/// must swallow nothing of that, and is a value. Elsewhere it takes the rest of its line.
+bool TreeReader::TakeComment(bool amongValues) {
   const char* const begin = at_;
-  const char* end = end_;
-  const char* textEnd = end_;
-  const bool whole = At(begin, "/*/") && (begin + 3 == end_ || IsBlank(begin[3]));
-  if (whole) {
-    end = begin + 3;
-    textEnd = begin + 2;
-  } else if (begin + 2 < noCommentEndFrom_) {
-    textEnd = std::search(begin + 2, end_, kEnd.begin(), kEnd.end());
-    if (textEnd == end_) {
-      noCommentEndFrom_ = std::min(noCommentEndFrom_, begin + 2);
-    } else {
-      end = textEnd + kEnd.size();
-    }
-  }
-  if (textEnd == end_) {
-    if (ClosesLater(begin)) {
-      textEnd = end = LineEnd(begin);
-    } else {
-      cutInside_ = true;
-    }
+  const char* textEnd = CommentTextEnd(begin);
+  const char* end = textEnd != nullptr ? textEnd + 2 : end_;
+  if (textEnd == nullptr) {
+    const bool closesLater = ClosesLater(begin);
+    if (closesLater && amongValues) return false;
+    if (!closesLater) cutInside_ = true;
+    textEnd = end = closesLater ? tokens_.LineEnd(begin) : end_;
   }
   tree_.comments.push_back(View(begin + 2, std::max(textEnd, begin + 2)));
   if (amongValues && !Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Comment);
   at_ = end;
+  return true;
 }
 
 /// Up to the end of the line, or to something on it that is more than words: a label, a comment, a
@@ -400,132 +376,38 @@ void TreeReader::TakeStrayWord() {
   const char* const begin = at_;
   const char* end = begin;
   do {
-    end = at_ = StrayTokenEnd(at_);
+    end = at_ = tokens_.StrayTokenEnd(at_);
     while (at_ != end_ && IsBlank(*at_) && !EndsLine(*at_)) ++at_;
   } while (at_ != end_ && !EndsLine(*at_) && !EndsStrayWords());
   if (!Inside(ScopeKind::ReferenceList)) AddStray(begin, end, StrayKind::Word);
 }
 
-/// A text in quotation marks on the line is one token, whatever brackets stand in it.
-const char* TreeReader::StrayTokenEnd(const char* at) const {
-  if (*at == '"') {
-    const char* const mark =
-        std::find_if(at + 1, end_, [](char c) { return c == '"' || EndsLine(c); });
-    if (mark != end_ && *mark == '"') return mark + 1;
-  }
-  return TokenEnd(at);
-}
-
 bool TreeReader::EndsStrayWords() const {
   Tag tag;
   Label label;
-  if (At(at_, "/*")) return true;
+  if (tokens_.StandsAt(at_, "/*")) return true;
   if (*at_ == '<') {
-    return ReadsAsTag(at_, true, tag) && (tag.closes || !Inside(ScopeKind::Section));
+    return tokens_.ReadTag(at_, Among::Values, tag) && (tag.closes || !Inside(ScopeKind::Section));
   }
-  return *at_ == '(' && ReadsAsLabel(at_, true, label) && label.plain && IsIdentifier(label.name);
+  return *at_ == '(' && tokens_.ReadLabel(at_, Among::Values, label) && label.plain &&
+         IsIdentifier(label.name);
 }
 
-// Tokens ---------------------------------------------------------------------------------------
-
-/// `amongValues`: the token stands after a value on one line, and may be a value itself.
-bool TreeReader::ReadsAsTag(const char* at, bool amongValues, Tag& tag) const {
-  const char* name = at + 1;
-  tag.closes = name != end_ && *name == '/';
-  if (tag.closes) ++name;
-  if (name == end_ || !(IsLetter(*name) || *name == '_')) return false;
-  const char* nameEnd = std::find_if_not(name, end_, IsNameByte);
-  tag.name = View(name, nameEnd);
-  tag.plain = nameEnd != end_ && *nameEnd == '>' && (nameEnd + 1 == end_ || IsBlank(nameEnd[1]));
-  if (nameEnd != end_ && *nameEnd == '>') {
-    tag.end = nameEnd + 1;
-    return true;
-  }
-  if (amongValues && nameEnd != end_) return false;
-  // A bracket that comes late, after attributes say, or never.
-  const char* const far = nameEnd + std::min(kMostOfAName, end_ - nameEnd);
-  const char* const late =
-      std::find_if(nameEnd, far, [](char c) { return c == '>' || c == '<' || EndsLine(c); });
-  tag.end = late != far && *late == '>' ? late + 1 : nameEnd;
-  return true;
-}
-
-bool TreeReader::ReadsAsLabel(const char* at, bool amongValues, Label& label) const {
-  const char* const name = at + 1;
-  const char* const far = name + std::min(kMostOfAName, end_ - name);
-  const char* const close = std::find_if(name, far, [](char c) {
-    return c == ')' || c == '(' || c == '<' || c == '"' || EndsLine(c);
-  });
-  if (close == far || *close != ')') return false;
-  label = {.name = View(name, close), .end = close + 1};
-  if (std::any_of(name, close, IsBlank)) {
-    return !amongValues && (IsLetter(*name) || *name == '_');
-  }
-  label.plain = label.end == end_ || IsBlank(*label.end);
-  return label.plain || ReadsAsCounted(label) || ReadsAsGlued(label);
-}
-
-/// Digits and nothing else after the ")" are the form (LABEL)N.
-bool TreeReader::ReadsAsCounted(Label& label) const {
-  const char* const far = label.end + std::min(kMostOfAName, end_ - label.end);
-  const char* const digitsEnd = std::find_if_not(label.end, far, IsDigit);
-  if (digitsEnd == label.end || (digitsEnd != end_ && !IsBlank(*digitsEnd))) return false;
-  for (const char* at = label.end; at != digitsEnd; ++at) {
-    label.count = std::min(label.count * 10 + static_cast<std::size_t>(*at - '0'), kMostCounted);
-  }
-  label.counted = label.plain = true;
-  label.end = digitsEnd;
-  return true;
-}
-
-/// A label whose value begins right after its ")". Without a word inside its brackets, or with a
-/// name's next letters after them, it is part of a name: "(2).wav".
-bool TreeReader::ReadsAsGlued(const Label& label) const {
-  const char next = *label.end;
-  if (next == '(' || next == '<' || next == '"' || At(label.end, "/*")) return true;
-  return IsIdentifier(label.name) &&
-         (IsLetter(next) || IsDigit(next) || next == '_' || next == '+' || next == '-');
-}
-
-/// Where a stray token ends, or what is shown of it does.
-const char* TreeReader::StrayEnd(const char* at) const {
-  return std::find_if(at, at + std::min(kMostOfAName, end_ - at), IsBlank);
-}
-
-const char* TreeReader::TokenEnd(const char* at) const {
-  return at == end_ ? at : std::find_if(at + 1, end_, IsBlank);
-}
-
-/// Of an unquoted value: the next blank, or a closing tag glued to it.
-const char* TreeReader::ValueEnd(const char* at) const {
-  const auto ends = [](char c) { return kEndsValue[static_cast<unsigned char>(c)]; };
-  Tag tag;
-  for (at = std::find_if(at + 1, end_, ends); at != end_ && *at == '<';
-       at = std::find_if(at + 1, end_, ends)) {
-    if (At(at, "</") && ReadsAsTag(at, true, tag)) break;
-  }
-  return at;
-}
-
-const char* TreeReader::LineEnd(const char* at) const {
-  return std::find_if(at, end_, EndsLine);
-}
-
-bool TreeReader::At(const char* at, std::string_view text) const {
-  return static_cast<std::size_t>(end_ - at) >= text.size() && IsKeyword({at, text.size()}, text);
-}
-
-/// The text goes on to a </ADL> after this place.
+/// The text has a </ADL> after this place.
 bool TreeReader::ClosesLater(const char* at) {
-  if (!closingLookedFor_) {
-    closingLookedFor_ = true;
-    constexpr std::string_view kClosing = "</ADL>";
+  return StandsLater("</ADL>", at, lastClosing_);
+}
+
+/// The tag stands after this place. `last` keeps where it stands last, null as long as nobody
+/// asked.
+bool TreeReader::StandsLater(std::string_view tag, const char* at, const char*& last) const {
+  if (last == nullptr) {
     const char* const found =
-        std::find_end(begin_, end_, kClosing.begin(), kClosing.end(),
+        std::find_end(begin_, end_, tag.begin(), tag.end(),
                       [](char a, char b) { return LowerCase(a) == LowerCase(b); });
-    if (found != end_) lastClosing_ = found;
+    last = found != end_ ? found : begin_;
   }
-  return lastClosing_ != nullptr && lastClosing_ >= at;
+  return last >= at;
 }
 
 void TreeReader::SkipBlanks() {
@@ -533,6 +415,7 @@ void TreeReader::SkipBlanks() {
 }
 
 void TreeReader::AddStray(const char* begin, const char* end, StrayKind kind) {
+  if (tree_.strays.size() == kMostStrays) return;
   Stray stray;
   stray.text = View(begin, end);
   stray.kind = kind;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Field/FieldTree.h"
+#include "Field/TreeTokens.h"
 
 namespace velmora::field {
 
@@ -28,20 +29,6 @@ class TreeReader {
     std::uint32_t current = kNoSection;  ///< the piece that takes entries; none after a section
                                          ///< inside it has begun
   };
-  struct Tag {
-    std::string_view name;
-    const char* end = nullptr;  ///< past the ">", or past the word that has none
-    bool closes = false;
-    bool plain = false;  ///< written as the system reads it: no blanks inside, one after it
-  };
-  struct Label {
-    std::string_view name;
-    const char* end = nullptr;  ///< past the ")" and the digits of the counted form
-    bool counted = false;
-    std::size_t count = 0;  ///< N of the counted form
-    bool plain = false;     ///< written as the system reads it
-  };
-
   // The start of the text.
   void SkipByteOrderMark();
   bool FindStart();
@@ -62,21 +49,13 @@ class TreeReader {
   void TakeValues();
   bool TakeValue(const char* lineOf);
   void TakeQuotedValue();
-  void TakeComment(bool amongValues);
+  bool TakeComment(bool amongValues);
+  const char* CommentTextEnd(const char* begin);
   void TakeStrayWord();
-  [[nodiscard]] const char* StrayTokenEnd(const char* at) const;
   [[nodiscard]] bool EndsStrayWords() const;
 
-  [[nodiscard]] bool ReadsAsTag(const char* at, bool amongValues, Tag& tag) const;
-  [[nodiscard]] bool ReadsAsLabel(const char* at, bool amongValues, Label& label) const;
-  [[nodiscard]] bool ReadsAsCounted(Label& label) const;
-  [[nodiscard]] bool ReadsAsGlued(const Label& label) const;
-  [[nodiscard]] const char* StrayEnd(const char* at) const;
-  [[nodiscard]] const char* TokenEnd(const char* at) const;
-  [[nodiscard]] const char* ValueEnd(const char* at) const;
-  [[nodiscard]] const char* LineEnd(const char* at) const;
-  [[nodiscard]] bool At(const char* at, std::string_view text) const;
   [[nodiscard]] bool ClosesLater(const char* at);
+  [[nodiscard]] bool StandsLater(std::string_view tag, const char* at, const char*& last) const;
   void SkipBlanks();
 
   void AddStray(const char* begin, const char* end, StrayKind kind);
@@ -86,6 +65,7 @@ class TreeReader {
 
   const char* const begin_;
   const char* const end_;
+  const TreeTokens tokens_;
   const char* at_;
   Tree tree_;
   std::vector<Scope> scopes_;
@@ -95,8 +75,9 @@ class TreeReader {
   // Places from which on no such mark stands in the text: a second search would find none either.
   const char* noQuoteFrom_;
   const char* noCommentEndFrom_;
-  const char* lastClosing_ = nullptr;  ///< of the last </ADL>, once it was looked for
-  bool closingLookedFor_ = false;
+  // Where these tags stand last, the text's start for nowhere; null as long as nobody asked.
+  const char* lastClosing_ = nullptr;      ///< </ADL>
+  const char* lastListClosing_ = nullptr;  ///< </REF_LIST>
 };
 
 }  // namespace velmora::field

@@ -222,6 +222,7 @@ void FolderListing::SortByPlace(std::vector<File>& files) const {
   files.erase(std::unique(files.begin(), files.end()), files.end());
   if (files.size() < 2) return;
   std::vector<Place> places;
+  places.reserve(files.size());
   for (const File file : files) {
     places.push_back({folders_[files_[file].folder].depth, PathOf(file), file});
   }

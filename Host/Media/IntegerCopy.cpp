@@ -112,6 +112,7 @@ bool CopyDecoded(const SoundFile& sound, const Plan& plan,
                  const std::vector<ConversionTarget>& targets, Outputs& outputs) {
   const std::int32_t channels = sound.Info().channels;
   std::vector<std::int32_t> places;
+  places.reserve(targets.size());
   for (const ConversionTarget& target : targets) {
     places.push_back(target.channel.value_or(kAllChannels));
   }

@@ -35,11 +35,13 @@ std::string_view Unquoted(std::string_view raw) {
 
 /// Calls `visit` with each place below `folder` where the system looks for a text, the nearest
 /// first, until it answers true. As the system does it: ends of the text that begin at a slash,
-/// which must not be its first character.
+/// which must not be its first character. What is too long for a path is not looked for.
 template <class Visit>
 bool AnyPlace(const std::string& folder, const std::string& text, const Visit& visit) {
+  constexpr std::size_t kLongest = 4096;
   for (std::size_t slash = text.rfind('/'); slash != std::string::npos && slash > 0;
        slash = text.rfind('/', slash - 1)) {
+    if (text.size() - slash > kLongest) return false;
     if (visit(Below(folder, text.substr(slash + 1)))) return true;
   }
   return false;
@@ -54,6 +56,8 @@ const char* NameOf(Found found) {
 }
 
 struct FolderListings::Impl {
+  ContentComparison contents;
+
   enum class Keep { ForGood, WhileThereIsRoom };
 
   /// Null if it was cancelled. Who comes while another thread lists the same folder waits for it.
@@ -64,7 +68,7 @@ struct FolderListings::Impl {
     if (slot->searched != nullptr) return slot->searched;
     std::shared_ptr<FolderListing> listing = FolderListing::Read(folder, cancelled);
     if (listing == nullptr) return nullptr;
-    slot->searched = std::make_shared<SearchedFolder>(std::move(listing));
+    slot->searched = std::make_shared<SearchedFolder>(std::move(listing), contents);
     if (keep == Keep::WhileThereIsRoom) MakeRoom(folder, slot->searched->FileCount());
     return slot->searched;
   }
@@ -131,7 +135,7 @@ struct MediaSearch::Impl {
   /// The decoded path as it is written, from the project's folder on if it is a relative one.
   [[nodiscard]] std::string AsWritten(const Location& location) const {
     for (const std::string& path : location.paths) {
-      const std::string whole = path.front() == '/' ? path : Below(projectFolder, path);
+      std::string whole = path.front() == '/' ? path : Below(projectFolder, path);
       if (IsRegularFile(whole)) return whole;
     }
     return {};
@@ -172,7 +176,8 @@ Located MediaSearch::Impl::ByRules(const Wanted& wanted, const Location& locatio
 void MediaSearch::Impl::NoteWhatHides(const Wanted& wanted, const Location& location,
                                       Located& located) const {
   const auto leadsThere = [&](const std::string& place) {
-    if (place != located.path && !(IsRegularFile(place) && SameContents(place, located.path))) {
+    if (place != located.path &&
+        !(IsRegularFile(place) && listings.contents.Same(place, located.path))) {
       return false;
     }
     located.path = place;

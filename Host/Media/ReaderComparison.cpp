@@ -18,7 +18,7 @@ namespace {
 // The system's reader takes sizes and places in the audio as signed 32-bit numbers.
 constexpr std::int64_t kTooManyBytes = std::int64_t{1} << 31;
 // A shifted start shows in the first sample that is not silence: so a few more are compared.
-constexpr std::int64_t kComparedSamples = 256;
+constexpr std::int64_t kComparedSamples = 64;
 
 /// True for a format that the system reads as silence or as noise, however good the file is.
 bool IsForeign(const AudioFacts& facts, const WaveHeader& wave) {

@@ -15,21 +15,8 @@ namespace {
 constexpr std::int64_t kFirstBytes = 64 << 10;
 constexpr std::int64_t kBlockBytes = 1 << 20;
 
-struct Identity {
-  dev_t device = 0;
-  ino_t node = 0;
-  std::int64_t size = 0;
-};
-
-std::optional<Identity> IdentityOf(const std::string& path) {
-  struct stat facts {};
-  if (stat(path.c_str(), &facts) != 0) return std::nullopt;
-  return Identity{facts.st_dev, facts.st_ino, facts.st_size};
-}
-
-bool SameFile(const Identity& a, const Identity& b) {
-  return a.device == b.device && a.node == b.node;
-}
+constexpr std::int64_t kLargeBytes = 256 << 10;  // from here on an answer is worth keeping
+constexpr std::size_t kMostKnown = 100000;
 
 class Comparison {
  public:
@@ -62,27 +49,50 @@ class Comparison {
   std::vector<std::uint8_t> blockB_;
 };
 
-bool SameContents(const std::string& a, const std::optional<Identity>& identityOfA,
-                  const std::string& b, const std::optional<Identity>& identityOfB) {
-  if (!identityOfA || !identityOfB) return false;
-  if (SameFile(*identityOfA, *identityOfB)) return true;
-  return identityOfA->size == identityOfB->size && Comparison(a, b).Same(identityOfA->size);
-}
-
 }  // namespace
 
-bool SameContents(const std::string& a, const std::string& b) {
-  return SameContents(a, IdentityOf(a), b, IdentityOf(b));
+std::optional<ContentComparison::Identity> ContentComparison::IdentityOf(const std::string& path) {
+  struct stat facts {};
+  if (stat(path.c_str(), &facts) != 0) return std::nullopt;
+  return Identity{facts.st_dev, facts.st_ino, facts.st_size,
+                  std::int64_t{facts.st_mtim.tv_sec} * 1000000000 + facts.st_mtim.tv_nsec};
 }
 
-std::vector<std::size_t> DifferentFiles(const std::vector<std::string>& paths, std::size_t most) {
+bool ContentComparison::Same(const std::string& a, const std::optional<Identity>& identityOfA,
+                             const std::string& b, const std::optional<Identity>& identityOfB) {
+  if (!identityOfA || !identityOfB) return false;
+  if (identityOfA->device == identityOfB->device && identityOfA->node == identityOfB->node) {
+    return true;
+  }
+  const std::int64_t size = identityOfA->size;
+  if (size != identityOfB->size) return false;
+  if (size < kLargeBytes) return Comparison(a, b).Same(size);
+  const Pair pair = std::minmax(*identityOfA, *identityOfB);
+  {
+    const std::lock_guard lock(mutex_);
+    const auto known = known_.find(pair);
+    if (known != known_.end()) return known->second;
+  }
+  const bool same = Comparison(a, b).Same(size);
+  const std::lock_guard lock(mutex_);
+  if (known_.size() >= kMostKnown) known_.clear();
+  known_.emplace(pair, same);
+  return same;
+}
+
+bool ContentComparison::Same(const std::string& a, const std::string& b) {
+  return Same(a, IdentityOf(a), b, IdentityOf(b));
+}
+
+std::vector<std::size_t> ContentComparison::Different(const std::vector<std::string>& paths,
+                                                      std::size_t most) {
   std::vector<std::size_t> different;
   std::vector<std::optional<Identity>> identities;  // of the different ones
   for (std::size_t i = 0; i < paths.size() && different.size() < most; ++i) {
     const std::optional<Identity> identity = IdentityOf(paths[i]);
     std::size_t earlier = 0;
     while (earlier < different.size() &&
-           !SameContents(paths[different[earlier]], identities[earlier], paths[i], identity)) {
+           !Same(paths[different[earlier]], identities[earlier], paths[i], identity)) {
       ++earlier;
     }
     if (earlier < different.size()) continue;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "Media/AudioFacts.h"
-#include "Media/SameContents.h"
 
 namespace velmora::media {
 namespace {
@@ -35,7 +34,8 @@ bool LengthFits(const FileHead& head, const Evidence& evidence) {
 }  // namespace
 
 Candidates::Candidates(const FolderListing& listing, const std::vector<File>& files,
-                       Require require) {
+                       Require require, ContentComparison& contents)
+    : contents_(contents) {
   for (const File file : files) {
     std::string path = listing.PathOf(file);
     if (require == Require::Sound) {
@@ -115,8 +115,9 @@ bool Candidates::Contradicts(std::size_t place, const Evidence& evidence) const 
 StepOutcome Candidates::Judge(const std::vector<std::uint32_t>& places) const {
   StepOutcome outcome;
   std::vector<std::string> paths;
+  paths.reserve(places.size());
   for (const std::uint32_t place : places) paths.push_back(paths_[place]);
-  const std::vector<std::size_t> different = DifferentFiles(paths, kMostNamed);
+  const std::vector<std::size_t> different = contents_.Different(paths, kMostNamed);
   if (different.size() == 1) {
     outcome.result = StepResult::OneFile;
     outcome.path = paths.front();
@@ -163,7 +164,8 @@ StepOutcome SearchedFolder::Step(Found rule, const std::vector<std::string>& nam
   if (files.empty()) return {};
   const bool anyName = rule == Found::Name || rule == Found::NameCase;
   const auto group = std::make_shared<const Candidates>(
-      *listing_, files, anyName ? Candidates::Require::Nothing : Candidates::Require::Sound);
+      *listing_, files, anyName ? Candidates::Require::Nothing : Candidates::Require::Sound,
+      contents_);
   if (files.size() >= kLargeGroup) {
     const std::lock_guard lock(mutex_);
     largeGroups_.emplace(key, group);

@@ -12,6 +12,7 @@
 
 #include "Media/FolderListing.h"
 #include "Media/MediaSearch.h"
+#include "Media/SameContents.h"
 
 namespace velmora::media {
 
@@ -47,8 +48,9 @@ class Candidates {
  public:
   enum class Require { Nothing, Sound };
 
+  /// @param contents outlives it
   Candidates(const FolderListing& listing, const std::vector<FolderListing::File>& files,
-             Require require);
+             Require require, ContentComparison& contents);
 
   /// Chooses by what the ADL tells: those whose reference or length fit stay, all if none fits.
   [[nodiscard]] StepOutcome Choose(const Evidence& evidence) const;
@@ -71,6 +73,7 @@ class Candidates {
   [[nodiscard]] StepOutcome Judge(const std::vector<std::uint32_t>& places) const;
   [[nodiscard]] const StepOutcome& JudgeAll() const;
 
+  ContentComparison& contents_;
   std::vector<std::string> paths_;
   std::vector<bool> beside_;
   mutable std::once_flag headsRead_;
@@ -85,8 +88,9 @@ class Candidates {
 /// thousand sources may all look for a name that a thousand takes have. Callable from many threads.
 class SearchedFolder {
  public:
-  explicit SearchedFolder(std::shared_ptr<const FolderListing> listing)
-      : listing_(std::move(listing)) {}
+  /// @param contents outlives it
+  SearchedFolder(std::shared_ptr<const FolderListing> listing, ContentComparison& contents)
+      : listing_(std::move(listing)), contents_(contents) {}
 
   [[nodiscard]] std::size_t FileCount() const { return listing_->FileCount(); }
 
@@ -105,6 +109,7 @@ class SearchedFolder {
                                                          const FolderListing::Cancelled& cancelled);
 
   std::shared_ptr<const FolderListing> listing_;
+  ContentComparison& contents_;
   std::mutex mutex_;
   std::map<std::string, std::shared_ptr<const Candidates>> largeGroups_;  ///< by KeyOf
 };

@@ -7,7 +7,10 @@
 #include <string>
 #include <utility>
 
+#include "ADL/ShiftJis.h"
+#include "Base/FileNames.h"
 #include "Base/Text.h"
+#include "Prepare/ShiftJisWriter.h"
 
 namespace velmora::prepare {
 namespace {
@@ -48,9 +51,9 @@ class ChangeWriter {
     if (IsGone(finding)) return TextOfGone(finding.code);
     switch (finding.code) {
       case Code::FadeSeparator:
-        return "Fade length written with \";\" before the frames, the same number of samples.";
+        return FadeText(finding) + '.';
       case Code::FadeForm:
-        return "Fade length written as a timestamp; a fade without a length is left out.";
+        return FadeText(finding) + '.';
       case Code::ValuesMissing:
         return "Missing values filled in.";
       case Code::IndexMissing:
@@ -79,7 +82,7 @@ class ChangeWriter {
         return "Timestamps written with marks that a session's frame rate stands for: nothing "
                "moves.";
       case Code::TextEncoding:
-        return "Written in Shift-JIS, which the system reads.";
+        return EncodingText(finding);
       default:
         return TextOfAudio(finding);
     }
@@ -89,17 +92,25 @@ class ChangeWriter {
   std::string TextOfAudio(const check::Finding& finding) const {
     switch (finding.code) {
       case Code::MediaElsewhere:
+        return HasFile(finding) ? "Found at " + PlaceOf(finding) + "; now " + NamesOf(finding) + '.'
+                                : "";
       case Code::LocationForm:
-        return FileText(finding, "");
+        return HasFile(finding) ? "Location written plainly: " + NamesOf(finding) + '.' : "";
       case Code::MediaKind:
+        return IsMadeAnew(finding) ? KindText(finding) : "";
       case Code::MediaChunks:
-        return IsMadeAnew(finding) ? FileText(finding, FormatText(finding)) : "";
+        return IsMadeAnew(finding) ? "Written anew with a plain header: " + NamesOf(finding) + '.' +
+                                         PartText(finding)
+                                   : "";
       case Code::MediaRate:
-        return options_.resample && IsMadeAnew(finding) ? FileText(finding, "") : "";
+        return options_.resample && IsMadeAnew(finding)
+                   ? "Resampled from " + RateOf(finding) + " Hz, in 24 bits: " + NamesOf(finding) +
+                         '.'
+                   : "";
       case Code::Channels:
         return ChannelText(finding);
       case Code::GainChannels:
-        return IsWhole(finding) ? "" : "One gain for each mono cut.";
+        return KeepsGains(finding) ? "" : "One gain for each cut.";
       default:
         return {};
     }
@@ -132,6 +143,30 @@ class ChangeWriter {
 
   bool IsShortened(const check::Finding& finding) const {
     return finding.entry && shortened_.contains(*finding.entry);
+  }
+
+  /// What became of a fade's length. The finding's text begins with its label.
+  std::string FadeText(const check::Finding& finding) const {
+    const std::vector<const PlannedCut*> cuts = CutsOf(finding);
+    const std::string label = finding.text.substr(0, finding.text.find(')'));
+    const bool in = EqualsIgnoringCase(label.c_str(), "(Infade");
+    if (cuts.empty() || (!in && !EqualsIgnoringCase(label.c_str(), "(Outfade"))) {
+      return "Fade length written as a timestamp";
+    }
+    const std::optional<std::int64_t> length = in ? cuts.front()->fadeIn : cuts.front()->fadeOut;
+    if (!length) return "Fade left out: it has no length";
+    return "Fade length written as " + WriteFadeLength(*length, plan_.form).value_or("none");
+  }
+
+  static std::string EncodingText(const check::Finding& finding, const std::string& names) {
+    if (!names.empty()) return "The file is now " + names + ", which the system finds.";
+    const ShiftJisText written = ToShiftJis(finding.text, '?');
+    if (written.whole) return "Written in Shift-JIS, which the system reads.";
+    return "Written as " + ShiftJisToUtf8(written.bytes.c_str()) +
+           ": Shift-JIS does not have all of its characters.";
+  }
+  std::string EncodingText(const check::Finding& finding) const {
+    return EncodingText(finding, HasFile(finding) && !finding.entry ? NamesOf(finding) : "");
   }
 
   std::string StartText(const check::Finding& finding) const {
@@ -167,22 +202,55 @@ class ChangeWriter {
                                          [](const PlannedFile* file) { return IsMade(*file); });
   }
 
-  std::string FileText(const check::Finding& finding, const std::string& format) const {
-    const std::vector<const PlannedFile*> files = FilesOf(finding);
-    if (files.empty()) return {};
+  bool HasFile(const check::Finding& finding) const { return !FilesOf(finding).empty(); }
+
+  /// The files in the prepared folder: "Audio/a_ch1.wav, Audio/a_ch2.wav".
+  std::string NamesOf(const check::Finding& finding) const {
     std::string names;
-    for (const PlannedFile* const file : files) {
+    for (const PlannedFile* const file : FilesOf(finding)) {
       names += (names.empty() ? "Audio/" : ", Audio/") + file->name;
     }
-    constexpr const char* kVerbs[] = {"Linked", "Copied", "Converted", "Split", "Resampled"};
-    return kVerbs[static_cast<std::size_t>(files.front()->how)] + (" from " + files.front()->from) +
-           format + " to " + names + '.';
+    return names;
   }
 
-  std::string FormatText(const check::Finding& finding) const {
-    const PlannedSource& source = *FirstSource(finding);
-    const std::optional<media::AudioFacts>& facts = checked_.media[source.origin].facts;
-    return facts && !facts->format.empty() ? " (" + facts->format + ")" : "";
+  /// The original's path: what lies below the project's folder from there on.
+  std::string PlaceOf(const check::Finding& finding) const {
+    const std::string& path = FilesOf(finding).front()->from;
+    const std::string folder = FolderOf(checked_.path) + '/';
+    return path.starts_with(folder) ? path.substr(folder.size()) : path;
+  }
+
+  const media::AudioFacts* FactsOf(const check::Finding& finding) const {
+    const PlannedSource* const source = FirstSource(finding);
+    if (source == nullptr || !checked_.media[source->origin].facts) return nullptr;
+    return &*checked_.media[source->origin].facts;
+  }
+
+  std::string FormatOf(const check::Finding& finding) const {
+    const media::AudioFacts* const facts = FactsOf(finding);
+    return facts != nullptr && !facts->format.empty() ? facts->format : "The file";
+  }
+
+  std::string KindText(const check::Finding& finding) const {
+    const std::string format = FormatOf(finding);
+    const bool isFloat = format.find("float") != std::string::npos;
+    return format + (isFloat ? " rounded to 24-bit PCM: " : " made plain PCM: ") +
+           NamesOf(finding) + '.' + PartText(finding);
+  }
+
+  /// Said of a file of which only a part was written.
+  std::string PartText(const check::Finding& finding) const {
+    for (const PlannedFile* const file : FilesOf(finding)) {
+      if (!file->frameCount) continue;
+      return " It holds only what the cuts use: " + std::to_string(*file->frameCount) +
+             " samples from sample " + std::to_string(file->firstFrame) + " of the original on.";
+    }
+    return {};
+  }
+
+  std::string RateOf(const check::Finding& finding) const {
+    const media::AudioFacts* const facts = FactsOf(finding);
+    return std::to_string(facts != nullptr ? facts->sampleRate : 0);
   }
 
   /// The planned cuts that a finding is about.
@@ -204,6 +272,11 @@ class ChangeWriter {
 
   bool IsWhole(const check::Finding& finding) const {
     const std::vector<const PlannedCut*> cuts = CutsOf(finding);
+    return std::any_of(cuts.begin(), cuts.end(), [](const PlannedCut* cut) { return cut->whole; });
+  }
+
+  bool KeepsGains(const check::Finding& finding) const {
+    const std::vector<const PlannedCut*> cuts = CutsOf(finding);
     return std::any_of(cuts.begin(), cuts.end(),
                        [](const PlannedCut* cut) { return cut->keepsGainLines; });
   }
@@ -211,6 +284,7 @@ class ChangeWriter {
   std::string ChannelText(const check::Finding& finding) const {
     const std::vector<const PlannedCut*> cuts = CutsOf(finding);
     if (cuts.empty() || IsWhole(finding)) return {};
+    if (cuts.size() == 1) return "Made a mono cut of a mono file.";
     return "Split into " + Counted(cuts.size(), "mono cut") + " of mono files.";
   }
 

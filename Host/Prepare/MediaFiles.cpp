@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -19,6 +20,11 @@ std::string RealPath(const std::string& path) {
   std::error_code error;
   const std::filesystem::path real = std::filesystem::canonical(path, error);
   return error ? path : real.string();
+}
+
+std::string VerbOf(HowMade how) {
+  constexpr std::array kVerbs = {"Linking", "Copying", "Converting", "Splitting", "Resampling"};
+  return kVerbs[static_cast<std::size_t>(how)];
 }
 
 /// Work on a file besides its bytes: making its name.
@@ -94,7 +100,8 @@ class FileMaker {
     const auto tell = [&](std::int64_t bytesDone) {
       if (!progress_) return true;
       const std::int64_t done = workDone_ + std::clamp<std::int64_t>(bytesDone, 0, work);
-      return progress_(static_cast<double>(done) / static_cast<double>(allWork_), file.name);
+      return progress_(static_cast<double>(done) / static_cast<double>(allWork_),
+                       VerbOf(file.how) + (' ' + file.name));
     };
     if (!tell(0)) {
       MediaOutcome cancelled;

@@ -11,6 +11,7 @@
 
 #include "Base/FileNames.h"
 #include "Media/Conversion.h"
+#include "Media/Locations.h"
 #include "Prepare/ChangeWords.h"
 #include "Prepare/LostWords.h"
 #include "Prepare/MediaNames.h"
@@ -63,6 +64,7 @@ class Planner {
     PlaceCuts(rough.cuts);
     AddOtherEvents();
     NumberEvents();
+    NameLostMedia();
     plan_.changes = WriteChanges(checked_, options_, plan_, rough.shortened);
     return std::move(plan_);
   }
@@ -83,8 +85,9 @@ class Planner {
         realPaths_[i] = RealPath(located.path);
       } else {
         // Nothing in the prepared folder may be mistaken for it.
-        const std::string& location = project_.sources[i].location;
-        names_.Reserve(location.substr(location.find_last_of("/\\:") + 1));
+        for (const std::string& name : media::DecodeLocation(project_.sources[i].location).names) {
+          names_.Reserve(name);
+        }
       }
     }
   }
@@ -157,7 +160,9 @@ class Planner {
         channel == kAllChannels && media.obstacle == media::Obstacle::None && !resampled;
     file.how = options_.copyMedia ? HowMade::Copied : HowMade::Linked;
     file.frames = FramesAtProjectRate(checked_, source);
-    if (used && readable && !asItIs && LimitToRange(file, source, channel, key, resampled)) {
+    const bool made = used && readable && !asItIs;
+    file.tooLong = made && !LimitToRange(file, source, channel, key, resampled);
+    if (made && !file.tooLong) {
       if (channel != kAllChannels) file.channel = channel - 1;
       if (resampled)
         file.sampleRate = static_cast<std::int32_t>(std::lround(project_.rates.sampleRate));
@@ -308,6 +313,28 @@ class Planner {
     }
   }
 
+  /// What the check of the prepared project cannot tell: that there are several candidates for a
+  /// file, and that one could not be converted for its length.
+  void NameLostMedia() {
+    std::set<std::int32_t> tooLong;
+    for (const PlannedSource& source : plan_.sources) {
+      if (source.file && plan_.files[*source.file].tooLong) {
+        tooLong.insert(project_.sources[source.origin].index);
+      }
+    }
+    for (const check::Finding& finding : checked_.findings) {
+      if (finding.code == check::Code::MediaAmbiguous) plan_.lost.push_back(finding);
+      const bool isAudio =
+          finding.code == check::Code::MediaKind || finding.code == check::Code::MediaChunks;
+      if (!isAudio || !finding.source || !tooLong.contains(*finding.source)) continue;
+      plan_.lost.push_back(finding);
+      plan_.lost.back().effect =
+          "The cuts use a stretch of this file of 2 GiB and more, which one file may not hold: it "
+          "is not converted.";
+      plan_.lost.back().remedy = "Give the far ends of the file sources of their own.";
+    }
+  }
+
   const check::CheckedProject& checked_;
   const field::Project& project_;
   const PrepareOptions& options_;
@@ -326,8 +353,16 @@ class Planner {
 }  // namespace
 
 std::optional<Plan> MakePlan(const check::CheckedProject& checked, const PrepareOptions& options) {
-  const std::optional<StampForm> form =
-      FormFor(checked.project->rates, options.check.sessionFrameRate);
+  const std::vector<field::Event>& events = checked.project->events;
+  field::TimeRates rates = checked.project->rates;
+  // Without a cut the rates are those of some other time, which may be the length of a fade: these
+  // count as drop-frame whatever the project does.
+  if (std::none_of(events.begin(), events.end(), [](const field::Event& event) {
+        return event.kind == field::EventKind::Cut && event.complete;
+      })) {
+    rates.dropFrame = false;
+  }
+  const std::optional<StampForm> form = FormFor(rates, options.check.sessionFrameRate);
   if (!form) return std::nullopt;
   return Planner(checked, options, *form).Run();
 }

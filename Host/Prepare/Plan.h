@@ -22,6 +22,7 @@ struct PlannedFile {
   std::int64_t firstFrame = 0;
   std::optional<std::int64_t> frameCount;
   std::optional<std::int32_t> sampleRate;  ///< Hz: resampled to it
+  bool tooLong = false;  ///< not converted: the cuts use more of it than one file may hold
   /// Frames of the file at the project's rate, as far as they are known.
   std::optional<std::int64_t> frames;
   std::int64_t bytes = 0;  ///< of work, about
@@ -34,6 +35,9 @@ struct PlannedSource {
   std::optional<std::size_t> file;  ///< position in Plan::files; none: its location stays
   std::int64_t fileStart = 0;       ///< samples at the project's rate
   bool ownLength = false;           ///< its length is the file's, not the one that the ADL tells
+  /// Reference and length are left out: by them a file of the prepared folder would be taken for
+  /// the one that is missing.
+  bool hidesFacts = false;
 };
 
 struct PlannedCut {
@@ -48,6 +52,7 @@ struct PlannedCut {
   std::optional<std::int64_t> fadeIn;  ///< length
   std::optional<std::int64_t> fadeOut;
   std::optional<double> gainDb;
+  bool whole = false;           ///< plays all channels of a file that has several
   bool keepsGainLines = false;  ///< the gain lines stay as they are
 };
 

@@ -55,7 +55,9 @@ class CutPlanner {
     if (StaysWhole(event, facts)) {
       cut.cut.sourceChannels = event.sourceChannels;
       cut.cut.tracks = event.tracks;
-      cut.cut.keepsGainLines = true;
+      cut.cut.whole = true;
+      cut.cut.gainDb = event.GainOf(event.tracks.first);
+      cut.cut.keepsGainLines = !HasOneGain(event);
       result_.cuts.push_back(std::move(cut));
       return;
     }
@@ -126,6 +128,16 @@ class CutPlanner {
       if (*fade) *fade = std::min(**fade, length);
       if (*fade && **fade <= 0) fade->reset();
     }
+  }
+
+  /// True if the gain of all its channels is the same.
+  static bool HasOneGain(const field::Event& event) {
+    const std::optional<double> gain = event.GainOf(event.tracks.first);
+    const std::int32_t last = std::min(event.tracks.last, event.tracks.first + kMostTracksOfACut);
+    for (std::int32_t track = event.tracks.first; track <= last; ++track) {
+      if (event.GainOf(track) != gain) return false;
+    }
+    return true;
   }
 
   bool StaysWhole(const field::Event& event, const media::AudioFacts* facts) const {

@@ -57,7 +57,9 @@ class Preparation {
  public:
   Preparation(const check::CheckedProject& checked, const PrepareOptions& options,
               const PrepareProgress& progress)
-      : checked_(checked), options_(options), progress_(progress) {}
+      : checked_(checked), options_(options), progress_(progress), into_(options.into) {
+    while (into_.size() > 1 && into_.back() == '/') into_.pop_back();
+  }
 
   Prepared Run() {
     if (checked_.verdict == check::Verdict::Unreadable || checked_.project == nullptr ||
@@ -66,20 +68,14 @@ class Preparation {
       prepared_.left = checked_.findings;
       return std::move(prepared_);
     }
-    std::string complaint = staging_.Begin(options_.into);
+    std::string complaint = staging_.Begin(into_);
     if (!complaint.empty()) return Stop(Outcome::FolderTaken, complaint);
     std::optional<Plan> plan = MakePlan(checked_, options_);
     if (!plan) {
       return Stop(Outcome::Failed, checked_.path + ": no timestamp can say its sample rate");
     }
     plan_ = std::move(*plan);
-    if (!MakeAudio()) return std::move(prepared_);
-    const std::string name = ProjectNameFor(checked_.path);
-    complaint = WriteWhole(staging_.Path() + '/' + name, WriteProject(checked_, plan_));
-    if (!complaint.empty()) return Stop(Outcome::Failed, complaint);
-    prepared_.projectPath = options_.into + '/' + name;
-    prepared_.changes = std::move(plan_.changes);
-    if (!FindWhatIsLeft(staging_.Path() + '/' + name)) return std::move(prepared_);
+    if (!MakeAudio() || !MakeProject()) return std::move(prepared_);
     complaint = staging_.Commit();
     if (!complaint.empty()) return Stop(Outcome::Failed, complaint);
     const bool whole = std::none_of(prepared_.left.begin(), prepared_.left.end(), IsLoss);
@@ -95,8 +91,7 @@ class Preparation {
     Prepared stopped;
     stopped.outcome = outcome;
     stopped.trouble = trouble;
-    ReplaceAll(stopped.trouble, staging_.Path().empty() ? options_.into : staging_.Path(),
-               options_.into);
+    ReplaceAll(stopped.trouble, staging_.Path().empty() ? into_ : staging_.Path(), into_);
     return stopped;
   }
 
@@ -121,7 +116,7 @@ class Preparation {
         return false;
       }
       const PlannedFile& file = plan_.files[i];
-      prepared_.files.push_back({file.from, options_.into + "/Audio/" + file.name, file.how});
+      prepared_.files.push_back({file.from, into_ + "/Audio/" + file.name, file.how});
       NamePeak(i, outcomes[i]);
     }
     return true;
@@ -147,42 +142,86 @@ class Preparation {
     }
   }
 
-  /// Checks the staged project as anybody would who gets the folder. False if cancelled.
-  bool FindWhatIsLeft(const std::string& path) {
+  /// Writes the project and checks it as anybody would who gets the folder. False if that has come
+  /// to its end.
+  bool MakeProject() {
+    const std::string name = ProjectNameFor(checked_.path);
+    const std::string path = staging_.Path() + '/' + name;
+    std::optional<check::CheckedProject> result;
+    do {
+      std::remove(path.c_str());
+      const std::string complaint = WriteWhole(path, WriteProject(checked_, plan_));
+      if (!complaint.empty()) {
+        prepared_ = Stop(Outcome::Failed, complaint);
+        return false;
+      }
+      result = Check(path);
+      if (!result) {
+        prepared_ = Stop(Outcome::Cancelled, "");
+        return false;
+      }
+    } while (HideWhatWouldMislead(*result));
+    prepared_.projectPath = into_ + '/' + name;
+    prepared_.changes = std::move(plan_.changes);
+    prepared_.left = std::move(plan_.lost);
+    prepared_.leftOut = prepared_.left.size();
+    TakeFindings(result->findings);
+    return true;
+  }
+
+  /// None if cancelled.
+  std::optional<check::CheckedProject> Check(const std::string& path) const {
     check::CheckOptions options;
     options.sessionRate = options_.check.sessionRate;
     options.sessionFrameRate = options_.check.sessionFrameRate;
     bool cancelled = false;
     const auto ask = [&] {
-      cancelled = cancelled || (progress_ && !progress_(kShareOfAudio, "checking"));
+      cancelled = cancelled || (progress_ && !progress_(kShareOfAudio, "Checking the result"));
       return cancelled;
     };
     media::FolderListings listings;
     check::CheckedProject result = check::CheckProject(path, options, listings, ask);
-    if (cancelled || (progress_ && !progress_(1, "done"))) {
-      prepared_ = Stop(Outcome::Cancelled, "");
-      return false;
+    if (cancelled || (progress_ && !progress_(1, "Done"))) return std::nullopt;
+    return result;
+  }
+
+  /// A source whose file is missing must not find another's in the prepared folder, which stood
+  /// elsewhere before. True if the project has to be written anew.
+  bool HideWhatWouldMislead(const check::CheckedProject& result) {
+    bool hides = false;
+    for (std::size_t i = 0; i < plan_.sources.size() && i < result.media.size(); ++i) {
+      PlannedSource& source = plan_.sources[i];
+      const bool found = result.media[i].located.result != media::SearchResult::Missing;
+      if (source.file || source.hidesFacts || !found) continue;
+      source.hidesFacts = true;
+      hides = true;
     }
-    prepared_.left = std::move(plan_.lost);
+    return hides;
+  }
+
+  void TakeFindings(std::vector<Finding>& findings) {
     bool moves = false;
-    for (Finding& finding : result.findings) {
+    for (Finding& finding : findings) {
       // The folder is known by the name that it will have.
       for (std::string* const text : {&finding.text, &finding.effect, &finding.remedy}) {
-        ReplaceAll(*text, staging_.Path(), options_.into);
+        ReplaceAll(*text, staging_.Path(), into_);
       }
-      moves = moves || finding.code == Code::RateCompensated;
+      if (finding.code == Code::RateCompensated) {
+        moves = true;
+        finding.remedy = "Spot it with velmora spot --true-position.";
+      }
       prepared_.left.push_back(std::move(finding));
     }
     if (moves) {
       std::erase_if(prepared_.changes,
                     [](const Change& change) { return change.code == Code::RateCompensated; });
     }
-    return true;
   }
 
   const check::CheckedProject& checked_;
   const PrepareOptions& options_;
   const PrepareProgress& progress_;
+  std::string into_;
   Staging staging_;
   Plan plan_;
   Prepared prepared_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -55,11 +56,16 @@ struct Prepared {
   std::string projectPath;  ///< the prepared ADL: into/NAME.adl
   std::vector<Change> changes;
   std::vector<MadeFile> files;
-  std::vector<check::Finding>
-      left;  ///< what remains, as the check of the prepared project tells it
+  /// What remains: first what of the original could not be kept, then what the check of the
+  /// prepared project tells.
+  std::vector<check::Finding> left;
+  /// How many of `left` are of the first kind. They tell lines and numbers of the original, the
+  /// others those of the prepared project.
+  std::size_t leftOut = 0;
 };
 
-/// Progress of a preparation. Called from the preparing thread; false cancels.
+/// Progress of a preparation, with what is being done in words for people: "Converting big.wav".
+/// Called from the preparing thread; false cancels.
 using PrepareProgress = std::function<bool(double share /* 0 to 1 */, const std::string& what)>;
 
 /// Makes a clean project out of a checked one without changing its meaning. The folder appears

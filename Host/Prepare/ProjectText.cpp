@@ -13,6 +13,7 @@
 #include "Base/Text.h"
 #include "Field/EntryTexts.h"
 #include "Prepare/AdlText.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora::prepare {
 namespace {
@@ -48,7 +49,6 @@ constexpr auto kEventLabels = std::to_array<EventLabel>({
     {"Xfade", 6},
 });
 constexpr std::size_t kFewestFadeValues = 5;
-constexpr std::size_t kFewestFileValues = 4;      // of (F)
 constexpr std::size_t kFewestTimecodeValues = 5;  // of (T)
 
 std::string Number(std::int64_t number) {
@@ -71,7 +71,7 @@ std::string Run(const field::ChannelRun& run) {
 class ProjectWriter {
  public:
   ProjectWriter(const check::CheckedProject& checked, const Plan& plan)
-      : checked_(checked), project_(*checked.project), tree_(project_.tree), plan_(plan) {
+      : project_(*checked.project), tree_(project_.tree), plan_(plan) {
     CollectPassedOver();
   }
 
@@ -236,8 +236,9 @@ class ProjectWriter {
     if (!hasTimes) return {Text(text)};
     if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
     if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
+    const bool isRate = Is(entry.label, "SEQ_SAMPLE_RATE") || Is(entry.label, "SEQ_FRAME_RATE");
     const std::optional<std::int64_t> time = TimeOf(text);
-    if (!time) return {Text(text)};
+    if (isRate || !time || IsAtProjectRates(text)) return {Text(text)};
     const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
     return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
   }
@@ -271,6 +272,19 @@ class ProjectWriter {
     if (!time) return std::nullopt;
     if (time->rates.sampleRate == plan_.form.sampleRate) return time->samples;
     return field::AtRate(time->samples, time->rates.sampleRate, plan_.form.sampleRate);
+  }
+  /// True for a whole timestamp whose marks say what the prepared ones say: it may stay as it is.
+  /// Drop-frame is left aside: lengths of fades always count so.
+  bool IsAtProjectRates(const field::Value& value) const {
+    const std::optional<field::StampMarks> marks = ReadMarks(value.text, project_.times);
+    if (!marks || marks->sampleRateMark == 0 || value.quoted ||
+        value.text.size() != kTimestampLength) {
+      return false;
+    }
+    field::TimeRates rates = marks->rates;
+    const field::TimeRates form = RatesOf(plan_.form);
+    rates.dropFrame = form.dropFrame;
+    return rates == form;
   }
   std::string Stamp(std::int64_t samples) const {
     return WriteStamp(samples, plan_.form).value_or("_");
@@ -307,7 +321,8 @@ class ProjectWriter {
       for (const field::Entry& entry : EntriesOf(project_.sources[source.origin])) {
         if (Is(entry.label, "F") || Is(entry.label, "Index")) continue;
         const bool timecode = Is(entry.label, "T");
-        text_.Line(entry.label, StampedValuesOf(entry, timecode ? kFewestTimecodeValues : 0));
+        text_.Line(entry.label,
+                   timecode ? StampedValuesOf(entry, kFewestTimecodeValues) : ValuesOf(entry));
       }
     }
     text_.CloseSection();
@@ -317,8 +332,9 @@ class ProjectWriter {
     const field::Source& origin = project_.sources[source.origin];
     field::SourceTexts texts;
     if (origin.fPlace) texts = ReadSourceTexts(tree_, tree_.entries[*origin.fPlace]);
-    Values values = {AdlText::Quoted(LocationOf(source)), TextOr(texts.reference),
-                     Stamp(source.fileStart), LengthOf(source)};
+    Values values = {AdlText::Quoted(LocationOf(source)),
+                     source.hidesFacts ? "_" : TextOr(texts.reference), Stamp(source.fileStart),
+                     LengthOf(source)};
     if (texts.name.IsThere()) values.push_back(Text(texts.name));
     if (texts.last.IsThere()) values.push_back(Text(texts.last));
     text_.Line("F", values);
@@ -333,7 +349,7 @@ class ProjectWriter {
   std::string LengthOf(const PlannedSource& source) const {
     std::optional<std::int64_t> length = project_.sources[source.origin].length;
     if (source.file && (source.ownLength || !length)) length = plan_.files[*source.file].frames;
-    return length ? Stamp(*length) : "_";
+    return length && !source.hidesFacts ? Stamp(*length) : "_";
   }
 
   // Events.
@@ -353,19 +369,15 @@ class ProjectWriter {
   }
 
   void WriteCut(const PlannedCut& cut, const field::Event& origin) {
-    std::string type = "I";
-    std::string status = "_";
-    if (origin.edit) {
-      const std::span<const field::Value> values = tree_.ValuesOf(tree_.entries[*origin.edit]);
-      if (!values.empty()) type = Text(values.front());
-    }
-    if (origin.status != '_') status = std::string(1, origin.status);
-    text_.Line("Cut",
-               {type == "_" ? "I" : type, std::to_string(cut.sourceIndex), Run(cut.sourceChannels),
-                Run(cut.tracks), Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end), status});
+    field::CutTexts texts;
+    if (origin.edit) texts = ReadCutTexts(tree_, tree_.entries[*origin.edit]);
+    text_.Line("Cut", {texts.sourceType.IsGiven() ? Text(texts.sourceType) : "I",
+                       std::to_string(cut.sourceIndex), Run(cut.sourceChannels), Run(cut.tracks),
+                       Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end),
+                       AdlText::Value(std::string_view(&origin.status, 1))});
     if (origin.fadeIn) WriteFade("Infade", *origin.fadeIn, cut.fadeIn);
     if (origin.fadeOut) WriteFade("Outfade", *origin.fadeOut, cut.fadeOut);
-    if (cut.gainDb && std::isfinite(*cut.gainDb)) {
+    if (cut.gainDb && !cut.keepsGainLines && std::isfinite(*cut.gainDb)) {
       text_.Line("Gain", {"_", Decibels(*cut.gainDb)});
     }
   }
@@ -404,8 +416,8 @@ class ProjectWriter {
     }
     if (Is(entry.label, "Rem")) {
       const field::Value name = ReadNameText(tree_, entry);
-      const Values named = {"NAME", name.IsThere() ? AdlText::Quoted(project_.TextOf(name)) : ""};
-      text_.Line(entry.label, name.IsThere() ? named : ValuesOf(entry));
+      const Values named = {"NAME", name.IsGiven() ? AdlText::Quoted(project_.TextOf(name)) : ""};
+      text_.Line(entry.label, name.IsGiven() ? named : ValuesOf(entry));
       return;
     }
     text_.Line(entry.label, StampedValuesOf(entry, FewestValues(entry)));
@@ -430,7 +442,6 @@ class ProjectWriter {
     text_.Line(entry.label, values);
   }
 
-  const check::CheckedProject& checked_;
   const field::Project& project_;
   const field::Tree& tree_;
   const Plan& plan_;

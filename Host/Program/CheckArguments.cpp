@@ -30,7 +30,7 @@ bool IsFolder(const std::string& path) {
 
 }  // namespace
 
-void AddReadingOptions(CLI::App& command, RawReadingOptions& raw) {
+std::vector<std::string> AddProjectOptions(CLI::App& command, RawReadingOptions& raw) {
   command
       .add_option("--media", raw.mediaFolders,
                   "A folder to look for audio in, with all below\nit; may be given several times")
@@ -49,6 +49,11 @@ void AddReadingOptions(CLI::App& command, RawReadingOptions& raw) {
           "The encoding of the project's text, by a name\nthat iconv knows; otherwise found out")
       ->type_name("NAME")
       ->check(EncodingForm());
+  return {"--media", "--trust", "--encoding"};
+}
+
+void AddReadingOptions(CLI::App& command, RawReadingOptions& raw) {
+  AddProjectOptions(command, raw);
   command
       .add_option("--session-rate", raw.sessionRate,
                   "The sample rate of the session to spot into;\notherwise that of the first cut")

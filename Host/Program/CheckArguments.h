@@ -20,6 +20,8 @@ struct RawReadingOptions {
 
 /// Adds them to a command.
 void AddReadingOptions(CLI::App& command, RawReadingOptions& raw);
+/// Adds those that are about the project alone, not about the session: the names of all of them.
+std::vector<std::string> AddProjectOptions(CLI::App& command, RawReadingOptions& raw);
 
 /// Takes over what the validators have let through. Folders become absolute; whether they are there
 /// is not looked at.

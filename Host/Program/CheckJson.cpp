@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <system_error>
 
 #include "Check/Finding.h"
 #include "Program/JsonStream.h"
@@ -73,6 +77,15 @@ void WriteRun(JsonStream& json, const field::ChannelRun& run) {
   json.EndArray();
 }
 
+/// The number of a source that is told with its type, "I 2"; none for a file name.
+std::optional<std::int32_t> NumberOf(const std::string& source) {
+  const std::string word = source.substr(source.rfind(' ') + 1);
+  std::int32_t number = 0;
+  const char* const end = word.data() + word.size();
+  const auto [stop, error] = std::from_chars(word.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
 void WriteFade(JsonStream& json, const std::optional<field::Fade>& fade) {
   if (!fade) {
     json.Null();
@@ -87,7 +100,7 @@ void WriteFade(JsonStream& json, const std::optional<field::Fade>& fade) {
   json.Key("rendered");
   if (fade->rendered) {
     json.BeginObject();
-    json.Key("source").Text(fade->rendered->source);
+    json.Key("source").IntegerOrNull(NumberOf(fade->rendered->source));
     json.Key("in").IntegerOrNull(fade->rendered->in);
     json.EndObject();
   } else {

@@ -39,10 +39,10 @@ struct Group {
   [[nodiscard]] const Finding& First() const { return *findings.front(); }
 };
 
-std::vector<Group> GroupFindings(const CheckedProject& checked) {
+std::vector<Group> GroupFindings(const std::vector<Finding>& findings) {
   constexpr std::size_t kSeverities = 4;
   std::vector<Group> bySlot(check::kCodes.size() * kSeverities);
-  for (const Finding& finding : checked.findings) {
+  for (const Finding& finding : findings) {
     const std::size_t slot = static_cast<std::size_t>(finding.severity) * check::kCodes.size() +
                              static_cast<std::size_t>(finding.code);
     bySlot[slot].findings.push_back(&finding);
@@ -99,13 +99,18 @@ void WritePlaces(std::ostream& out, const Group& group) {
   }
 }
 
-void WriteGroup(std::ostream& out, const Group& group, bool colours) {
+void WriteGroupHead(std::ostream& out, const Group& group, bool colours) {
   const Finding& first = group.First();
   const SeverityLook look = LookOf(first.severity);
   out << "  " << (colours ? look.colour : "") << look.word << (colours ? kPlain : "") << "  "
       << RowOf(first.code).title;
   if (group.findings.size() > 1) out << ", " << group.findings.size() << " times";
   out << "  [" << RowOf(first.code).name << "]\n";
+}
+
+void WriteGroup(std::ostream& out, const Group& group, bool colours) {
+  WriteGroupHead(out, group, colours);
+  const Finding& first = group.First();
   WritePlaces(out, group);
   WriteWrapped(out, "      Effect: ", Printable(first.effect));
   WriteWrapped(out, "      Remedy: ", Printable(first.remedy));
@@ -142,8 +147,18 @@ void WriteHead(std::ostream& out, const CheckedProject& checked, bool colours) {
 void WriteCheckText(const CheckedProject& checked, bool colours, std::ostream& out) {
   WriteHead(out, checked, colours);
   if (checked.verdict == check::Verdict::Clean) return;
-  for (const Group& group : GroupFindings(checked)) WriteGroup(out, group, colours);
+  for (const Group& group : GroupFindings(checked.findings)) WriteGroup(out, group, colours);
   out << '\n';
+}
+
+void WriteFindingGroups(const std::vector<Finding>& findings, bool colours, std::ostream& out) {
+  for (const Group& group : GroupFindings(findings)) {
+    if (group.First().severity == Severity::Note) {
+      WriteGroupHead(out, group, colours);
+    } else {
+      WriteGroup(out, group, colours);
+    }
+  }
 }
 
 void CheckTotals::Count(check::Verdict verdict) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <vector>
 
 #include "Check/CheckProject.h"
 
@@ -10,6 +11,11 @@ namespace velmora::program {
 /// Tells a person what a check found: a head line, then the findings grouped by code, the worst
 /// first. A clean project is one line.
 void WriteCheckText(const check::CheckedProject& checked, bool colours, std::ostream& out);
+
+/// Findings grouped by code, the worst first: places, effect and remedy once for each group. Notes
+/// are one line a code.
+void WriteFindingGroups(const std::vector<check::Finding>& findings, bool colours,
+                        std::ostream& out);
 
 /// How many projects came to which verdict.
 struct CheckTotals {

@@ -78,6 +78,8 @@ struct RawOptions {
   RawTargets targets;
   std::string copyFolder;
   std::string prepare;
+  RawReadingOptions reading;
+  std::vector<std::string> forPrepare;  ///< options that go with --prepare alone
 };
 
 /// What --prepare stands for without a folder: a text that names none.
@@ -125,6 +127,32 @@ void AddAudioOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) 
       ->type_name("DIR");
 }
 
+/// What a preparation is to keep and to change. Answers the names of these options.
+std::vector<std::string> AddPreparingOptions(CLI::App& command, prepare::PrepareOptions& options) {
+  command.add_flag("--copy-media", options.copyMedia,
+                   "Copy the audio that stays as it is; otherwise\nit is linked");
+  command.add_flag("--keep-stereo", options.keepStereo,
+                   "Leave cuts whole that play all channels of a file");
+  command.add_flag("--keep-off", options.keepOff, "Keep events that are switched off");
+  command.add_flag("--resample", options.resample,
+                   "Bring audio of another sample rate to the\nproject's");
+  return {"--copy-media", "--keep-stereo", "--keep-off", "--resample"};
+}
+
+void AddPreparationOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
+  spot.add_flag(std::string("--prepare{") + kNoFolder + '}', raw.prepare,
+                "Spot what velmora prepare makes of the project,\nat its true position; "
+                "--prepare=DIR names the\nfolder to make, which must not exist or be empty;\n"
+                "the next seven options go with it alone");
+  raw.forPrepare = AddProjectOptions(spot, raw.reading);
+  for (std::string& name : AddPreparingOptions(spot, arguments.preparation)) {
+    raw.forPrepare.push_back(std::move(name));
+  }
+  spot.add_flag("--true-position", arguments.truePosition,
+                "Place every cut to the sample where the project\nhas it, whatever the session "
+                "makes of its timecode");
+}
+
 /// What --host does, from the table of hosts.
 std::string HostHelp() {
   std::string help = "Where the regions go:";
@@ -147,12 +175,7 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
                   "30df, 23.976;\notherwise that of the project's first cut")
       ->type_name("CODE")
       ->check(FrameRateForm());
-  spot.add_flag(std::string("--prepare{") + kNoFolder + '}', raw.prepare,
-                "Spot what velmora prepare makes of the project,\nat its true position; "
-                "--prepare=DIR names the\nfolder to make, which must not exist or be empty");
-  spot.add_flag("--true-position", arguments.truePosition,
-                "Place every cut to the sample where the project\nhas it, whatever the session "
-                "makes of its timecode");
+  AddPreparationOptions(spot, arguments, raw);
   spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
@@ -194,9 +217,13 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   }
 
   arguments.prepare = spot.count("--prepare") > 0;
-  if (arguments.prepare && raw.prepare != kNoFolder) {
-    arguments.prepareInto = AbsolutePath(raw.prepare);
+  for (const std::string& name : raw.forPrepare) {
+    if (!arguments.prepare && spot.count(name) > 0) return name + " goes with --prepare alone";
   }
+  arguments.preparation.check = FinishReadingOptions(raw.reading, spot);
+  arguments.preparation.check.sessionRate = arguments.sessionRate;
+  arguments.preparation.check.sessionFrameRate = arguments.sessionFrameRate;
+  if (raw.prepare != kNoFolder) arguments.preparation.into = AbsolutePath(raw.prepare);
   arguments.truePosition = arguments.truePosition || arguments.prepare;
 
   if (spot.count("--copy-to") > 0 && raw.copyFolder.empty()) {
@@ -245,14 +272,7 @@ void AddPrepareOptions(CLI::App& prepare, PrepareArguments& arguments, RawPrepar
                   "The folder to make, with the project and Audio/;\nit must not exist or be empty")
       ->type_name("DIR");
   AddReadingOptions(prepare, raw.reading);
-  prepare::PrepareOptions& options = arguments.options;
-  prepare.add_flag("--copy-media", options.copyMedia,
-                   "Copy the audio that stays as it is; otherwise\nit is linked");
-  prepare.add_flag("--keep-stereo", options.keepStereo,
-                   "Leave cuts whole that play all channels of a file");
-  prepare.add_flag("--keep-off", options.keepOff, "Keep events that are switched off");
-  prepare.add_flag("--resample", options.resample,
-                   "Bring audio of another sample rate to the\nproject's");
+  AddPreparingOptions(prepare, arguments.options);
   prepare.add_flag("--json", arguments.json, "As one JSON object on standard output");
 }
 

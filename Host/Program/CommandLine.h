@@ -34,7 +34,8 @@ struct SpotArguments {
   host::HostChoice host;                         ///< its target, if any, as an absolute path
   TargetRequests targets;                        ///< beside the host's own
   bool prepare = false;                          ///< spots a prepared project
-  std::string prepareInto;    ///< absolute path; empty: a folder with a free name
+  /// For `prepare`. Its `into` is empty for a folder with a free name.
+  prepare::PrepareOptions preparation;
   bool truePosition = false;  ///< without the compensation; always so with `prepare`
   bool json = false;
   bool quiet = false;

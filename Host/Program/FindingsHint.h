@@ -8,9 +8,9 @@
 
 namespace velmora::program {
 
-/// Says on standard error, in one line that names `velmora check`, how many findings of a project
-/// fail, misplace or lose something; nothing if there is none, or if the file cannot be read at
-/// all. Looks for audio only where the system does, so that no folder is walked through.
+/// Says on standard error, in one line that names `velmora check`, what becomes of a project that
+/// fails, misplaces or loses something; nothing of a clean one, or of a file that cannot be read.
+/// Looks for audio only where the system does, so that no folder is walked through.
 /// @param failure of the load; none if the project loaded. A file that could not be read is not
 /// tried
 ///                again.

@@ -147,6 +147,8 @@ int WithHint(const SpotArguments& arguments, const ViewModel& model, int status)
 
 int RunSpotCommand(const SpotArguments& given) {
   SpotArguments arguments = given;
+  const std::string badFolder = ComplaintAboutMediaFolders(arguments.preparation.check);
+  if (!badFolder.empty()) return BadUsage(badFolder, "spot");
   SpotTargets targets;
   const std::string refusal = targets.Claim(arguments);
   if (!refusal.empty()) return BadUsage(refusal, "spot");

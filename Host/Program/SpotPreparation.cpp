@@ -1,8 +1,13 @@
 #include "Program/SpotPreparation.h"
 
+#include <stdlib.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "Base/FileAccess.h"
 #include "Base/FileNames.h"
@@ -15,39 +20,70 @@
 namespace velmora::program {
 namespace {
 
-/// A free name beside what the spot makes: the session's file, else the folder of copies, else the
-/// project.
-std::string FreeFolder(const SpotArguments& arguments) {
-  std::string neighbour = arguments.project;
-  if (!arguments.copyFolder.empty()) neighbour = arguments.copyFolder;
-  if (!arguments.host.target.empty()) neighbour = arguments.host.target;
+/// A folder that nobody has asked for by name.
+struct OwnFolder {
+  std::string path;
+  std::string complaint;  ///< why there is none
+  bool made = false;      ///< it is there already, and empty
+};
+
+std::string NameStart(const SpotArguments& arguments) {
+  const std::string name = FileNameOf(arguments.project);
+  return name.substr(0, name.size() - ExtensionOf(name).size()) + " prepared";
+}
+
+/// A free name beside the session's file or the folder of copies.
+OwnFolder FolderBeside(std::string neighbour, const std::string& name) {
   while (neighbour.size() > 1 && neighbour.back() == '/') neighbour.pop_back();
-  std::string name = FileNameOf(arguments.project);
-  name = name.substr(0, name.size() - ExtensionOf(name).size()) + " prepared";
   const std::string start = FolderOf(neighbour) + '/' + name;
   std::string folder = start;
   for (int number = 2; LookUpName(folder.c_str()) == NameState::Held; ++number) {
     folder = start + ' ' + std::to_string(number);
   }
-  return folder;
+  return {folder, "", false};
+}
+
+/// A new folder among the system's temporary ones.
+OwnFolder TemporaryFolder(const std::string& name) {
+  std::error_code error;
+  const std::filesystem::path place = std::filesystem::temp_directory_path(error);
+  if (error) return {"", "there is no folder for temporary files: " + error.message(), false};
+  std::string path = (place / (name + " XXXXXX")).string();
+  if (mkdtemp(path.data()) == nullptr) {
+    return {"", path + " cannot be made: " + std::strerror(errno), false};
+  }
+  return {path, "", true};
+}
+
+OwnFolder FindFolder(const SpotArguments& arguments) {
+  const std::string name = NameStart(arguments);
+  if (!arguments.host.target.empty()) return FolderBeside(arguments.host.target, name);
+  if (!arguments.copyFolder.empty()) return FolderBeside(arguments.copyFolder, name);
+  return TemporaryFolder(name);
 }
 
 }  // namespace
 
 SpotPreparation PrepareForSpot(const SpotArguments& arguments) {
-  prepare::PrepareOptions options;
-  options.into = arguments.prepareInto;
+  SpotPreparation preparation;
+  prepare::PrepareOptions options = arguments.preparation;
+  OwnFolder own;
   if (options.into.empty()) {
-    options.into = FreeFolder(arguments);
+    own = FindFolder(arguments);
+    if (!own.complaint.empty()) {
+      preparation.status = BadUsage("--prepare: " + Printable(own.complaint), "spot");
+      return preparation;
+    }
+    options.into = own.path;
     // Nobody chose this folder, so it leans on nothing: all that the session names lies in it.
     options.copyMedia = true;
   }
-  if (arguments.sessionRate) options.check.sessionRate = *arguments.sessionRate;
-  options.check.sessionFrameRate = arguments.sessionFrameRate;
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   const prepare::Prepared prepared = CheckAndPrepare(arguments.project, options, showsBar);
 
-  SpotPreparation preparation;
+  const bool done =
+      prepared.outcome == prepare::Outcome::Done || prepared.outcome == prepare::Outcome::Left;
+  if (own.made && !done) rmdir(own.path.c_str());
   switch (prepared.outcome) {
     case prepare::Outcome::Done:
     case prepare::Outcome::Left:
@@ -66,7 +102,8 @@ SpotPreparation PrepareForSpot(const SpotArguments& arguments) {
       return preparation;
   }
   std::cerr << "velmora: prepared in " << Printable(options.into)
-            << (arguments.prepareInto.empty() ? ", which stays: the session needs its audio" : "")
+            << (arguments.preparation.into.empty() ? ", which stays: the session needs its audio"
+                                                   : "")
             << '\n';
   PrintLeft(prepared, std::cerr);
   preparation.project = prepared.projectPath;

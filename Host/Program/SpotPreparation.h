@@ -13,8 +13,10 @@ struct SpotPreparation {
   bool whole = true;    ///< nothing is left that fails, is misplaced or lost
 };
 
-/// Prepares the project of a spot into the folder that was asked for, or into one with a free name
-/// that stays: the session's regions name what lies in it. Says on standard error where it is.
+/// Prepares the project of a spot into the folder that was asked for, or into one beside the
+/// session's file or the folder of copies, or else into a new one among the system's temporary
+/// folders. It stays: the session's regions name what lies in it. Says on standard error where it
+/// is.
 [[nodiscard]] SpotPreparation PrepareForSpot(const SpotArguments& arguments);
 
 }  // namespace velmora::program

@@ -17,8 +17,8 @@ namespace velmora::program {
 /// Cells of a terminal that a UTF-8 text takes: East Asian wide characters take two.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);
 
-/// A text as one line that harms no terminal: control characters are blanks, what is not UTF-8 is
-/// U+FFFD.
+/// A text as one line that harms no terminal: control characters and those that turn a line's
+/// direction are blanks, what is not UTF-8 is U+FFFD.
 [[nodiscard]] std::string Printable(std::string_view text);
 
 enum class Align { Left, Right };

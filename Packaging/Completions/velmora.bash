@@ -33,15 +33,16 @@ _velmora() {
     spot)
       options+=' --position --offset --start --skip-tracks --only-tracks --skip-events --only-events
         --depth --fades --gain --copy-to --session-rate --session-frame-rate --prepare
-        --true-position --host --json --quiet'
+        --media --trust --encoding --copy-media --keep-stereo --keep-off --resample --true-position --host --json --quiet'
       case $before in
         --position) _velmora_offer "$typed" -W 'project offset start first' && return ;;
         --depth) _velmora_offer "$typed" -W '16 24' && return ;;
         --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
         --host) _velmora_offer "$typed" -W 'embedded' && return ;;
         :) _velmora_offer_files "$typed" '*.json' && return ;;
-        --copy-to | --prepare) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
-        --offset | --start | --skip-* | --only-* | --session-rate) return ;;
+        --copy-to | --prepare | --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
+        --offset | --start | --skip-* | --only-* | --session-rate | --encoding) return ;;
       esac
       ;;
     check)

@@ -24,6 +24,13 @@ _velmora_spot() {
     "--session-rate[the session's sample rate]:Hz: " \
     "--session-frame-rate[the session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
     '--prepare[spot what prepare makes of the project]' \
+    '--media[a folder to look for audio in]:folder:_files -/' \
+    '--trust[what tells the rates of times]:what:(marks header)' \
+    "--encoding[the encoding of the project's text]:encoding: " \
+    '--copy-media[copy audio that stays as it is]' \
+    '--keep-stereo[leave cuts of whole files whole]' \
+    '--keep-off[keep events that are switched off]' \
+    "--resample[bring audio to the project's sample rate]" \
     '--true-position[place every cut where the project has it]' \
     '--host[where the regions go]:host:(embedded)' \
     '--json[tell every step as JSON Lines]' \

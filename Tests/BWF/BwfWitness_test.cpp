@@ -1,9 +1,7 @@
 // What other programs make of our files, and we of theirs. Needs sox, soxi and sndfile-info.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -15,32 +13,12 @@
 #include "Support/BwfReference.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
+#include "Support/Witness.h"
 
 namespace velmora::test {
 namespace {
 
 using Ints = std::vector<std::int32_t>;
-
-// Runs a command and returns its standard output. Anything but success fails the test.
-std::string OutputOf(const std::string& command) {
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) {
-    ADD_FAILURE() << "cannot run " << command;
-    return {};
-  }
-  std::string output;
-  char buffer[65536];
-  for (std::size_t got = 0; (got = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-    output.append(buffer, got);
-  }
-  const int status = pclose(pipe);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << command;
-  return output;
-}
-
-std::string Quoted(const std::string& path) {
-  return "'" + path + "'";
-}
 
 // The words of a listing, without its columns and colons.
 std::string Squeezed(const std::string& listing) {

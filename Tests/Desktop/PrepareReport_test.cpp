@@ -99,6 +99,7 @@ TEST(OutcomeText, onlyWhatIsPreparedIsLoaded) {
 Prepared Full() {
   Prepared prepared = WithOutcome(Outcome::Left);
   prepared.left = {Left(check::Severity::Lost, "x.wav is nowhere."),
+                   Left(check::Severity::Lost, "y.wav too."),
                    Left(check::Severity::Note, "Names go unused.")};
   prepared.changes = {{check::Code::Channels, 20, 3, {}, "Split."},
                       {check::Code::FadeSeparator, 12, 1, {}, "Mark written."},
@@ -109,10 +110,10 @@ Prepared Full() {
 
 TEST(DescribePrepared, whatIsLeftFirstThenChangesByKindThenFiles) {
   EXPECT_EQ(DescribePrepared(Full(), 100),
-            "Left, in the lines of the new project (1)\n"
+            "Left in the new project: Audio files that are nowhere (2)\n"
             "  Line 8, source 2: x.wav is nowhere.\n"
-            "    Silence.\n"
-            "    Add the folder.\n"
+            "    Silence. Add the folder.\n"
+            "  Line 8, source 2: y.wav too.\n"
             "\n"
             "Changed: Fade lengths with another mark than ; or , before the frames (2)\n"
             "  Line 12, event 1: Mark written.\n"
@@ -124,10 +125,8 @@ TEST(DescribePrepared, whatIsLeftFirstThenChangesByKindThenFiles) {
             "Audio files (1)\n"
             "  a.wav: linked from /media/a.wav\n"
             "\n"
-            "Worth knowing, in the lines of the new project (1)\n"
-            "  Line 8, source 2: Names go unused.\n"
-            "    Silence.\n"
-            "    Add the folder.\n");
+            "Worth knowing\n"
+            "  Audio files that are nowhere (1)\n");
 }
 
 TEST(DescribePrepared, longGroupsAreCutAndSayByHowMany) {

@@ -36,6 +36,8 @@ TEST(ReadSources, valuesOfASource) {
        "\"URL:file://localhost/V/a b.wav\" USID " + kStart + " " + kLength + " \"a b\" N",
        "URL:file://localhost/V/a b.wav", "USID", 1, 10, "a b"},
       {"not given", "\"a.wav\" _ _ _ _ N", "a.wav", "", none, none, ""},
+      {"nor the last one", "\"a.wav\" _ _ _ _ _", "a.wav", "", none, none, ""},
+      {"a name, but no last one", "\"a.wav\" _ _ _ take 1 _", "a.wav", "", none, none, "take 1"},
       {"four values", "\"a.wav\" _ " + kStart + " " + kLength, "a.wav", "", 1, 10, ""},
       {"a location alone", "\"a.wav\"", "a.wav", "", none, none, ""},
       {"a location and a reference", "\"a.wav\" USID", "a.wav", "USID", none, none, ""},

@@ -155,6 +155,8 @@ TEST(ReadTree, brackets) {
       {"a tag without its bracket", "<ADL> <A (x) 1 </A> </ADL>", "A{x=1}", "bracket <A"},
       {"a closing tag that a value touches", "<ADL> <A> (x) 1</A> <B> </B> </ADL>", "A{x=1} B{}",
        "bracket </A>"},
+      {"a closing tag inside a value", "<ADL> <A> (x) 1</A>2 3</A> 4\n(y) 5</A> </ADL>",
+       "A{x=1</A>2,3</A>,4 y=5}", "bracket </A>"},
       {"an arrow on the line of values", "<ADL> <A> (x) a <-- b </A> </ADL>", "A{x=a,<--,b}",
        "bracket <--"},
   });
@@ -188,8 +190,10 @@ TEST(ReadTree, comments) {
       {"no word may stand before its end", "<ADL> /**/ <A> /*/ (x) 1 </A> </ADL>", "A{x=1}", ""},
       {"inside a value it is none", "<ADL> <A> (x) a/*b*/ \"/* c */\" </A> </ADL>",
        "A{x=a/*b*/,\"/* c */\"}", ""},
-      {"one that nothing closes ends with its line", "<ADL> <A> (x) 1 /* open\n(y) 2 </A> </ADL>",
-       "A{x=1 y=2}", "comment /* open"},
+      {"one that nothing closes ends with its line", "<ADL> <A> /* open\n(y) 2 </A> </ADL>",
+       "A{y=2}", ""},
+      {"among values it is a value", "<ADL> <A> (x) 1 /*open 3\n(y) 2 </A> </ADL>",
+       "A{x=1,/*open,3 y=2}", ""},
       {"the outer tag in one", "/* <ADL> */ <ADL> <A> </A> </ADL>", "A{}", "before /* <ADL> */ "},
   });
   const std::string text = "<ADL> /* a */ <A> (x) 1 /* b */ </A> /*c*/ </ADL>";
@@ -215,6 +219,8 @@ TEST(ReadTree, textBeforeTheOpeningTag) {
       {"both", "\xEF\xBB\xBF\r\n<ADL> <A> </A> </ADL>", "A{}", "mark \xEF\xBB\xBF; before \r\n"},
       {"a section there is passed over", "<B> (y) 1 </B> <ADL> <A> </A> </ADL>", "A{}",
        "before <B> (y) 1 </B> "},
+      {"a tag of two words is another one", "<ADL v> <ADL> <A> </A> </ADL>", "A{}",
+       "before <ADL v> "},
       {"a tag that only begins like it", "<ADLX> <ADL> <A> </A> </ADL>", "A{}", "before <ADLX> "},
   });
 }
@@ -255,6 +261,8 @@ TEST(ReadTree, referenceLists) {
        "<ADL> <ref_list> <ref> <REF_LIST> <REF> <A> (x) </A> </REF> </REF_LIST> <B> </B> </ref> "
        "</ref_list> <C> </C> </ADL>",
        "ref A{x=} ref B{} C{}", ""},
+      {"one that nothing closes", "<ADL> <REF_LIST> <REF> <A> (x) 1 </A> </REF> <C> </C> </ADL>",
+       "REF{} A{x=1} C{}", "tag <REF_LIST>; tag <A>"},
       {"words between its blocks mean nothing",
        "<ADL> <REF_LIST> some words <REF> <A> </A> </REF> 12 </REF_LIST> <C> </C> </ADL>",
        "ref A{} C{}", ""},

@@ -347,6 +347,31 @@ TEST_F(MediaSearchTest, locationsThatSayNothing) {
   EXPECT_EQ(Told(Find(Wanted())), "missing");
 }
 
+TEST_F(MediaSearchTest, endlessLocationsTakeNoTime) {
+  const test::Watchdog watchdog;
+  EXPECT_EQ(Told(Find(std::string(1000000, '/') + "x.wav")), "missing");
+  std::string folders;
+  for (int i = 0; i < 300000; ++i) folders += "a%2F";
+  EXPECT_EQ(Told(Find("URL:file://localhost/" + folders + "x.wav")), "missing");
+  Put("p/deep/x.wav");
+  EXPECT_EQ(Told(Find("URL:file://localhost/" + folders + "x.wav")), "name p/deep/x.wav");
+}
+
+TEST_F(MediaSearchTest, largeCopiesAreOneFileAndLargeTakesAreNot) {
+  constexpr std::size_t kFrames = 400000;
+  Put("m/a/x.wav", {.frames = kFrames, .content = 1});
+  Put("m/b/x.wav", {.frames = kFrames, .content = 1});
+  FolderListings listings;
+  MediaSearch search(listings, Path("p"), {Path("m")});
+  const Wanted x = Quoted("URL:file:///V/x.wav");
+  EXPECT_EQ(Told(search.Find(x)), "name m/a/x.wav");
+  EXPECT_EQ(Told(search.Find(x)), "name m/a/x.wav") << "from memory";
+  // Other contents under the same names: what is known of the old ones does not count.
+  std::filesystem::remove(Path("m/b/x.wav"));
+  Put("m/b/x.wav", {.frames = kFrames, .content = 2});
+  EXPECT_EQ(Told(Find(x, {"m"})), "ambiguous m/a/x.wav m/b/x.wav");
+}
+
 TEST_F(MediaSearchTest, withoutQuotationMarksTheSystemLosesTheEnds) {
   Put("p/x.wav");
   Wanted wanted = Quoted("URL:file://localhost/V/x.wav");

@@ -16,7 +16,7 @@
 #include "Media/Conversion.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
-#include "Witness.h"
+#include "Support/Witness.h"
 
 namespace velmora::media {
 namespace {

@@ -44,7 +44,7 @@ class LeftOutCuts(ProgramTest):
         result = self.spot(project)
         self.assert_named(result, "event 1", "gone.wav")
         self.assertEqual(len(result.of("region")), 1)
-        self.assert_named(result, "1 finding: 1 loses something", f"velmora check {project}")
+        self.assert_named(result, "this project loses something", f"velmora check {project}")
         self.assertEqual(len(result.err.split("\n")), 3)
 
     def test_sourceNumberThatTheIndexLacks(self):

@@ -190,7 +190,7 @@ class WithoutAdl(InfoTest):
     """A text that does not begin with <ADL> loads as nothing: a person is told so, not shown tables of nothing."""
 
     def test_textSaysSoAndShowsNoTable(self):
-        no_adl = "velmora: this is no ADL that can be read; see velmora check {}\n"
+        no_adl = "velmora: this is no ADL; velmora check {} says why and what helps\n"
         for content, hint in [(b"", no_adl), (b"hello", no_adl), (b"\xef\xbb\xbf<ADL>\n</ADL>\n", ""),
                               (b" <ADL>\n</ADL>\n", "")]:
             with self.subTest(content):

@@ -176,7 +176,10 @@ class Leftovers(ProgramTest):
             m.index(2, location="URL:file://localhost/Volumes/Audio/Take.aif", length=m.stamp(7)),
             events=m.cut() + m.cut(2, source=2)), files={"A/take.wav": WAVE, "B/take.wav": STEREO})
         self.assert_status(prepared, LEFT_OUT)
-        self.assertEqual(self.left_of(prepared), ["media-missing"])
+        self.assertEqual(self.left_of(prepared), ["media-ambiguous", "media-missing"])
+        told = str([item for item in prepared.json["left"] if item["code"] == "media-ambiguous"])
+        self.assertIn("A/take.wav", told)
+        self.assertIn("B/take.wav", told)
         sources = m.meant(self.folder / "out/Show.adl")["sources"]
         self.assertIsNotNone(sources[0]["file"])
         self.assertIsNone(sources[1]["file"])
@@ -229,7 +232,23 @@ class Leftovers(ProgramTest):
         prepared = self.prepare(text, files={"take.wav": material.wave_of(m.packed(m.samples(600000)), rate=96000)})
         self.assert_status(prepared, ALL_DONE)
         self.assertEqual(self.left_of(prepared), ["rate-compensated"])
-        self.assertIn("--true-position", str(prepared.json["left"]))
+        self.assertEqual([item["remedy"] for item in prepared.json["left"] if item["code"] == "rate-compensated"],
+                         ["Spot it with velmora spot --true-position."])
+
+    def test_changes_say_what_became_of_each(self):
+        prepared = self.prepare(m.project(
+            header=m.HEADER.replace("01.00:00:00/0000", "01.00.00.00/0000"),
+            events=m.cut(more=f"(Infade) _ LIN _ _ _ (Outfade) {m.stamp(3840, separator='.')} LIN _ _ _ "
+                               "(Rem) NAME _") +
+            m.cut(2, channels="2", tracks="3", more='(Rem) NAME "\uc74c\u6ce2"')), files={"take.wav": STEREO})
+        texts = {(item["code"], item["entry"]): item["text"] for item in prepared.json["changes"]}
+        self.assertEqual(texts["fade-form", 1], "Fade left out: it has no length.")
+        self.assertEqual(texts["fade-separator", 1],
+                         f"Fade length written as {m.stamp(3840, separator=';')}.")
+        self.assertEqual(texts["channels", 2], "Made a mono cut of a mono file.")
+        self.assertIn("?\u6ce2", texts["text-encoding", 2])
+        self.assertIn("(Rem) NAME _\n", (self.folder / "out/Show.adl").read_text("shift-jis"))
+        self.assertIn("(SEQ_DEST_START) 01.00.00.00/0000", (self.folder / "out/Show.adl").read_text("shift-jis"))
 
     def test_notes_are_kept_and_carried_over(self):
         text = m.project(
@@ -300,7 +319,7 @@ class Usage(ProgramTest):
                                           events=m.cut(status="D") + m.cut(2) + m.cut(3, source=2)))
         told = run("prepare", self.project, "--into", self.folder / "out")
         self.assert_status(told, LEFT_OUT)
-        for words in ("event-off", "line 19, event 1", "linked", "take.wav", "media-missing", str(self.folder / "out/Show.adl")):
+        for words in ("event-off", "line 19, entry 1", "linked", "take.wav", "media-missing", str(self.folder / "out/Show.adl")):
             self.assertIn(words, told.out)
         self.assertNotIn("\u001b", told.out)
 

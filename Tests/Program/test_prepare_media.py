@@ -87,7 +87,7 @@ class Media(ProgramTest):
         self.assertEqual(m.decoded(self.out / "Audio/take.wav")[:10],
                          [0, 1 << 22, -(1 << 23), (1 << 23) - 1, (1 << 23) - 1, -(1 << 23), 2, 0, 0, 1 << 21])
         text = next(change["text"] for change in prepared["changes"] if change["code"] == "media-kind")
-        self.assertRegex(text, r"\+6\.02 dBFS")
+        self.assertRegex(text, r"rounded to 24-bit PCM.*\+6\.02 dBFS")
 
     def test_headers_that_mislead_are_written_anew(self):
         audio = m.packed(LEFT)
@@ -199,6 +199,7 @@ class Media(ProgramTest):
         # One channel of it fits as it is; all four do not.
         prepared = self.prepare(text.replace(" 1 1 1 ", " 1 1~4 1~4 "), "--keep-stereo", status=LEFT_OUT)
         self.assertEqual(self.made(prepared), [("converted", "take.wav")])
+        self.assertIn("480 samples from sample", str(prepared["changes"]))
         made = self.out / "Audio/take.wav"
         self.assertLess(made.stat().st_size, 10000)
         self.assertEqual(m.decoded(made)[:8], m.interleaved(LEFT, RIGHT, LEFT, RIGHT)[480 * 4:480 * 4 + 8])

@@ -6,7 +6,7 @@ import unittest
 
 import material
 import prepare_material as m
-from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT, ProgramTest, run
+from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT, ProgramTest, environment, run
 
 HOUR = 3600 * m.SECOND
 STEREO = material.wave_of(m.packed(m.samples(10 * m.SECOND)), channels=2)
@@ -122,11 +122,31 @@ class SpotPrepare(ProgramTest):
     def test_folder_of_its_own_leans_on_nothing(self):
         (self.source / "plain.wav").write_bytes(material.wave_of(m.packed(m.samples(m.SECOND))))
         self.project.write_text(m.project(sources=m.index(name="plain.wav"), events=m.cut(length=480)))
+        before = m.checksums(self.source)
+        temporary = self.folder / "tmp"
+        temporary.mkdir()
+        env = environment(TMPDIR=temporary)
         copies = self.folder / "copies"
-        self.assert_status(run("spot", self.project, "--prepare", "--copy-to", copies), ALL_DONE)
-        self.assert_status(run("spot", self.project, "--prepare"), ALL_DONE)
-        for folder in (self.folder / "Show prepared", self.source / "Show prepared"):
+        self.assert_status(run("spot", self.project, "--prepare", "--copy-to", copies, env=env), ALL_DONE)
+        self.assertEqual(list(temporary.iterdir()), [])
+        for _ in range(2):
+            spot = run("spot", self.project, "--prepare", "--json", env=env)
+            self.assert_status(spot, ALL_DONE)
+            self.assertTrue(os.path.exists(material.decoded(spot.of("region")[0]["message"])["path"]))
+        folders = [self.folder / "Show prepared", *temporary.iterdir()]
+        self.assertEqual(len(folders), 3)
+        for folder in folders:
             self.assertFalse((folder / "Audio/plain.wav").is_symlink(), folder)
+            self.assertTrue((folder / "Audio/plain.wav").is_file(), folder)
+        self.assertEqual(m.checksums(self.source), before)
+
+    def test_failed_preparation_leaves_no_temporary_folder(self):
+        temporary = self.folder / "tmp"
+        temporary.mkdir()
+        self.project.write_text("hello")
+        self.assert_status(run("spot", self.project, "--prepare", env=environment(TMPDIR=temporary)), DOES_NOT_LOAD)
+        self.assertEqual(list(temporary.iterdir()), [])
+        self.assert_status(run("spot", self.project, "--prepare", env=environment(TMPDIR=self.folder / "none")), BAD_USAGE)
 
     def test_other_options_keep_working(self):
         out = self.folder / "out"
@@ -146,6 +166,18 @@ class SpotPrepare(ProgramTest):
         self.assertIn("cut-outside-file", spot.err)
         self.assertIn("source-missing", spot.err)
         self.assertEqual(len(positions(spot)), 2)
+
+    def test_options_of_prepare_go_with_it_alone(self):
+        (self.folder / "takes").mkdir()
+        os.rename(self.source / "my take.wav", self.folder / "takes/my take.wav")
+        spot = run("spot", self.project, f"--prepare={self.folder / 'out'}", "--json", "--media", self.folder / "takes",
+                   "--keep-off", "--copy-media", "--trust", "marks")
+        self.assertEqual(len(positions(spot)), 3)
+        for options in (["--media", self.folder], ["--trust", "header"], ["--encoding", "GBK"], ["--keep-off"],
+                        ["--keep-stereo"], ["--copy-media"], ["--resample"]):
+            with self.subTest(options=options):
+                self.assert_bad_usage(run("spot", self.project, *options), options[0], "--prepare")
+        self.assert_bad_usage(run("spot", self.project, "--prepare", "--media", self.folder / "none"), "--media")
 
     def test_statuses(self):
         full = self.folder / "full"

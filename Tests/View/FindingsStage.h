@@ -62,6 +62,8 @@ class CheckGate {
 
 // Holds the checks of projects of this name back.
 std::shared_ptr<CheckGate> SlowChecks(const std::string& name);
+// All checks run out of memory.
+void BrokenChecks();
 // Holds back all preparations.
 std::shared_ptr<CheckGate> SlowPreparations();
 

@@ -1,6 +1,7 @@
 #import "View/FindingsStage.h"
 
 #include <filesystem>
+#include <new>
 
 #import "View/Checks.h"
 #import "View/Driver.h"
@@ -159,6 +160,14 @@ std::shared_ptr<CheckGate> SlowChecks(const std::string& name) {
     });
   });
   return gate;
+}
+
+void BrokenChecks() {
+  OnMain([] {
+    Checks()->UseChecker([](const auto&, const auto&, const auto&) -> check::CheckedProject {
+      throw std::bad_alloc();
+    });
+  });
 }
 
 std::shared_ptr<CheckGate> SlowPreparations() {

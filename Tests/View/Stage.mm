@@ -43,8 +43,9 @@ void Stop(id bar, SEL, id) {
 int reloads = 0;
 void (*originalReload)(id, SEL) = nullptr;
 
+// The findings' table, in a panel, reloads when a check has ended.
 void Reload(id table, SEL selector) {
-  ++reloads;
+  if ([(NSTableView*)table window] == Window()) ++reloads;
   originalReload(table, selector);
 }
 

@@ -16,10 +16,11 @@ HABITS = (
     "fade marks", "fade short", "marks alike", "other frames", "other rates", "short stamps", "no start", "byte order mark",
     "preface", "stray section", "stray line", "comments", "next line", "cut off", "entry twice", "entry missing", "index name",
     "index twice", "index missing", "locations", "elsewhere", "kinds", "chunks", "stereo", "off", "empty", "curves", "overlong",
-    "gains", "encoding", "outside", "silence", "lists", "status missing", "header", "names")
+    "gains", "encoding", "outside", "silence", "lists", "status missing", "header", "names",
+    "off grid", "high rate", "rendered", "any order")
 
 _MARKS = [(mark, separator) for mark, separator in stamps.TABLE_MARKS]
-_RATES = {"/": 48000, "|": 44100}
+_RATES = {"/": 48000, "|": 44100, "*": 96000, "@": 88200}
 _WORDS = ("voice", "sea", "gale", "take 7", "room-tone", "x", "amb_L")
 _JAPANESE = ("嵐の夜", "効果音ソ", "表示", "予報")
 _FOREIGN = {"utf-8": ("嵐の夜", "Überfahrt", "録音"), "gbk": ("录音电话", "声音文件"), "cp1252": ("Möwe über Räumen", "Fähre nach Süden")}
@@ -50,13 +51,15 @@ class Project:
         self.seed = seed
         self.habits = self._some_habits() if dirty else set()
         rng = self.rng
-        self.rate_mark = rng.choice("//|")
+        self.rate_mark = rng.choice("*@" if "high rate" in self.habits else "//|")
         self.rate = _RATES[self.rate_mark]
         self.mark, self.separator = rng.choice(_MARKS)
         self.codec = shift_jis.NAME
         if "encoding" in self.habits:
             self.codec = rng.choice(tuple(_FOREIGN))
         self.origin = self._on_grid(rng.choice((0, 3600, 3600, 36000)) * self.rate + rng.randrange(10 * self.rate))
+        if "off grid" in self.habits:
+            self.origin += rng.randrange(1, 1400)
         self.sources = [self._source(index) for index in rng.sample(range(1, 40), rng.randrange(1, 5))]
         self.cuts = []
         self._make_cuts()
@@ -117,6 +120,12 @@ class Project:
             if "names" in self.habits or rng.random() < 0.2:
                 cut.name = rng.choice(("Ada, off", "rain", "x (2)"))
             self.cuts.append(cut)
+        if "any order" in self.habits:
+            # The earliest cut is not the first in the text, whose rate is the project's.
+            positions = [(cut.position, cut.end) for cut in self.cuts]
+            rng.shuffle(positions)
+            for cut, (position, _) in zip(self.cuts, positions):
+                cut.position, cut.end = position, position + cut.end - cut.position
 
     def _reach_outside(self, source, offset, length):
         """Past the end, before the beginning, or both; something is always left inside. No source whose start is in
@@ -135,6 +144,8 @@ class Project:
         if "fade short" in self.habits:
             frame = stamps.samples(stamps.stamp(count, self.mark, ";", self.rate_mark)[:12] + "0000")
             count = frame or count
+        if "rendered" in self.habits and rng.random() < 0.5:
+            return Fade(count, "CURVE", (-12.5, None, -2.5), (rng.choice(range(1, 50)), rng.randrange(100000)))
         if "curves" in self.habits:
             return Fade(count, "CURVE", (-12.5, -6.0, rng.choice((None, -2.5))))
         return Fade(count)

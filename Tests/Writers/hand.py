@@ -8,6 +8,9 @@ _BLANK_LINES = ("\n", "\r\n", "\n", "\r\n", "\r")
 _KINDS = ("extensible", "float", "rf64", "bw64", "aiff")
 _HEADER_FRAMES = {"?": "30", "|": "30", ":": "29.97", "!": "25", ".": "25", "=": "24", "#": "24", "-": "23.976", "/": "24.975"}
 
+# Rates that any sample of the project's rate survives.
+_HIGHER_RATES = {"/": "*@", "|": "/*@", "@": "*"}
+
 
 class Hand:
     """After construction: `text` as bytes, `files` by relative path, `media` folders, all relative to the ADL."""
@@ -30,8 +33,8 @@ class Hand:
         mark, separator, rate, blank = project.mark, project.separator, project.rate_mark, ":"
         if first_cut:
             self.full_stamp_written = True
-        elif "other rates" in project.habits and self.full_stamp_written and rng.random() < 0.3:
-            rate = rng.choice({"/": "*@", "|": "/*@"}[rate])
+        elif rate in _HIGHER_RATES and "other rates" in project.habits and self.full_stamp_written and rng.random() < 0.3:
+            rate = rng.choice(_HIGHER_RATES[rate])
             count = self._at_rate(count, rate)
         if self.has("other frames", 0.5):
             mark, separator = rng.choice("?|:!./=#-"), rng.choice(":;.,|")
@@ -209,7 +212,8 @@ class Hand:
 
     def _fade_line(self, label, fade):
         levels = " ".join("_" if level is None else f"{level:.2f}" for level in fade.levels)
-        return f"{label} {self.fade_length(fade.length)} {fade.shape} {levels}"
+        rendered = f" I {fade.rendered[0]} {self.stamp(fade.rendered[1])}" if fade.rendered else ""
+        return f"{label} {self.fade_length(fade.length)} {fade.shape} {levels}{rendered}"
 
     # The whole
 

@@ -56,6 +56,11 @@ def nearest(ratio):
     return math.floor(ratio + fractions.Fraction(1, 2))
 
 
+def _number(text):
+    """A level in dB; what is written in another way than people write one is not judged."""
+    return float(text) if re.match(r'[+-]?\d+(\.\d*)?\Z', text) else ANY
+
+
 class Clock:
     """Turns stamps into samples at the project's rate."""
 
@@ -181,6 +186,8 @@ class Reading:
             elif entry.label == 'F' and current:
                 current.values = [self._text(value) for value in entry.values]
                 current.location = entry.value(0)
+                # The system takes the first and the last byte for quotation marks, whatever they are.
+                current.seen_by_system = entry.raw[0][1:-1] if entry.raw else None
         return found
 
     def _set_project_rate(self):
@@ -201,7 +208,7 @@ class Reading:
             source.path, source.rule = None, None
             if source.location:
                 source.path, source.rule = self.folders.find(search.Wanted(
-                    source.location, source.value(0), None if source.value(1) in _NOT_GIVEN else source.value(1),
+                    source.seen_by_system, source.value(0), None if source.value(1) in _NOT_GIVEN else source.value(1),
                     own_length and own_length[0], own_start and own_start[0]))
             source.facts = self.folders.facts_of(source.path) if source.path else None
             source.start = self._file_start(source)
@@ -294,7 +301,7 @@ class Reading:
         if not length:
             return None
         texts = [self._text(value) for value in entry.values]
-        levels = [None if text in _NOT_GIVEN else float(text) for text in (texts[2:5] + [None] * 3)[:3]]
+        levels = [None if text in _NOT_GIVEN else _number(text) for text in (texts[2:5] + [None] * 3)[:3]]
         rendered = None
         if len(texts) > 6:
             index = int(texts[6]) if re.match(r'\d+\Z', texts[6]) else ANY
@@ -309,7 +316,7 @@ class Reading:
                 channels = self._text(entry.values[0])
                 key = None if channels in _NOT_GIVEN else tuple(channel_list(channels))
                 told.pop(key, None)
-                told[key] = float(self._text(entry.values[1]))
+                told[key] = _number(self._text(entry.values[1]))
         return [{'channels': None if key is None else list(key), 'dB': level} for key, level in told.items()]
 
 
@@ -321,7 +328,7 @@ def _edit(group, label, last=False):
 class _Source:
     def __init__(self, index):
         self.index = index
-        self.location = None
+        self.location = self.seen_by_system = None
         self.values = []
         self.told = self.path = self.rule = self.facts = self.start = None
 

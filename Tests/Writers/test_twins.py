@@ -5,6 +5,7 @@ import unittest
 from field_tools import HARMFUL, FieldTest, brief, harmful
 from layout import lay_out
 from meaning import Reading, differences
+from program import ALL_DONE, run
 from tokens import column_of, line_of
 from twins import ROWS, Side
 
@@ -73,7 +74,6 @@ class TwinTest(FieldTest):
                     self.assert_spots_whole(project)
 
     def assert_spots_whole(self, project):
-        from program import ALL_DONE, run
         result = run("spot", project, "--json")
         self.assert_status(result, ALL_DONE)
         cuts = [event for event in Reading(project).events if event["kind"] == "cut"]

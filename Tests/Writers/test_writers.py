@@ -4,6 +4,7 @@ import subprocess
 import unittest
 
 import audio
+import further_writers
 import writers
 from field_tools import FieldTest, brief, harmful
 from known import placed
@@ -124,7 +125,7 @@ def _test(writer):
     return lambda self: self.hold(writer)
 
 
-for _writer in writers.ALL:
+for _writer in [*writers.ALL, *further_writers.ALL]:
     setattr(Writers, "test_" + "".join(word.capitalize() for word in _writer.name.replace(",", "").split()), _test(_writer))
 
 

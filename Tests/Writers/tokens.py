@@ -19,13 +19,14 @@ _BLANK = re.compile(rb'[\x00-\x20]*')
 
 
 class Entry:
-    """A label, upper case, with its values as bytes without their quotation marks."""
+    """A label, upper case, with its values as bytes: `values` without their quotation marks, `raw` as they stand."""
 
     def __init__(self, section, label, at):
         self.section = section
         self.label = label
         self.at = at
         self.values = []
+        self.raw = []
 
     def value(self, number):
         return self.values[number] if number < len(self.values) else None
@@ -71,10 +72,12 @@ def entries(content):
                 # The count holds the one byte between the number and the value.
                 length = max(0, int(match['count']))
                 current.values.append(content[at + 1:at + length])
+                current.raw.append(current.values[-1])
                 at += length
                 current = None
         elif current is not None:
             current.values.append(_bare(match['quoted']) if kind == 'quoted' else match['word'])
+            current.raw.append(match[kind])
 
 
 def line_of(content, at):

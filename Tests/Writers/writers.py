@@ -309,7 +309,7 @@ NEXT_LINE = Writer(
 CUT_OFF = Writer(
     "text cut off inside its third cut",
     adl(_TWO, [*_TWO_EVENTS, "(Entry) 3\n(Cut) I 1 1 3 00.00:00:02/0000 01.0#"]).split(b"#")[0],
-    _BOTH, _two_cuts(), _SOUNDS, [("text-cut-off", FAILS, 3, None)])
+    _BOTH, _two_cuts(), _SOUNDS, [("text-cut-off", FAILS, 3, None)], left=["text-cut-off"])
 
 LINE_ENDS = [Writer(f"lines that end in {name}", adl(_TWO, _TWO_EVENTS, end=end), _BOTH, _two_cuts(), _SOUNDS)
              for name, end in (("CR LF", "\r\n"), ("LF", "\n"), ("CR", "\r"))]

@@ -31,8 +31,9 @@ std::optional<EarliestCut> FindEarliestCut(const Case& c) {
   for (std::size_t i = 0; i < c.project.events.size(); ++i) {
     const field::Event& event = c.project.events[i];
     if (event.kind != field::EventKind::Cut || !event.edit) continue;
-    if (c.Line(*event.edit).valueCount <= kInValue) continue;
     std::string stamp = c.SystemText(*event.edit, kInValue);
+    // A cut that does not say where it lies, or that the system misreads, is told as such.
+    if (c.IsCutOffCut(event.edit) || !field::ReadTime(stamp, c.project.times)) continue;
     const std::int64_t samples = AdlToSamples(stamp.c_str());
     if (earliest && WrapSubtract(samples, earliest->samples) >= 0) continue;
     earliest = EarliestCut{i, std::move(stamp), samples};

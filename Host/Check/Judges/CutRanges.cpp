@@ -40,7 +40,7 @@ void JudgeCutRanges(const Case& c, Findings& findings) {
                  {c.Show(*event.edit),
                   "The cut " + Overhang(*offset, *offset + cut, *length) +
                       ": there is nothing to play there.",
-                  "Look for a longer copy of " + c.media[*event.source].located.path +
+                  "Look for a longer copy of " + c.ShowPath(c.media[*event.source].located.path) +
                       "; velmora prepare shortens the cut to what is there."});
   }
 }

@@ -9,10 +9,10 @@ namespace velmora::check {
 namespace {
 
 bool IsCurve(const field::Fade& fade) {
+  if (field::IsKeyword(fade.shape, "LIN")) return false;  // whatever numbers stand after it
   const bool hasLevel = std::any_of(fade.levelsDb.begin(), fade.levelsDb.end(),
                                     [](const auto& level) { return level.has_value(); });
-  return hasLevel ||
-         !(fade.shape.empty() || fade.shape == "_" || field::IsKeyword(fade.shape, "LIN"));
+  return hasLevel || !(fade.shape.empty() || fade.shape == "_");
 }
 
 void JudgeFade(const Case& c, Findings& findings, std::size_t index, const field::Fade& fade) {

@@ -31,6 +31,8 @@ void JudgeGains(const Case& c, Findings& findings) {
     if (event.kind != field::EventKind::Cut || event.gains.empty()) continue;
     if (event.gains.size() == 1 && HoldsForAll(c, event)) continue;
     const field::EntryPlace last = event.gains.back().place;
+    // A line with too few values is told as such.
+    if (c.Line(last).valueCount < ValuesNeeded("Gain")) continue;
     findings.Add(
         Code::GainChannels, Case::OfCut(event, Severity::Lost),
         {.offset = c.LabelOffset(last), .event = i},

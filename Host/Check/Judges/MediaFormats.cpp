@@ -9,9 +9,9 @@
 namespace velmora::check {
 namespace {
 
-void JudgeReaders(Findings& findings, const SourceMedia& media, Severity severity,
+void JudgeReaders(const Case& c, Findings& findings, const SourceMedia& media, Severity severity,
                   const Place& place) {
-  const std::string& path = media.located.path;
+  const std::string path = c.ShowPath(media.located.path);
   const std::string format = media.facts ? media.facts->format : "";
   switch (media.obstacle) {
     case media::Obstacle::None:
@@ -44,12 +44,13 @@ void JudgeRate(const Case& c, Findings& findings, const SourceMedia& media, Seve
   if (!media.facts) return;
   const double project = c.project.rates.sampleRate;
   if (std::llround(project) == media.facts->sampleRate) return;
-  findings.Add(Code::MediaRate, severity, place,
-               {media.located.path + ": " + host::SampleRateName(media.facts->sampleRate),
-                "The project is at " + host::SampleRateName(project) +
-                    ", and the system counts samples: the cuts play the wrong part at the wrong "
-                    "speed.",
-                "Convert the file to the project's rate; velmora prepare --resample does it."});
+  findings.Add(
+      Code::MediaRate, severity, place,
+      {c.ShowPath(media.located.path) + ": " + host::SampleRateName(media.facts->sampleRate),
+       "The project is at " + host::SampleRateName(project) +
+           ", and the system counts samples: the cuts play the wrong part at the wrong "
+           "speed.",
+       "Convert the file to the project's rate; velmora prepare --resample does it."});
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ void JudgeMediaFormats(const Case& c, Findings& findings) {
     const field::Source& source = c.project.sources[i];
     const Place place = {.offset = c.ValueOffset(source.fPlace.value_or(source.place), 0),
                          .source = i};
-    JudgeReaders(findings, media, c.OfSource(i, Severity::Lost), place);
+    JudgeReaders(c, findings, media, c.OfSource(i, Severity::Lost), place);
     JudgeRate(c, findings, media, c.OfSource(i, Severity::Misplaced), place);
   }
 }

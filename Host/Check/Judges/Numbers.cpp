@@ -59,6 +59,28 @@ void JudgeIndices(const Case& c, Findings& findings) {
   });
 }
 
+/// Tells each event that shares its number with another: which of them was to keep it, nobody
+/// knows.
+void JudgeSharedNumber(const Case& c, Findings& findings, std::size_t i) {
+  const auto& events = c.project.events;
+  const field::Event& event = events[i];
+  const auto sharesWith = [&event](const field::Event& other) {
+    return other.number == event.number && !other.numberMissing && !event.numberMissing;
+  };
+  const bool hasEarlier = i > 0 && sharesWith(events[i - 1]);
+  const bool hasLater = i + 1 < events.size() && sharesWith(events[i + 1]);
+  if (!hasEarlier && !hasLater) return;
+  const bool loses = Case::IsLive(event) || (hasEarlier && Case::IsLive(events[i - 1])) ||
+                     (hasLater && Case::IsLive(events[i + 1]));
+  const bool isSecondCut = event.edit == event.place;  // with no (Entry) of its own
+  findings.Add(Code::EntryTwice, loses ? Severity::Lost : Severity::Note,
+               {.offset = c.LabelOffset(event.place), .event = i},
+               {c.Show(event.place, 0),
+                isSecondCut ? "The system keeps one cut for each entry, the first."
+                            : "The system keeps one event for each number, the last.",
+                "Number the events anew; velmora prepare does it."});
+}
+
 void JudgeEntries(const Case& c, Findings& findings) {
   const auto& events = c.project.events;
   for (std::size_t i = 0; i < events.size(); ++i) {
@@ -66,17 +88,7 @@ void JudgeEntries(const Case& c, Findings& findings) {
     if (event.numberMissing && c.Line(event.place).valueCount > 0) {
       TellNoNumber(c, findings, event.place, Case::IsLive(event) ? Severity::Lost : Severity::Note);
     }
-    if (i == 0 || events[i - 1].number != event.number) continue;
-    if (event.numberMissing || events[i - 1].numberMissing) continue;
-    const bool loses = Case::IsLive(events[i - 1]) || Case::IsLive(event);
-    const bool isSecondCut = event.edit == event.place;  // with no (Entry) of its own
-    findings.Add(Code::EntryTwice, loses ? Severity::Lost : Severity::Note,
-                 {.offset = c.LabelOffset(event.place), .event = i},
-                 {c.Show(event.place, 0),
-                  isSecondCut ? "The system keeps one cut for each entry: this one is lost."
-                              : "The system keeps one event for each number: the one before this "
-                                "is lost.",
-                  "Number the events anew; velmora prepare does it."});
+    JudgeSharedNumber(c, findings, i);
   }
 }
 

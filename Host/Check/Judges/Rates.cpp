@@ -26,16 +26,15 @@ std::string RateText(const field::TimeRates& rates) {
   return host::SampleRateName(rates.sampleRate) + ", " + frames + " frames";
 }
 
-/// What the header says where it differs from the marks; empty if it does not.
-std::string HeaderText(const Case& c) {
+/// What the header says where it differs from the marks of a time; empty if it does not.
+std::string HeaderText(const Case& c, const field::TimeRates& marks) {
   const field::TimeContext& times = c.project.times;
-  const field::TimeRates& rates = c.project.rates;
   std::string text;
-  if (times.headerSampleRate && !SameRate(*times.headerSampleRate, rates.sampleRate)) {
+  if (times.headerSampleRate && !SameRate(*times.headerSampleRate, marks.sampleRate)) {
     text = host::SampleRateName(*times.headerSampleRate);
   }
-  if (times.headerFrames && (times.headerFrames->framesPerSecond != rates.framesPerSecond ||
-                             times.headerFrames->pulledDown != rates.pulledDown)) {
+  if (times.headerFrames && (times.headerFrames->framesPerSecond != marks.framesPerSecond ||
+                             times.headerFrames->pulledDown != marks.pulledDown)) {
     char frames[32];
     std::snprintf(frames, sizeof frames, "%.5g frames", times.headerFrames->FrameRate());
     text += (text.empty() ? "" : ", ") + std::string(frames);
@@ -94,19 +93,23 @@ class StampJudge {
 
 bool JudgeHeader(const Case& c, Findings& findings) {
   const std::optional<std::size_t> first = FirstCut(c);
-  const std::string header = HeaderText(c);
-  if (!first || header.empty()) return false;
+  if (!first) return false;
   const field::EntryPlace cut = *c.project.events[*first].edit;
-  const std::string_view stamp =
-      c.RawOf(field::ReadCutTexts(c.project.tree, c.Line(cut)).destinationIn);
-  findings.Add(
-      Code::MarksDiffer, Severity::Misplaced,
-      {.offset = c.project.tree.OffsetOf(stamp), .event = first},
-      {"(Cut) " + c.Show(stamp),
-       "The header says " + header + ", the times are marked " + RateText(c.project.rates) +
-           ". The system believes the marks: if the header is right, all lands elsewhere.",
-       "Find out which is right; velmora prepare writes one of them, with --trust marks "
-       "or --trust header."});
+  const field::Value value = field::ReadCutTexts(c.project.tree, c.Line(cut)).destinationIn;
+  // What the marks say, whichever of the two is trusted.
+  field::TimeContext marks = c.project.times;
+  marks.trust = field::Trust::Marks;
+  const std::optional<field::Time> time = field::ReadTime(value.text, marks);
+  const std::string header = time ? HeaderText(c, time->rates) : "";
+  if (header.empty()) return false;
+  const std::string_view stamp = c.RawOf(value);
+  findings.Add(Code::MarksDiffer, Severity::Misplaced,
+               {.offset = c.project.tree.OffsetOf(stamp), .event = first},
+               {"(Cut) " + c.Show(stamp),
+                "The header says " + header + ", the times are marked " + RateText(time->rates) +
+                    ". The system believes the marks: if the header is right, all lands elsewhere.",
+                "Find out which is right; velmora prepare writes one of them, with --trust marks "
+                "or --trust header."});
   return true;
 }
 
@@ -135,6 +138,8 @@ void JudgeRates(const Case& c, Findings& findings) {
     for (const std::optional<field::Fade>* const fade : {&event.fadeIn, &event.fadeOut}) {
       if (told || !*fade) continue;
       const field::EntryPlace line = (*fade)->place;
+      // A length that the system refuses is told as such.
+      if (!AdlIsTimestamp(c.SystemText(line, 0).c_str())) continue;
       told = stamps.Judge(line, field::ReadFadeTexts(tree, c.Line(line)).length, severity,
                           {.event = i});
     }

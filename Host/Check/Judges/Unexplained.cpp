@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_set>
 
 #include "Base/Text.h"
 #include "Base/Wrapping.h"
@@ -53,6 +54,13 @@ std::optional<Difference> Compare(const Case& c, const field::Event& meant) {
   }
   const SystemEvent* const event = c.system.EventOf(c.System(meant.place));
   const AES31Entry* const line = c.System(*meant.edit);
+  if (!meant.source) {
+    return Difference{Code::SourceMissing, Severity::Lost, "No source is meant by this cut."};
+  }
+  if (!meant.complete) {
+    return Difference{Code::EventEmpty, Severity::Misplaced,
+                      "The cut does not say where it lies: it would land anywhere."};
+  }
   if (event == nullptr || line == nullptr || event->edit != line) {
     return Difference{Code::StrayText, Severity::Lost, "The system does not have this cut."};
   }
@@ -90,15 +98,36 @@ std::optional<Difference> Compare(const Case& c, const field::Event& meant) {
   return std::nullopt;
 }
 
+bool IsPlaced(const SystemEvent& event) {
+  return event.kept && event.edit != nullptr && field::IsKeyword(event.edit->label, "Cut");
+}
+
+/// Cuts that the system would place though no event of the project means them.
+void JudgeUnmeant(const Case& c, Findings& findings) {
+  std::unordered_set<const AES31Entry*> meant;
+  for (const field::Event& event : c.project.events) {
+    if (event.edit) meant.insert(c.System(*event.edit));
+  }
+  for (const SystemEvent& event : c.system.Events()) {
+    if (!IsPlaced(event) || meant.contains(event.edit)) continue;
+    const std::size_t letter = c.system.OffsetOf(event.edit->label);
+    findings.Add(Code::StrayText, Severity::Lost, {.offset = letter > 0 ? letter - 1 : 0},
+                 {"(" + c.Show(event.edit->label) + ")",
+                  "The system places a cut here that belongs to no event of the project.",
+                  "Take the line out, or put it where it belongs; velmora prepare leaves it out."});
+  }
+}
+
 }  // namespace
 
 void JudgeUnexplained(const Case& c, Findings& findings) {
+  JudgeUnmeant(c, findings);
   // A text that ends the reading explains all that is missing after it.
   const bool readingEnds = findings.Has(Code::StrayText, Severity::Lost);
   for (std::size_t i = 0; i < c.project.events.size(); ++i) {
     const field::Event& event = c.project.events[i];
-    if (!Case::IsLive(event) || !event.edit || !event.source || !event.complete) continue;
-    if (findings.HasSeriousAtEvent(i) || findings.HasSeriousAtSource(*event.source)) continue;
+    if (!Case::IsLive(event) || !event.edit || findings.HasSeriousAtEvent(i)) continue;
+    if (event.source && findings.HasSeriousAtSource(*event.source)) continue;
     const std::optional<Difference> difference = Compare(c, event);
     if (!difference) continue;
     if (readingEnds && c.System(*event.edit) == nullptr) continue;

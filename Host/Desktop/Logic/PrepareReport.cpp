@@ -26,29 +26,50 @@ void AddGroup(std::string& text, const std::string& heading, std::size_t count, 
   if (count > most) text += "  and " + std::to_string(count - most) + " more\n";
 }
 
-void AddLeft(const Prepared& prepared, bool notes, const std::string& heading, std::size_t most,
-             std::string& text) {
-  std::vector<const check::Finding*> findings;
+/// What heads the things of one kind: its title and their number.
+std::string Heading(const std::string& before, check::Code code, std::size_t count) {
+  return before + check::RowOf(code).title + " (" + std::to_string(count) + ")";
+}
+
+/// Effect and remedy, which most findings of a kind share.
+std::string Advice(const check::Finding& finding) {
+  return OneLine(finding.effect) + (finding.remedy.empty() ? "" : " " + OneLine(finding.remedy));
+}
+
+void AddLeft(const Prepared& prepared, std::size_t most, std::string& text) {
+  std::map<check::Code, std::vector<const check::Finding*>> kinds;
   for (const check::Finding& finding : prepared.left) {
-    if ((finding.severity == check::Severity::Note) == notes) findings.push_back(&finding);
+    if (finding.severity != check::Severity::Note) kinds[finding.code].push_back(&finding);
   }
-  const std::string count = " (" + std::to_string(findings.size()) + ")";
-  AddGroup(text, heading + count, findings.size(), most, [&](std::size_t i) {
-    const check::Finding& finding = *findings[i];
-    std::string line = PlaceText(finding.line, finding.entry, finding.source);
-    line += ": " + OneLine(finding.text);
-    if (!finding.effect.empty()) line += "\n    " + OneLine(finding.effect);
-    if (!finding.remedy.empty()) line += "\n    " + OneLine(finding.remedy);
-    return line;
-  });
+  for (const auto& [code, findings] : kinds) {
+    AddGroup(text, Heading("Left in the new project: ", code, findings.size()), findings.size(),
+             most, [&, &some = findings](std::size_t i) {
+               const check::Finding& finding = *some[i];
+               std::string line = PlaceText(finding.line, finding.entry, finding.source) + ": " +
+                                  OneLine(finding.text);
+               const bool isNew = i == 0 || Advice(finding) != Advice(*some[i - 1]);
+               return isNew ? line + "\n    " + Advice(finding) : line;
+             });
+  }
+}
+
+/// One line for each kind: they are many, and nothing is lost by them.
+void AddNotes(const Prepared& prepared, std::string& text) {
+  std::map<check::Code, std::size_t> counts;
+  for (const check::Finding& finding : prepared.left) {
+    if (finding.severity == check::Severity::Note) ++counts[finding.code];
+  }
+  std::vector<std::string> lines;
+  for (const auto& [code, count] : counts) lines.push_back(Heading("", code, count));
+  AddGroup(text, "Worth knowing", lines.size(), lines.size(),
+           [&](std::size_t i) { return lines[i]; });
 }
 
 void AddChanges(const Prepared& prepared, std::size_t most, std::string& text) {
   std::map<check::Code, std::vector<const prepare::Change*>> groups;
   for (const prepare::Change& change : prepared.changes) groups[change.code].push_back(&change);
   for (const auto& [code, changes] : groups) {
-    const std::string heading = std::string("Changed: ") + check::RowOf(code).title + " (" +
-                                std::to_string(changes.size()) + ")";
+    const std::string heading = Heading("Changed: ", code, changes.size());
     AddGroup(text, heading, changes.size(), most, [&, &some = changes](std::size_t i) {
       const prepare::Change& change = *some[i];
       return PlaceText(change.line, change.entry, change.source) + ": " + OneLine(change.text);
@@ -124,10 +145,10 @@ std::string OutcomeText(const Prepared& prepared) {
 
 std::string DescribePrepared(const Prepared& prepared, std::size_t mostOfAGroup) {
   std::string text;
-  AddLeft(prepared, false, "Left, in the lines of the new project", mostOfAGroup, text);
+  AddLeft(prepared, mostOfAGroup, text);
   AddChanges(prepared, mostOfAGroup, text);
   AddFiles(prepared, mostOfAGroup, text);
-  AddLeft(prepared, true, "Worth knowing, in the lines of the new project", mostOfAGroup, text);
+  AddNotes(prepared, text);
   return text;
 }
 

@@ -31,7 +31,8 @@
   NSTimer* slowTimer;           // until a check has taken long enough to speak of
   NSTimer* waitingTimer;        // while `waiting` is not empty
   id<FindingsDeskShell> shell;  // not retained
-  BOOL slow;
+  BOOL slow;                    // the check takes its time
+  BOOL unchecked;               // there was no thread or no memory for it
   BOOL closed;
 }
 
@@ -41,7 +42,7 @@
 - (void)didLoad:(const std::string&)path;
 
 - (BOOL)isChecking;
-// What the check has to say, or that it takes its time; none otherwise.
+// What the check has to say, that it takes its time, or that there is none; nothing otherwise.
 - (std::optional<velmora::desktop::StatusItem>)statusItem;
 // Whether there is something to see, grave or not; whether it is grave; whether a preparation
 // helps.

@@ -56,6 +56,7 @@ std::string AbsolutePath(const std::string& path) {
   waiting.clear();
   checked = nullptr;
   slow = NO;
+  unchecked = NO;
   [findingsPanel setChecked:nullptr];
   [preparePanel didLoad:project];
   if (project.empty()) {
@@ -67,6 +68,8 @@ std::string AbsolutePath(const std::string& path) {
                                       userInfo:nil
                                        repeats:NO];
     AddToAllModes(slowTimer);
+  } else {
+    unchecked = YES;
   }
   [shell findingsChanged];
 }
@@ -77,6 +80,7 @@ std::string AbsolutePath(const std::string& path) {
 
 - (std::optional<StatusItem>)statusItem {
   if (checked != nullptr) return DescribeFindings(*checked);
+  if (unchecked) return StatusItem{Severity::Notice, "The project could not be checked"};
   if (slow) return StatusItem{Severity::Quiet, "Checking the project\u2026"};
   return std::nullopt;
 }
@@ -144,6 +148,7 @@ std::string AbsolutePath(const std::string& path) {
     checked = taken;
     [findingsPanel setChecked:checked];
   }
+  unchecked = checked == nullptr;
   [shell findingsChanged];
 }
 

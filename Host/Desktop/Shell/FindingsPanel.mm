@@ -112,6 +112,7 @@ std::vector<std::size_t> RowsIn(NSIndexSet* set) {
   const BOOL canPrepare = checked != nullptr && CanPrepare(*checked);
   findings = FindingsList(std::move(checked));
   [headline setStringValue:StringFromText(findings.Headline())];
+  [headline setToolTip:[headline stringValue]];
   [prepareButton setEnabled:canPrepare];
   [copyButton setEnabled:findings.RowCount() > 0];
   [self sort];

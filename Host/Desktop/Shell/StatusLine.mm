@@ -69,10 +69,13 @@ Tone ToneOf(Severity severity) {
 - (void)showItems:(const std::vector<StatusItem>&)items list:(NSString*)all {
   NSMutableAttributedString* line = [[NSMutableAttributedString new] autorelease];
   NSMutableString* tip = [NSMutableString string];
+  NSMutableParagraphStyle* oneLine = [[NSMutableParagraphStyle new] autorelease];
+  [oneLine setLineBreakMode:NSLineBreakByTruncatingTail];
   for (const StatusItem& item : items) {
     NSDictionary* attributes = [NSDictionary
         dictionaryWithObjectsAndKeys:ColorOf(ToneOf(item.severity)), NSForegroundColorAttributeName,
-                                     [NSFont systemFontOfSize:kTextSize], NSFontAttributeName, nil];
+                                     [NSFont systemFontOfSize:kTextSize], NSFontAttributeName,
+                                     oneLine, NSParagraphStyleAttributeName, nil];
     NSString* gap = [line length] > 0 ? @"     " : @"";
     NSString* text = [gap stringByAppendingString:StringFromText(item.text)];
     [line appendAttributedString:[[[NSAttributedString alloc] initWithString:text
