@@ -1,7 +1,7 @@
 #include "DawProject/MediaNames.h"
 
 #include "Base/FileNames.h"
-#include "DawProject/XmlText.h"
+#include "Session/XmlText.h"
 
 namespace velmora::dawproject {
 namespace {
@@ -10,7 +10,7 @@ constexpr std::size_t kMostBytes = 200;  // systems take names of 255 bytes
 
 /// Without what a file name may not hold somewhere.
 std::string SafeName(std::string_view fileName) {
-  std::string name = XmlText(fileName);
+  std::string name = host::XmlText(fileName);
   for (char& character : name) {
     const bool isForbidden =
         std::string_view("<>:\"/\\|?*\t\n\r\x7F").find(character) != std::string_view::npos;

@@ -6,10 +6,10 @@
 
 #include "ADL/ProjectConstants.h"
 #include "DawProject/Seconds.h"
-#include "DawProject/XmlText.h"
 #include "Session/HeardClips.h"
 #include "Session/RegionLabel.h"
 #include "Session/SessionClock.h"
+#include "Session/XmlText.h"
 
 namespace velmora::dawproject {
 namespace {
@@ -124,7 +124,7 @@ class ProjectMaker {
     // A fade-in below 0 is a crossfade: the clip begins that much before its time.
     Set(clip, "fadeInTime", Seconds(heard.crossfade > 0 ? -heard.crossfade : heard.fadeIn));
     Set(clip, "fadeOutTime", Seconds(heard.fadeOut));
-    Set(clip, "name", XmlText(region.name));
+    Set(clip, "name", host::XmlText(region.name));
 
     const double gain = parts_.usable.Heard().Shapes()[heard.region].gain;
     if (gain == 1) return AddAudio(clip, region);
@@ -160,7 +160,7 @@ class ProjectMaker {
     for (const Absence& absence : parts_.absences) {
       pugi::xml_node marker = markers.append_child("Marker");
       Set(marker, "time", Seconds(absence.position));
-      Set(marker, "name", XmlText("Left out: " + absence.text));
+      Set(marker, "name", host::XmlText("Left out: " + absence.text));
       Set(marker, "color", "#ff0000");
     }
   }
@@ -201,7 +201,9 @@ void MakeMetadataXml(const host::SpotRecord& record, pugi::xml_document& xml) {
   pugi::xml_node metadata = xml.append_child("MetaData");
   const auto add = [&](const char* name, const std::string* text) {
     if (text == nullptr || text->empty()) return;
-    metadata.append_child(name).append_child(pugi::node_pcdata).set_value(XmlText(*text).c_str());
+    metadata.append_child(name)
+        .append_child(pugi::node_pcdata)
+        .set_value(host::XmlText(*text).c_str());
   };
   add("Title", &record.title);
   add("Comment", ConstantOf(record, "PROJ_NOTES"));

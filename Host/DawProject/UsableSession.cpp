@@ -3,8 +3,8 @@
 #include <cmath>
 #include <utility>
 
-#include "DawProject/XmlText.h"
 #include "Session/SessionClock.h"
+#include "Session/XmlText.h"
 
 namespace velmora::dawproject {
 namespace {
@@ -19,7 +19,7 @@ std::string WhyUnusable(const host::SessionRegion& region, long sessionRate, Med
     return region.path + " is of " + std::to_string(file.facts->sampleRate) +
            " Hz and the session of " + std::to_string(sessionRate) + " Hz";
   }
-  if (place == MediaPlace::Outside && XmlText(region.path) != region.path) {
+  if (place == MediaPlace::Outside && host::XmlText(region.path) != region.path) {
     return region.path + " has a name that XML cannot tell; with --embed-media it goes inside";
   }
   return {};

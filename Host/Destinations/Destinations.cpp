@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "Ardour/ArdourKind.h"
 #include "Bounce/BounceKind.h"
 #include "DawProject/DawProjectKind.h"
 #include "Embedded/EmbeddedKind.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr auto kDestinations = std::to_array<Destination>({
     {&kEmbeddedKind, &kSessionFileKind},
+    {&ardour::kArdourKind, &ardour::kArdourSessionKind},
     {nullptr, &kDawProjectKind},
     {nullptr, &kOtioKind},
     {nullptr, &bounce::kBounceKind},

@@ -22,9 +22,10 @@ CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
 TARGET = [*SESSION, "Host/Media"]
 TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio"]
-DESTINATIONS = [*TARGET, *TARGETS, "Host/Embedded"]
+ARDOUR = [*TARGET, "Host/Embedded"]
+DESTINATIONS = [*ARDOUR, "Host/Ardour", *TARGETS]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, *TARGETS, "Host/Destinations"]
+PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS, "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -43,6 +44,7 @@ MAY_USE = {
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
     **dict.fromkeys(TARGETS, TARGET),
+    "Host/Ardour": ARDOUR,
     "Host/Destinations": DESTINATIONS,
     "Host/Program": [*SESSION, "Host/Embedded", *TASKS, "Host/Destinations"],
 }

@@ -1,10 +1,10 @@
-#include "DawProject/XmlText.h"
+#include "Session/XmlText.h"
 
 #include <cstddef>
 
 #include "Base/Utf8.h"
 
-namespace velmora::dawproject {
+namespace velmora::host {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -26,4 +26,4 @@ std::string XmlText(std::string_view text) {
   return allowed;
 }
 
-}  // namespace velmora::dawproject
+}  // namespace velmora::host

@@ -1,10 +1,10 @@
-#include "DawProject/XmlText.h"
+#include "Session/XmlText.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace velmora::dawproject {
+namespace velmora::host {
 namespace {
 
 using namespace std::string_literals;
@@ -31,4 +31,4 @@ TEST(XmlText, holdsOnlyWhatXmlCanHold) {
 }
 
 }  // namespace
-}  // namespace velmora::dawproject
+}  // namespace velmora::host
