@@ -7,6 +7,7 @@
 #include "DawProject/DawProjectKind.h"
 #include "Embedded/EmbeddedKind.h"
 #include "Otio/OtioKind.h"
+#include "Report/ReportKind.h"
 
 namespace velmora::host {
 namespace {
@@ -18,6 +19,7 @@ constexpr auto kDestinations = std::to_array<Destination>({
     {nullptr, &kOtioKind},
     {nullptr, &bounce::kBounceKind},
     {nullptr, &bounce::kBounceTracksKind},
+    {nullptr, &report::kReportKind},
 });
 
 }  // namespace

@@ -36,6 +36,8 @@ struct SpotArguments {
   bool prepare = false;                          ///< spots a prepared project
   /// For `prepare`. Its `into` is empty for a folder with a free name.
   prepare::PrepareOptions preparation;
+  /// The page to make in place of a spot; none for a spot. Then nothing else is made.
+  std::optional<TargetRequest> plan;
   bool truePosition = false;  ///< without the compensation; always so with `prepare`
   bool json = false;
   bool quiet = false;

@@ -9,18 +9,6 @@ namespace {
 
 using host::Json;
 
-const char* NameOf(FilePass pass) {
-  switch (pass) {
-    case FilePass::Gain:
-      return "gain";
-    case FilePass::Fade:
-      return "fade";
-    case FilePass::Depth:
-      break;
-  }
-  return "depth";
-}
-
 Json OptionsJson(const SpotOptions& options) {
   return {{"sessionRate", options.sessionRate},
           {"positionMode", options.positionMode},

@@ -26,14 +26,15 @@ class LeftOut {
   /// What is missing of one event.
   struct Part {
     std::int32_t event;
-    std::string text;  ///< one line, without the event's name
+    std::string text;    ///< one line, without the event's name
+    std::string remedy;  ///< what helps
   };
   [[nodiscard]] const std::vector<Part>& Parts() const { return parts_; }
   /// "event 12 (entry 13, track 2): " and what is missing of it.
   [[nodiscard]] std::string LineOf(const Part& part) const;
 
  private:
-  void Add(std::int32_t event, const std::string& what);
+  void Add(std::int32_t event, const std::string& what, const char* remedy);
 
   const ViewModel& model_;
   std::vector<Part> parts_;

@@ -1,8 +1,11 @@
 #include "Program/SpotRecording.h"
 
 #include "ADL/ShiftJis.h"
+#include "BWF/AES31BWF.h"
 #include "Base/FileNames.h"
 #include "Base/Wrapping.h"
+#include "Model/ProjectSummary.h"
+#include "Program/SpotNotes.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora::program {
@@ -38,7 +41,78 @@ host::RegionShape ShapeOf(const AES31Event& event) {
   return shape;
 }
 
+const char* NameOf(EditKind kind) {
+  switch (kind) {
+    case EditKind::Cut:
+      return "cut";
+    case EditKind::Silence:
+      return "silence";
+    case EditKind::Vid:
+      return "vid";
+    case EditKind::Alt:
+      return "alt";
+    case EditKind::None:
+      break;
+  }
+  return "none";
+}
+
+/// The sources' names and paths are bytes of a file system, not texts of the project.
+host::RecordedEvent RecordedEventOf(const AES31Project& project, const AES31Event& event,
+                                    std::int32_t minTrack, std::int64_t timelineOffset) {
+  host::RecordedEvent recorded;
+  recorded.entry = event.entryNumber;
+  recorded.kind = NameOf(KindOf(event));
+  if (!IsCut(event)) return recorded;
+  recorded.isOn = IsLive(event);
+  recorded.isMissing = event.sourceFile == nullptr || !event.sourceFile->IsValid();
+  if (project.sourceFiles.contains(event.cut.sourceIndex)) recorded.source = event.cut.sourceIndex;
+  if (event.sourceFile != nullptr) {
+    recorded.path = event.sourceFile->GetPath();
+    recorded.name = FileNameOf(recorded.path);
+  } else {
+    recorded.name = MissingSourceAt(project, event.cut.sourceIndex).fileName;
+  }
+  recorded.track = HostTrack(event, minTrack);
+  recorded.position = WrapAdd(AdlToSamples(event.cut.destIn), timelineOffset);
+  recorded.end = WrapAdd(AdlToSamples(event.cut.destOut), timelineOffset);
+  const host::RegionShape shape = ShapeOf(event);
+  recorded.fadeIn = shape.fadeIn;
+  recorded.fadeOut = shape.fadeOut;
+  recorded.gainDb = shape.gainDb;
+  return recorded;
+}
+
 }  // namespace
+
+const char* NameOf(FilePass pass) {
+  switch (pass) {
+    case FilePass::Gain:
+      return "gain";
+    case FilePass::Fade:
+      return "fade";
+    case FilePass::Depth:
+      break;
+  }
+  return "depth";
+}
+
+void SpotRecording::FileMade(FilePass pass, std::int32_t event, const std::string& path,
+                             bool isMade) {
+  using State = host::RecordedFile::State;
+  files_.push_back({isMade ? State::Made : State::Failed, NameOf(pass), event, path});
+}
+
+void SpotRecording::FilePlanned(FilePass pass, std::int32_t event) {
+  AES31BWF* const source = model_.project->GetEvent(event)->sourceFile;
+  files_.push_back({host::RecordedFile::State::Planned, NameOf(pass), event,
+                    source != nullptr ? source->GetPath() : ""});
+}
+
+void SpotRecording::Message(host::RecordedMessage::Kind kind, const std::string& text,
+                            const std::string& remedy) {
+  messages_.push_back({kind, text, remedy});
+}
 
 void SpotRecording::RegionLanded(std::int32_t index, RegionPiece piece) {
   const AES31Event* const event = model_.project->GetEvent(index);
@@ -65,9 +139,29 @@ host::SpotRecord SpotRecording::RecordOf(const std::string& projectPath, const S
     if (event == nullptr) continue;
     record.leftOut.push_back({part.event, event->entryNumber, HostTrack(*event, model_.minTrack),
                               WrapAdd(AdlToSamples(event->cut.destIn), options.timelineOffset),
-                              part.text});
+                              part.text, part.remedy});
   }
   return record;
+}
+
+void SpotRecording::AddDetails(const SpotOptions& options, std::int32_t positionMode,
+                               host::SpotRecord& record) const {
+  const AES31Project& project = *model_.project;
+  record.projectRate = AdlSampleRate(model_.firstEvent);
+  for (std::size_t i = 0; i < project.events.size(); ++i) {
+    record.events.push_back(
+        RecordedEventOf(project, project.events[i], model_.minTrack, options.timelineOffset));
+    record.events.back().event = static_cast<std::int32_t>(i);
+  }
+  record.files = files_;
+  record.messages = messages_;
+  record.options = {options.bitDepth,
+                    options.doFades != 0,
+                    options.doGain != 0,
+                    native_,
+                    options.copySource != 0 ? options.copyFolder : "",
+                    PositionText(positionMode),
+                    options.timelineOffset};
 }
 
 }  // namespace velmora::program

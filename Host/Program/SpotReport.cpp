@@ -50,6 +50,7 @@ void SpotReport::Report(std::int32_t progress) {
 
 void SpotReport::FileMade(FilePass pass, std::int32_t event, const std::string& path,
                           std::int32_t status) {
+  recording_.FileMade(pass, event, path, status == 0);
   if (status == 0) {
     ++totals_.files;
   } else {

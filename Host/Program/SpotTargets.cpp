@@ -1,5 +1,6 @@
 #include "Program/SpotTargets.h"
 
+#include <algorithm>
 #include <iostream>
 #include <utility>
 
@@ -10,6 +11,8 @@
 
 namespace velmora::program {
 namespace {
+
+using Use = host::TargetKind::Use;
 
 void PrintLine(const host::TargetKind& kind, const std::string& path, int status,
                const std::string& reason) {
@@ -55,6 +58,7 @@ std::string SpotTargets::Add(const host::TargetKind& kind, const std::string& pa
 
 std::string SpotTargets::Claim(const SpotArguments& arguments) {
   const TargetRequests& requests = arguments.targets;
+  if (arguments.plan) return Add(*arguments.plan->kind, arguments.plan->path, "-o", {});
   if (!arguments.host.target.empty()) {
     std::string complaint =
         Add(*arguments.host.kind->target, arguments.host.target, "--host", requests.choices);
@@ -68,26 +72,51 @@ std::string SpotTargets::Claim(const SpotArguments& arguments) {
   return {};
 }
 
+host::TargetOutcome SpotTargets::WriteOne(const Row& row, const host::TargetInput& input, bool json,
+                                          bool showsBar) {
+  host::TargetOutcome outcome;
+  if (input.session.Regions().empty() && row.kind->use == Use::Regions) {
+    outcome.trouble = "no region was placed, so " + row.path + " was not made";
+  } else {
+    ProgressBar bar(showsBar);
+    outcome = row.target->Write(input, [&bar](double share) {
+      bar.Draw(share);
+      return !Interrupted();
+    });
+  }
+  Tell(*row.kind, outcome);
+  const std::string reason = ReasonOf(outcome);
+  if (json && row.kind->use != Use::SessionRecord) {
+    PrintLine(*row.kind, row.path, reason.empty() ? 0 : 3, reason);
+  }
+  return outcome;
+}
+
 bool SpotTargets::Write(const host::TargetInput& input, bool json, bool showsBar) const {
   bool whole = true;
+  host::SpotRecord record = input.record;
   for (const Row& row : rows_) {
-    const bool isSession = row.kind->use == host::TargetKind::Use::SessionRecord;
-    host::TargetOutcome outcome;
-    if (input.session.Regions().empty() && row.kind->use == host::TargetKind::Use::Regions) {
-      outcome.trouble = "no region was placed, so " + row.path + " was not made";
-    } else {
-      ProgressBar bar(showsBar);
-      outcome = row.target->Write(input, [&bar](double share) {
-        bar.Draw(share);
-        return !Interrupted();
-      });
-    }
-    Tell(*row.kind, outcome);
-    const std::string reason = ReasonOf(outcome);
-    whole = whole && reason.empty();
-    if (json && !isSession) PrintLine(*row.kind, row.path, reason.empty() ? 0 : 3, reason);
+    if (row.kind->use == Use::Record) continue;
+    host::TargetOutcome outcome = WriteOne(row, input, json, showsBar);
+    whole = whole && ReasonOf(outcome).empty();
+    record.targets.push_back({row.kind->name, row.path, false, std::move(outcome.trouble),
+                              std::move(outcome.leftOut), std::move(outcome.notes)});
+  }
+  return WriteRecords({input.session, input.heard, input.rates, record}, json, showsBar) && whole;
+}
+
+bool SpotTargets::WriteRecords(const host::TargetInput& input, bool json, bool showsBar) const {
+  bool whole = true;
+  for (const Row& row : rows_) {
+    if (row.kind->use != Use::Record) continue;
+    whole = ReasonOf(WriteOne(row, input, json, showsBar)).empty() && whole;
   }
   return whole;
+}
+
+bool SpotTargets::TellOfTheSpot() const {
+  return std::any_of(rows_.begin(), rows_.end(),
+                     [](const Row& row) { return row.kind->use == Use::Record; });
 }
 
 }  // namespace velmora::program

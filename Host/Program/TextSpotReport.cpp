@@ -9,28 +9,13 @@
 #include "Base/FileNames.h"
 #include "Base/Text.h"
 #include "Destinations/Destinations.h"
+#include "Program/SpotNotes.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
 namespace {
 
 constexpr std::size_t kListedRegions = 200;
-
-/// As it was asked for: what takes the compensation back is an offset, too.
-std::string PositionText(std::int32_t positionMode) {
-  switch (positionMode) {
-    case PositionAsProject:
-      return "as in the project";
-    case PositionWithOffset:
-      return "as in the project, with the offset";
-    case PositionAtStart:
-      return "first cut at the start time";
-    case PositionFromFirst:
-      return "first cut at 0";
-    default:
-      return "not moved";
-  }
-}
 
 std::string AudioText(const SpotOptions& options) {
   std::string text = std::to_string(options.bitDepth) + " bit";

@@ -5,10 +5,14 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "Session/JsonText.h"
-
 namespace velmora::host {
 namespace {
+
+Json NumberOrNull(const std::optional<std::int32_t>& number) {
+  return number ? Json(*number) : Json();
+}
+
+}  // namespace
 
 Json SummaryJson(const SessionSummary& summary) {
   return {{"tracks", summary.tracks},
@@ -16,10 +20,6 @@ Json SummaryJson(const SessionSummary& summary) {
           {"files", summary.files},
           {"first", summary.first},
           {"end", summary.end}};
-}
-
-Json NumberOrNull(const std::optional<std::int32_t>& number) {
-  return number ? Json(*number) : Json();
 }
 
 Json RegionJson(std::size_t index, const SessionRegion& region) {
@@ -46,6 +46,8 @@ Json RegionJson(std::size_t index, const SessionRegion& region) {
   }
   return json;
 }
+
+namespace {
 
 Json PieceJson(const VisiblePiece& piece) {
   return {{"region", piece.region}, {"position", piece.position}, {"end", piece.end}};

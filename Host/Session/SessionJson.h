@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 
+#include "Session/JsonText.h"
 #include "Session/Session.h"
 
 namespace velmora::host {
@@ -20,5 +22,10 @@ namespace velmora::host {
 /// names hold: bytes that are not become U+FFFD.
 /// @return false if the stream took not all of it
 [[nodiscard]] bool WriteSessionJson(const Session& session, std::ostream& out);
+
+/// A region, and what a session amounts to, as that object has them. Texts are not mended yet:
+/// JsonText does that.
+[[nodiscard]] Json RegionJson(std::size_t index, const SessionRegion& region);
+[[nodiscard]] Json SummaryJson(const SessionSummary& summary);
 
 }  // namespace velmora::host

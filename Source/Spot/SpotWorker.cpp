@@ -20,20 +20,35 @@ const char* NameOf(RegionPiece piece) {
   return "main";
 }
 
-bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
-             SpotObserver& observer) {
+namespace {
+
+bool RunPasses(const SpotProject& project, SpotOptions& options, RegionHost& host,
+               SpotObserver& observer, bool (SpotPasses::*passes)()) {
   if (project.project == nullptr) return true;
   bool finished = false;
   try {
     if (options.copyFolder.empty()) options.copySource = 0;
     ComputePosition(options, project.firstEvent);
-    if (!SpotPasses(project, options, host, observer).Run()) return false;
+    SpotPasses run(project, options, host, observer);
+    if (!(run.*passes)()) return false;
     finished = true;
   } catch (const std::bad_alloc&) {  // an exception that leaves a thread would end the whole host
     observer.Log("out of memory");
   }
   observer.Report(-1);
   return finished;
+}
+
+}  // namespace
+
+bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
+             SpotObserver& observer) {
+  return RunPasses(project, options, host, observer, &SpotPasses::Run);
+}
+
+bool RunWithoutFiles(const SpotProject& project, SpotOptions& options, RegionHost& host,
+                     SpotObserver& observer) {
+  return RunPasses(project, options, host, observer, &SpotPasses::RegionPass);
 }
 
 void ReleaseRenderedFiles(AES31Project& project) {

@@ -49,6 +49,11 @@ class SpotObserver {
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer);
 
+/// A spot that makes no file: the region of each live cut is sent with its source's file, whatever
+/// the options say of depth, gain and fades. Else as RunSpot.
+bool RunWithoutFiles(const SpotProject& project, SpotOptions& options, RegionHost& host,
+                     SpotObserver& observer);
+
 /// Destroys what an aborted run left at the events. Whoever deletes a project calls this before.
 /// The files on disk stay.
 void ReleaseRenderedFiles(AES31Project& project);

@@ -116,10 +116,10 @@ class WhatIsWrong(ProgramTest):
 
     def test_complaints(self):
         rows = [
-            ([], "a command is missing; commands: info, spot, check, prepare"),
-            (["frob"], "there is no command 'frob'; commands: info, spot, check, prepare"),
-            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot, check, prepare"),
-            (["Info", "p"], "there is no command 'Info'; commands: info, spot, check, prepare"),
+            ([], "a command is missing; commands: info, spot, report, check, prepare"),
+            (["frob"], "there is no command 'frob'; commands: info, spot, report, check, prepare"),
+            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot, report, check, prepare"),
+            (["Info", "p"], "there is no command 'Info'; commands: info, spot, report, check, prepare"),
             (["--frob"], "there is no option '--frob'"),
             (["-x", "info", "p"], "there is no option '-x'"),
             (["--json", "info", "p"], "there is no option '--json'"),
