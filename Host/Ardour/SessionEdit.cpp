@@ -54,6 +54,10 @@ class Editor {
  private:
   [[nodiscard]] std::string WhatLacks() const {
     if (!session_.attribute("id-counter")) return "the counter of its ids";
+    // At another rate everything would stand elsewhere.
+    if (session_.attribute("sample-rate").as_llong() != plan_.SampleRate()) {
+      return "its rate of " + std::to_string(plan_.SampleRate()) + " Hz";
+    }
     for (const char* const name : {"Sources", "Regions", "Locations", "Playlists"}) {
       if (!session_.child(name)) return std::string("its ") + name;
     }

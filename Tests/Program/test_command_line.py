@@ -144,9 +144,10 @@ class WhatIsWrong(ProgramTest):
              "--skip-tracks and --only-tracks exclude each other"),
             (["spot", "p", "--skip-events", "1", "--only-events", "2"],
              "--skip-events and --only-events exclude each other"),
-            (["spot", "p", "--host", "tape"], "--host: there is no host 'tape'; hosts: embedded"),
+            (["spot", "p", "--host", "tape"], "--host: there is no host 'tape'; hosts: embedded, ardour"),
             (["spot", "p", "--host", "embedded:"],
              "--host: no target stands after embedded; write embedded:FILE.json"),
+            (["spot", "p", "--host", "ardour"], "--host: no target stands after ardour; write ardour:DIR"),
             (["spot", "p", "--host", "embedded:/"], "--host: / is a folder"),
         ]
         for arguments, complaint in rows:
