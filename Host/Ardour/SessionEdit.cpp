@@ -35,14 +35,14 @@ class Editor {
 
   std::string Edit(const std::vector<std::string>& trackIds, std::int32_t frameRateCode,
                    EditedRegions& edited) {
-    if (std::string lack = WhatLacks(); !lack.empty()) return lack;
+    if (std::string cause = WhyNot(); !cause.empty()) return cause;
     nextId_ = session_.attribute("id-counter").as_llong() + 1;
     AddFiles();
     for (std::size_t i = 0; i < plan_.Tracks().size(); ++i) {
       const xml_node playlist =
           session_.child("Playlists")
               .find_child_by_attribute("Playlist", "orig-track-id", trackIds[i].c_str());
-      if (!playlist) return "the playlist of " + plan_.Tracks()[i].name;
+      if (!playlist) return "Ardour's session has no playlist of " + plan_.Tracks()[i].name;
       AddRegions(plan_.Tracks()[i], playlist, edited);
     }
     AddRange();
@@ -52,14 +52,21 @@ class Editor {
   }
 
  private:
-  [[nodiscard]] std::string WhatLacks() const {
-    if (!session_.attribute("id-counter")) return "the counter of its ids";
-    // At another rate everything would stand elsewhere.
-    if (session_.attribute("sample-rate").as_llong() != plan_.SampleRate()) {
-      return "its rate of " + std::to_string(plan_.SampleRate()) + " Hz";
-    }
+  [[nodiscard]] std::string WhyNot() const {
     for (const char* const name : {"Sources", "Regions", "Locations", "Playlists"}) {
-      if (!session_.child(name)) return std::string("its ") + name;
+      if (!session_.child(name)) return std::string("Ardour's session has no ") + name;
+    }
+    if (!session_.attribute("id-counter")) return "Ardour's session does not count its ids";
+    const std::string rate = std::to_string(plan_.SampleRate()) + " Hz";
+    if (session_.attribute("sample-rate").as_llong() != plan_.SampleRate()) {
+      return "Ardour's session is not one of " + rate;
+    }
+    // Where a sample is no whole number of Ardour's units of time, regions would come to stand
+    // beside their places.
+    const long long unit =
+        session_.child("TempoMap").attribute("superclocks-per-second").as_llong();
+    if (unit % plan_.SampleRate() != 0) {
+      return "Ardour cannot place regions to the sample at " + rate;
     }
     return {};
   }

@@ -25,7 +25,7 @@ using EditedRegions = std::map<std::string, EditedRegion>;
 /// @param trackIds Ardour's ids of the plan's tracks, in their order
 /// @param frameRateCode of the session, for its timecode
 /// @param edited takes what was put in; it refers to the plan
-/// @return an empty text, or what the session lacks that every session has
+/// @return an empty text, or why the session cannot take the plan: it is then half edited
 [[nodiscard]] std::string EditSession(const ArdourPlan& plan, const TimeWords& times,
                                       const std::vector<std::string>& trackIds,
                                       std::int32_t frameRateCode, pugi::xml_document& xml,

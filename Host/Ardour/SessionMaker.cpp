@@ -139,9 +139,8 @@ std::string SessionMaker::Edit() {
   if (!LoadSessionXml(place_.File(), xml)) {
     return "Ardour has saved no session in " + place_.File();
   }
-  const std::string lack =
-      EditSession(plan_, times_, trackIds_, input_.rates.frameRate, xml, edited_);
-  if (!lack.empty()) return "the session that Ardour has saved lacks " + lack;
+  std::string cause = EditSession(plan_, times_, trackIds_, input_.rates.frameRate, xml, edited_);
+  if (!cause.empty()) return cause;
   const int error = SaveSessionXml(place_.File(), xml);
   return error == 0 ? "" : CannotWrite(place_.File(), error);
 }

@@ -89,7 +89,7 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
        "has saved no session"},
       {"savesAtAnotherRate",
        session + "sed -i s/48000/44100/ \"$d/made.ardour\"; echo velmora: saved; sleep 100",
-       "lacks its rate of 48000 Hz"},
+       "not one of 48000 Hz"},
       {"savesTooEarly", "echo velmora: saved; sleep 100", "has not made all tracks"},
       {"claimsToBeDone", "echo velmora: done 1; sleep 100", "has not done"},
       {"isDoneWithoutTheRegion", told + "echo velmora: done 1", "does not have region 0"},
