@@ -20,6 +20,9 @@ using host::TargetInput;
 /// last sample that 64 bits can count. This is well below that, and some thirty years.
 constexpr std::int64_t kMostSeconds = 1'000'000'000;
 
+/// So many silent regions may stand for the part of a region that its file does not have.
+constexpr std::int64_t kMostSilences = 64;
+
 PlannedFile Probe(const std::string& path) {
   PlannedFile file;
   file.path = path;
@@ -40,20 +43,28 @@ PlannedFile Probe(const std::string& path) {
   return file;
 }
 
-/// The part of a fade-in of `length` samples that a region has after losing its first `cut`.
-Ramp FadeInAfterCut(std::int64_t length, std::int64_t cut, std::int64_t regionLength) {
-  if (length <= cut) return {};
-  const std::int64_t left = std::min(length - cut, regionLength);
-  const auto factor = [&](std::int64_t sample) {
-    return static_cast<double>(sample) / static_cast<double>(length);
-  };
-  return {left, factor(cut), factor(cut + left)};
+/// A part of a region: samples counted from the region's start, `end` exclusive.
+struct Part {
+  std::int64_t begin = 0;
+  std::int64_t end = 0;
+};
+
+double Share(std::int64_t part, std::int64_t whole) {
+  return static_cast<double>(part) / static_cast<double>(whole);
 }
 
-/// The same of a fade-out and a region's last `cut` samples: time is turned round.
-Ramp FadeOutBeforeCut(std::int64_t length, std::int64_t cut, std::int64_t regionLength) {
-  const Ramp turned = FadeInAfterCut(length, cut, regionLength);
-  return {turned.length, turned.to, turned.from};
+/// What a region's fade-in is in a part of it.
+Ramp FadeInOf(const Part& part, std::int64_t fadeIn) {
+  if (fadeIn <= part.begin) return {};
+  const std::int64_t end = std::min(fadeIn, part.end);
+  return {end - part.begin, Share(part.begin, fadeIn), Share(end, fadeIn)};
+}
+
+/// The same of a fade-out, in a region of `length` samples.
+Ramp FadeOutOf(const Part& part, std::int64_t fadeOut, std::int64_t length) {
+  const std::int64_t begin = std::max(part.begin, length - fadeOut);
+  if (fadeOut == 0 || begin >= part.end) return {};
+  return {part.end - begin, Share(length - begin, fadeOut), Share(length - part.end, fadeOut)};
 }
 
 std::string NameOf(const SessionRegion& region) {
@@ -118,7 +129,7 @@ std::string ArdourPlan::WhyNot(const SessionRegion& region, std::size_t& file) {
     return region.path + " is of " + std::to_string(facts.sampleRate) + " Hz and the session of " +
            std::to_string(sampleRate_) + " Hz";
   }
-  if (region.start >= facts.frames || region.stop <= 0) {
+  if (facts.frames <= 0 || region.start >= facts.frames || region.stop <= 0) {
     return "no part of it lies in " + region.path + ", which has " + std::to_string(facts.frames) +
            " samples";
   }
@@ -144,15 +155,14 @@ void ArdourPlan::TakeTracks(const TargetInput& input, const std::vector<Candidat
   std::map<std::int64_t, std::size_t> numbers;
   for (const std::int64_t track : input.session.Tracks()) {
     numbers[track] = tracks_.size();
-    tracks_.push_back({"Track " + std::to_string(input.record.TrackNumber(track)), 1, {}});
+    tracks_.emplace_back().name = "Track " + std::to_string(input.record.TrackNumber(track));
   }
   bool isFirst = true;
   for (std::size_t i = 0; i < candidates.size(); ++i) {
     PlannedTrack& track = tracks_[numbers.at(kept.Regions()[i].track)];
     Place(input, candidates[i], heard.Shapes()[i], track);
-    const PlannedRegion& placed = track.regions.back();
-    first_ = isFirst ? placed.position : std::min(first_, placed.position);
-    end_ = std::max(end_, placed.position + placed.length);
+    first_ = isFirst ? track.first : std::min(first_, track.first);
+    end_ = std::max(end_, track.end);
     isFirst = false;
   }
 }
@@ -161,21 +171,43 @@ void ArdourPlan::Place(const TargetInput& input, const Candidate& candidate,
                        const host::AppliedShape& shape, PlannedTrack& track) {
   const SessionRegion& region = input.session.Regions()[candidate.region];
   const PlannedFile& file = files_[candidate.file];
-  const std::int64_t cutBefore = std::max<std::int64_t>(-region.start, 0);
-  const std::int64_t cutAfter = std::max<std::int64_t>(region.stop - file.frames, 0);
-  PlannedRegion planned;
-  planned.region = candidate.region;
-  planned.file = candidate.file;
-  planned.position = region.position + cutBefore;
-  planned.start = region.start + cutBefore;
-  planned.length = region.Length() - cutBefore - cutAfter;
-  planned.fadeIn = FadeInAfterCut(shape.fadeIn, cutBefore, planned.length);
-  planned.fadeOut = FadeOutBeforeCut(shape.fadeOut, cutAfter, planned.length);
-  planned.gain = shape.gain;
-  planned.name = NameOf(region);
-  NoteWhatIsOdd(input, planned, cutBefore, cutAfter);
+  const std::int64_t length = region.Length();
+  const auto place = [&](const Part& part, std::int64_t start, double gain, const char* suffix) {
+    PlannedRegion planned;
+    planned.region = candidate.region;
+    planned.file = candidate.file;
+    planned.position = region.position + part.begin;
+    planned.start = start;
+    planned.length = part.end - part.begin;
+    planned.fadeIn = FadeInOf(part, shape.fadeIn);
+    planned.fadeOut = FadeOutOf(part, shape.fadeOut, length);
+    planned.gain = gain;
+    planned.name = NameOf(region) + suffix;
+    track.regions.push_back(std::move(planned));
+  };
+  const auto placeSilence = [&](const Part& missing) {
+    const std::int64_t pieces = (missing.end - missing.begin + file.frames - 1) / file.frames;
+    const bool liesOver =
+        region.position + missing.begin < track.end && region.position + missing.end > track.first;
+    if (!liesOver || pieces == 0) return;
+    if (pieces > kMostSilences) {
+      notes_.push_back(RegionLabel(input, candidate.region) +
+                       ": its file is too short to hide what lies under the missing part");
+      return;
+    }
+    for (std::int64_t at = missing.begin; at < missing.end; at += file.frames) {
+      place({at, std::min(at + file.frames, missing.end)}, 0, 0, " (silence)");
+    }
+  };
+  const Part sounding = {std::max<std::int64_t>(-region.start, 0),
+                         length - std::max<std::int64_t>(region.stop - file.frames, 0)};
+  placeSilence({0, sounding.begin});
+  placeSilence({sounding.end, length});
+  place(sounding, region.start + sounding.begin, shape.gain, "");
+  NoteWhatIsOdd(input, track.regions.back(), sounding.begin, length - sounding.end);
+  track.first = std::min(track.first, region.position);
+  track.end = std::max(track.end, region.End());
   track.channels = std::max(track.channels, file.channels);
-  track.regions.push_back(std::move(planned));
 }
 
 void ArdourPlan::NoteWhatIsOdd(const TargetInput& input, const PlannedRegion& planned,

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <limits>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -46,6 +46,9 @@ struct PlannedTrack {
   std::string name;                    ///< by the project's number
   std::int32_t channels = 1;           ///< those of its widest region
   std::vector<PlannedRegion> regions;  ///< the lowest layer first
+  /// From the earliest position to the latest end of its regions, missing parts of them included.
+  std::int64_t first = std::numeric_limits<std::int64_t>::max();
+  std::int64_t end = 0;
 };
 
 /// What Ardour gets of a session.
@@ -53,7 +56,7 @@ struct PlannedTrack {
 /// Left out are regions before the timeline's start or beyond its end, and those whose file Ardour
 /// could not open, or would play at a wrong speed, or whose path its file cannot tell: it would say
 /// nothing, or refuse the whole session. Regions that reach beyond their files are cut to what is
-/// there.
+/// there. Where such a region hides others by what it lacks, regions without volume hide them.
 class ArdourPlan {
  public:
   /// Opens every audio file once.
