@@ -63,32 +63,42 @@ Json TracksJson(const host::TargetInput& input) {
   return tracks;
 }
 
-Json EventJson(const host::RecordedEvent& event, const host::SpotRecord& record, bool isPlaced) {
-  Json json = {{"event", event.event},       {"entry", event.entry},
-               {"kind", event.kind},         {"name", event.name},
-               {"on", event.isOn},           {"missing", event.isMissing},
-               {"placed", isPlaced},         {"source", OrNull(event.source)},
-               {"file", OrNull(event.path)}, {"track", nullptr},
-               {"position", nullptr},        {"end", nullptr},
-               {"fadeIn", event.fadeIn},     {"fadeOut", event.fadeOut},
-               {"gainDb", event.gainDb}};
+/// The files by their sources: many events share one.
+Json SourcesJson(const host::SpotRecord& record) {
+  std::map<std::int32_t, const std::string*> files;
+  for (const host::RecordedEvent& event : record.events) {
+    if (event.source) files.emplace(*event.source, &event.path);
+  }
+  Json sources = Json::array();
+  for (const auto& [source, path] : files) {
+    sources.push_back({{"source", source}, {"file", OrNull(*path)}});
+  }
+  return sources;
+}
+
+Json EventJson(const host::RecordedEvent& event, const host::SpotRecord& record, EventState state) {
+  Json json = {{"event", event.event}, {"entry", event.entry},   {"kind", event.kind},
+               {"name", event.name},   {"state", NameOf(state)}, {"source", OrNull(event.source)},
+               {"track", nullptr},     {"position", nullptr},    {"end", nullptr}};
   if (event.IsCut()) {
     json["track"] = record.TrackNumber(event.track);
     json["position"] = event.position;
     json["end"] = event.end;
   }
+  if (event.fadeIn != 0) json["fadeIn"] = event.fadeIn;
+  if (event.fadeOut != 0) json["fadeOut"] = event.fadeOut;
+  if (event.gainDb != 0) json["gainDb"] = event.gainDb;
   return json;
 }
 
 Json FileJson(const FileRow& file) {
-  const bool isKnown = !file.sum.sha256.empty();
-  return {{"what", file.what},
-          {"state", file.state},
-          {"event", OrNull(file.event)},
-          {"path", file.path},
-          {"folder", file.isFolder},
-          {"bytes", isKnown ? Json(file.sum.bytes) : Json()},
-          {"sha256", OrNull(file.sum.sha256)}};
+  Json json = {{"what", file.what}, {"state", file.state}, {"path", file.path}};
+  if (file.event) json["event"] = *file.event;
+  if (file.isFolder) json["folder"] = true;
+  if (file.sum.sha256.empty()) return json;
+  json["bytes"] = file.sum.bytes;
+  json["sha256"] = file.sum.sha256;
+  return json;
 }
 
 Json MessageJson(const MessageRow& row) {
@@ -153,9 +163,9 @@ void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ost
     region["track"] = regions[i].track;
     return region;
   });
-  facts.Array("events", record.events.size(), [&](std::size_t i) {
-    return EventJson(record.events[i], record, states[i] == EventState::Placed);
-  });
+  facts.Member("sources", SourcesJson(record));
+  facts.Array("events", record.events.size(),
+              [&](std::size_t i) { return EventJson(record.events[i], record, states[i]); });
   facts.Array("files", data.files.size(), [&](std::size_t i) { return FileJson(data.files[i]); });
   facts.Array("messages", data.messages.size(),
               [&](std::size_t i) { return MessageJson(data.messages[i]); });

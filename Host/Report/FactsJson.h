@@ -15,10 +15,11 @@ namespace velmora::report {
 ///     summary    as the session's JSON has it
 ///     tracks     track (from 0), number (the project's), regions
 ///     regions    as the session's JSON has them, each with `track`, in order of arrival
-///     events     event, entry, kind, name, on, missing, placed, source, file, track (the
-///                project's number), position, end, fadeIn, fadeOut, gainDb; what only cuts have
-///                is null for others
-///     files      what, state, event, path, folder, bytes, sha256; null where they do not apply
+///     sources    source, file (null for a missing one), of those that events name
+///     events     event, entry, kind, name, state (as the page has it), source, track (the
+///                project's number), position, end, source, track, position and end are null for
+///                what is no cut; fadeIn, fadeOut, gainDb stand there unless 0
+///     files      what, state, path; event, folder (true), bytes, sha256 where they apply
 ///     messages   weight, kind, code, line, event, entry, text, effect, remedy
 ///
 /// Positions and lengths are in samples of the session, ends exclusive.

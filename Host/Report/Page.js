@@ -59,7 +59,25 @@ function prepareSearch(input) {
   });
 }
 
-for (const table of document.querySelectorAll('table')) prepareSorting(table);
+/** Shows a long table's first rows at once, and the others when there is time. */
+function showByAndBy(table) {
+  const later = Array.from(table.tBodies[0].rows).slice(150);
+  if (later.length === 0) return;
+  for (const row of later) row.classList.add('later');
+  let shown = 0;
+  const more = () => {
+    const next = shown * 3 + 300;
+    for (const row of later.slice(shown, next)) row.classList.remove('later');
+    shown = next;
+    if (shown < later.length) setTimeout(more, 250);
+  };
+  setTimeout(more, 600);
+}
+
+for (const table of document.querySelectorAll('table')) {
+  prepareSorting(table);
+  showByAndBy(table);
+}
 for (const input of document.querySelectorAll('input[data-table]')) prepareSearch(input);
 
 // ---- The picture ----
@@ -82,8 +100,9 @@ function zoomTo(next, x = roomOf() / 2) {
   const old = lanes.getBoundingClientRect().width;
   const place = (picture.scrollLeft + x) / old;
   level = Math.min(Math.max(next, 0), highestLevel);
-  picture.dataset.level = level;
-  const width = roomOf() * 2 ** level;
+  const room = roomOf();
+  picture.dataset.ticks = level + (room < 420 ? 0 : room < 840 ? 1 : 2);
+  const width = room * 2 ** level;
   lanes.style.width = `${width}px`;
   picture.scrollLeft = place * width - x;
   zoomText.textContent = `${2 ** level}×`;

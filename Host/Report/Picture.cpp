@@ -1,6 +1,7 @@
 #include "Report/Picture.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <map>
@@ -18,10 +19,13 @@ namespace {
 constexpr int kRulerHeight = 24;
 constexpr int kLaneHeight = 46;
 constexpr int kRegionTop = 4;
-constexpr int kRegionHeight = 38;
+constexpr int kRegionHeight = 38;  // as Page.css gives it to them
+
+/// The picture's width in units of its own, whatever it is shown at.
+constexpr double kWidth = 1'000'000;
 
 /// With at most `digits` decimals, and none that say nothing.
-std::string Number(double value, int digits) {
+std::string Number(double value, int digits = 0) {
   std::array<char, 64> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
                                  std::chars_format::fixed, digits);
@@ -43,12 +47,12 @@ struct View {
     end = isEmpty ? static_cast<double>(to) : std::max(end, static_cast<double>(to));
     isEmpty = false;
   }
-  /// "12.5%"; for lengths from `first` on.
-  [[nodiscard]] std::string Share(double samples) const {
-    return Number(100 * samples / std::max(end - first, 1.0), 4) + '%';
+  /// A length in the picture's units.
+  [[nodiscard]] double Units(double samples) const {
+    return kWidth * samples / std::max(end - first, 1.0);
   }
-  [[nodiscard]] std::string Place(std::int64_t sample) const {
-    return Share(static_cast<double>(sample) - first);
+  [[nodiscard]] double Place(std::int64_t sample) const {
+    return Units(static_cast<double>(sample) - first);
   }
   bool isEmpty = true;
 };
@@ -57,38 +61,25 @@ bool IsShown(EventState state) {
   return state == EventState::Missing || state == EventState::Off || state == EventState::LeftOut;
 }
 
-/// Bars around the middle, `n` of them side by side in a box that is `n` wide.
+/// Bars around the middle of a box, each one unit wide.
 void WriteWave(const Peaks& peaks, std::ostream& out) {
   constexpr int kMiddle = kRegionHeight / 2;
   constexpr float kReach = kMiddle - 2;
-  if (peaks.empty()) return;
-  out << "<path class=w d=\"M.5 " << kMiddle;
-  for (std::size_t i = 0; i < peaks.size(); ++i) {
-    const auto up = static_cast<int>(std::lround(peaks[i] * kReach));
-    const std::string move = i == 0 ? "m0" : "m1";
-    if (up == 0) {
-      out << move << " 0";  // silence has no bar
+  int place = kMiddle;  // of the pen, from the top
+  out << "M-.5 " << place;
+  for (const float peak : peaks) {
+    const auto up = static_cast<int>(std::lround(peak * kReach));
+    if (up == 0) {  // silence has no bar
+      out << "m1 0";
       continue;
     }
-    // Up, down twice as far, and back to the middle.
-    out << move << '-' << up << 'v' << 2 * up << "m0-" << up;
+    const int move = kMiddle - up - place;
+    out << "m1" << (move < 0 ? "" : " ") << move << 'v' << 2 * up;
+    place = kMiddle + up;
   }
-  out << "\"/>";
 }
 
 enum class Ramp { Up, Down };
-
-/// The shade over what a fade takes away, from `from` to `to` across the box.
-void WriteRamp(double from, double to, Ramp ramp, std::ostream& out) {
-  const std::string left = Number(from, 3), right = Number(to, 3);
-  out << "<path class=f d=\"M" << left << " 0";
-  if (ramp == Ramp::Up) {
-    out << 'V' << kRegionHeight << 'L' << right << " 0";
-  } else {
-    out << 'L' << right << ' ' << kRegionHeight << "V0";
-  }
-  out << "Z\"/>";
-}
 
 class PictureWriter {
  public:
@@ -110,7 +101,7 @@ class PictureWriter {
   }
 
   void Write() {
-    out_ << "<div class=\"picture\" id=\"picture\" data-level=\"0\" tabindex=\"0\" role=\"group\" "
+    out_ << "<div class=\"picture\" id=\"picture\" data-ticks=\"2\" tabindex=\"0\" role=\"group\" "
             "aria-label=\"Timeline\" aria-describedby=\"picture-text\">\n<div class=\"names\" "
             "aria-hidden=\"true\">";
     for (const auto& [track, lane] : lanes_) {
@@ -124,12 +115,15 @@ class PictureWriter {
       const std::size_t line = kRulerHeight + lane * kLaneHeight;
       out_ << "<line class=\"l\" x2=\"100%\" y1=\"" << line << "\" y2=\"" << line << "\"/>\n";
     }
+    // Without an aspect ratio: it is stretched, and lines and texts are not in it.
+    out_ << "<svg width=\"100%\" height=\"" << height << "\" viewBox=\"0 0 " << Number(kWidth)
+         << ' ' << height << "\" preserveAspectRatio=\"none\">\n";
     // Under the regions: a cut that is off may lie where another one plays.
     for (std::size_t i = 0; i < states_.size(); ++i) {
       if (IsShown(states_[i])) WriteEvent(input_.record.events[i], states_[i]);
     }
     for (std::size_t i = 0; i < input_.session.Regions().size(); ++i) WriteRegion(i);
-    out_ << "</svg>\n</div>\n";
+    out_ << "</svg>\n</svg>\n</div>\n";
   }
 
  private:
@@ -139,7 +133,7 @@ class PictureWriter {
     const host::SessionClock clock(input_.rates);
     for (const TimeTick& tick : TicksBetween(clock, static_cast<std::int64_t>(view_.first),
                                              static_cast<std::int64_t>(view_.end))) {
-      const std::string x = view_.Place(tick.sample);
+      const std::string x = Number(100 * view_.Place(tick.sample) / kWidth, 4) + '%';
       out_ << "<g class=\"t z" << tick.level << "\"><line x1=\"" << x << "\" x2=\"" << x
            << "\" y1=\"16\" y2=\"" << height << "\"/><text x=\"" << x << "\" y=\"13\">"
            << Html(tick.label) << "</text></g>\n";
@@ -150,49 +144,69 @@ class PictureWriter {
     return kRulerHeight + lanes_.at(track) * kLaneHeight + kRegionTop;
   }
 
+  void WriteBox(std::int64_t track, std::int64_t position, double length) {
+    out_ << " x=" << Number(view_.Place(position)) << " y=" << TopOf(track)
+         << " width=" << Number(std::max(view_.Units(length), 1.0)) << " />";
+  }
+
   void WriteEvent(const host::RecordedEvent& event, EventState state) {
     const double length = static_cast<double>(event.end) - static_cast<double>(event.position);
-    const char* const look = state == EventState::Off ? "off" : "gone";
-    out_ << "<rect class=\"e " << look << "\" data-e=\"" << event.event << "\" x=\""
-         << view_.Place(event.position) << "\" y=\"" << TopOf(event.track) << "\" width=\""
-         << view_.Share(std::max(length, 0.0)) << "\" height=\"" << kRegionHeight << "\"/>\n";
+    out_ << "<rect class=\"e " << (state == EventState::Off ? "off" : "gone")
+         << "\" data-e=" << event.event;
+    WriteBox(event.track, event.position, std::max(length, 0.0));
+    out_ << '\n';
   }
 
   void WriteRegion(std::size_t index) {
     const host::SessionRegion& region = input_.session.Regions()[index];
     const auto length = static_cast<double>(std::max<std::int64_t>(region.Length(), 0));
-    const Peaks& peaks = peaks_[index];
-    const double width = peaks.empty() ? 1 : static_cast<double>(peaks.size());
     const RegionPiece piece = region.origin ? region.origin->piece : RegionPiece::Main;
-    out_ << "<svg class=\"r " << NameOf(piece) << "\" data-r=\"" << index << "\" x=\""
-         << view_.Place(region.position) << "\" y=\"" << TopOf(region.track) << "\" width=\""
-         << view_.Share(length) << "\" height=\"" << kRegionHeight << "\" viewBox=\"0 0 " << width
-         << ' ' << kRegionHeight << "\" preserveAspectRatio=\"none\"><rect width=\"" << width
-         << "\" height=\"" << kRegionHeight << "\"/>";
-    WriteWave(peaks, out_);
-    WriteFades(index, length, width);
-    out_ << "</svg>\n";
+    out_ << "<rect class=\"r";
+    if (piece != RegionPiece::Main) out_ << ' ' << NameOf(piece);
+    out_ << "\" data-r=" << index;
+    WriteBox(region.track, region.position, length);
+    const double left = view_.Place(region.position), width = view_.Units(length);
+    const std::size_t top = TopOf(region.track);
+    const Peaks& peaks = peaks_[index];
+    if (!peaks.empty()) {
+      out_ << "<path transform=\"matrix(" << Number(width / static_cast<double>(peaks.size()), 2)
+           << " 0 0 1 " << Number(left) << ' ' << top << ")\" d=\"";
+      WriteWave(peaks, out_);
+      out_ << "\"/>";
+    }
+    WriteFades(index, length);
+    out_ << '\n';
   }
 
   /// A rendered piece is a fade from end to end.
-  void WriteFades(std::size_t index, double length, double width) {
+  void WriteFades(std::size_t index, double length) {
     const host::SessionRegion& region = input_.session.Regions()[index];
     const RegionPiece piece = region.origin ? region.origin->piece : RegionPiece::Main;
     if (piece == RegionPiece::FadeIn || piece == RegionPiece::Crossfade) {
-      WriteRamp(0, width, Ramp::Up, out_);
+      WriteRamp(region, 0, length, Ramp::Up);
     }
     if (piece == RegionPiece::FadeOut || piece == RegionPiece::Crossfade) {
-      WriteRamp(0, width, Ramp::Down, out_);
+      WriteRamp(region, 0, length, Ramp::Down);
     }
     const host::AppliedShape& shape = input_.heard.Shapes()[index];
-    if (length <= 0 || !shape.HasFades()) return;
-    const double scale = width / length;
-    if (shape.fadeIn > 0) {
-      WriteRamp(0, static_cast<double>(shape.fadeIn) * scale, Ramp::Up, out_);
+    const auto fadeIn = static_cast<double>(shape.fadeIn);
+    const auto fadeOut = static_cast<double>(shape.fadeOut);
+    if (fadeIn > 0) WriteRamp(region, 0, fadeIn, Ramp::Up);
+    if (fadeOut > 0) WriteRamp(region, length - fadeOut, length, Ramp::Down);
+  }
+
+  /// The shade over what a fade takes away, between two samples of a region.
+  void WriteRamp(const host::SessionRegion& region, double from, double to, Ramp ramp) {
+    const double start = view_.Place(region.position);
+    const std::string left = Number(start + view_.Units(from));
+    const std::string width = Number(std::max(view_.Units(to - from), 0.0));
+    out_ << "<path class=f d=\"M" << left << ' ' << TopOf(region.track);
+    if (ramp == Ramp::Up) {
+      out_ << 'v' << kRegionHeight << 'l' << width << '-' << kRegionHeight;
+    } else {
+      out_ << 'l' << width << ' ' << kRegionHeight << "v-" << kRegionHeight;
     }
-    if (shape.fadeOut > 0) {
-      WriteRamp(width - static_cast<double>(shape.fadeOut) * scale, width, Ramp::Down, out_);
-    }
+    out_ << "z\"/>";
   }
 
   const host::TargetInput& input_;

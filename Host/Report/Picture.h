@@ -9,8 +9,7 @@
 namespace velmora::report {
 
 /// Writes the picture of the timeline: a row for each track, with its regions in order of arrival,
-/// and the cuts that are not there. Places across are shares of the whole in percent, so that the
-/// picture can be stretched without its texts and lines.
+/// and the cuts that are not there. It can be stretched across without its texts and lines.
 ///
 /// Regions carry `data-r`, their index; cuts that were not placed `data-e`, their event's.
 /// @param states by place in SpotRecord::events

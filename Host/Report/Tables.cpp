@@ -55,15 +55,22 @@ class TableWriter {
   void Text(std::string_view text) { out_ << "<td>" << Html(text) << "</td>"; }
   /// Our own markup, its texts escaped.
   void Markup(std::string_view html) { out_ << "<td>" << html << "</td>"; }
-  void Number(std::int64_t number) { out_ << "<td class=n>" << number << "</td>"; }
+  void Number(std::int64_t number) { out_ << "<td>" << number << "</td>"; }
   void Number(const std::optional<std::int64_t>& number) { number ? Number(*number) : Nothing(); }
-  /// Only what is there to see is shown: a column of zeros hides the few numbers in it.
-  void NumberUnlessZero(std::int64_t number) { number != 0 ? Number(number) : Nothing(); }
-  void Decibels(double gain) {
-    if (gain == 0) return Nothing();
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%+.2f", gain);
-    out_ << "<td class=n>" << text.data() << "</td>";
+  /// Only what is there to see is shown: zeros would hide the few numbers among them.
+  void Shape(std::int64_t fadeIn, std::int64_t fadeOut, double gainDb) {
+    std::string text;
+    const auto add = [&text](const std::string& part) {
+      text += (text.empty() ? "" : ", ") + part;
+    };
+    if (fadeIn != 0) add("in " + std::to_string(fadeIn));
+    if (fadeOut != 0) add("out " + std::to_string(fadeOut));
+    if (gainDb != 0) {
+      std::array<char, 64> gain{};
+      std::snprintf(gain.data(), gain.size(), "%+.2f dB", gainDb);
+      add(gain.data());
+    }
+    Text(text);
   }
   void Nothing() { out_ << "<td></td>"; }
 
@@ -161,9 +168,7 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
                                                    {"Out"},
                                                    {"Position", Sort::Number},
                                                    {"Length", Sort::Number},
-                                                   {"Fade-in", Sort::Number},
-                                                   {"Fade-out", Sort::Number},
-                                                   {"Gain dB", Sort::Number}});
+                                                   {"Fades and gain"}});
   const host::SessionClock clock(input.rates);
   const std::vector<host::RecordedEvent>& events = input.record.events;
   TableWriter table(out, "events", "events",
@@ -189,9 +194,7 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
     } else {
       for (int column = 0; column < 5; ++column) table.Nothing();
     }
-    table.NumberUnlessZero(event.fadeIn);
-    table.NumberUnlessZero(event.fadeOut);
-    table.Decibels(event.gainDb);
+    table.Shape(event.fadeIn, event.fadeOut, event.gainDb);
     table.End();
   }
 }
@@ -207,9 +210,7 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
                                                    {"Length", Sort::Number},
                                                    {"File"},
                                                    {"From", Sort::Number},
-                                                   {"Fade-in", Sort::Number},
-                                                   {"Fade-out", Sort::Number},
-                                                   {"Gain dB", Sort::Number},
+                                                   {"Fades and gain"},
                                                    {"Event", Sort::Number}});
   const host::SessionClock clock(input.rates);
   const std::vector<host::SessionRegion>& regions = input.session.Regions();
@@ -231,9 +232,7 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
     table.Number(region.Length());
     table.Text(FileNameOf(region.path));
     table.Number(region.start);
-    table.NumberUnlessZero(region.shape.fadeIn);
-    table.NumberUnlessZero(region.shape.fadeOut);
-    table.Decibels(region.shape.gainDb);
+    table.Shape(region.shape.fadeIn, region.shape.fadeOut, region.shape.gainDb);
     table.Number(region.origin ? std::optional<std::int64_t>(region.origin->event) : std::nullopt);
     table.End();
   }

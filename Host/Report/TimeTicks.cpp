@@ -6,7 +6,7 @@
 namespace velmora::report {
 namespace {
 
-constexpr std::int64_t kTicksOnScreen = 10;
+constexpr std::int64_t kFewestTicks = 3;
 
 /// Steps in frames, each a multiple of the one before: so a mark of a level is one of all finer
 /// levels, too.
@@ -20,7 +20,7 @@ std::vector<std::int64_t> StepsOf(const host::SessionClock& clock) {
 
 /// The smallest step that gives no more marks than fit; beyond the longest one, its doubles.
 std::int64_t StepFor(const std::vector<std::int64_t>& steps, std::int64_t frames, int level) {
-  const std::int64_t most = kTicksOnScreen << level;
+  const std::int64_t most = kFewestTicks << level;
   for (const std::int64_t step : steps) {
     if (frames / step <= most) return step;
   }
@@ -40,8 +40,8 @@ std::vector<TimeTick> TicksBetween(const host::SessionClock& clock, std::int64_t
   const std::vector<std::int64_t> steps = StepsOf(clock);
   const std::int64_t firstFrame = clock.FrameAt(first);
   const std::int64_t frames = clock.FrameAt(end) - firstFrame;
-  std::array<std::int64_t, kZoomLevels> stepOf{};
-  for (int level = 0; level < kZoomLevels; ++level) {
+  std::array<std::int64_t, kTickLevels> stepOf{};
+  for (int level = 0; level < kTickLevels; ++level) {
     stepOf[static_cast<std::size_t>(level)] = StepFor(steps, frames, level);
   }
   const std::int64_t finest = stepOf.back();

@@ -8,18 +8,19 @@
 
 namespace velmora::report {
 
-/// The zoom levels of the picture: at level n it is 2^n times as wide as at level 0.
-inline constexpr int kZoomLevels = 7;
+/// Levels of marks. The page shows them up to two higher than its zoom level, at which the picture
+/// is 2^n times as wide as the screen, or fewer of them where the screen is narrow.
+inline constexpr int kTickLevels = 9;
 
 /// A mark of the picture's ruler.
 struct TimeTick {
   std::int64_t sample = 0;
-  int level = 0;      ///< it shows from this zoom level on
+  int level = 0;      ///< 0: a mark that every picture shows
   std::string label;  ///< timecode
 };
 
-/// Marks for a picture from sample `first` to sample `end`, rising: about ten on a screen at every
-/// zoom level, each at a full frame, second, minute or hour where there is room for that.
+/// Marks for a picture from sample `first` to sample `end`, rising: up to three of level 0, and
+/// twice as many up to each further level, each at a full frame, second, minute or hour.
 [[nodiscard]] std::vector<TimeTick> TicksBetween(const host::SessionClock& clock,
                                                  std::int64_t first, std::int64_t end);
 
