@@ -16,7 +16,9 @@ class PrivateFolder {
   /// Check IsMade; errno tells why it is not.
   PrivateFolder() {
     std::error_code error;
-    std::string name = std::filesystem::temp_directory_path(error) / "velmora-ardour-XXXXXX";
+    const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+    std::string name = parent / "velmora-ardour-XXXXXX";
+    if (!error) name = std::filesystem::absolute(name, error);
     if (!error && ::mkdtemp(name.data()) != nullptr) path_ = name;
   }
   ~PrivateFolder() {

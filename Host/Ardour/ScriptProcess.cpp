@@ -26,17 +26,17 @@ std::vector<char*> PointersTo(const std::vector<std::string>& texts) {
   return pointers;
 }
 
-/// What a new process is to have: a group of its own, all signals as they are by default.
+/// What a new process is to have: a place in a group, all signals as they are by default.
 class SpawnAttributes {
  public:
-  SpawnAttributes() {
+  explicit SpawnAttributes(pid_t group) {
     posix_spawnattr_init(&attributes_);
     sigset_t none, all;
     sigemptyset(&none);
     sigfillset(&all);
     posix_spawnattr_setsigmask(&attributes_, &none);
     posix_spawnattr_setsigdefault(&attributes_, &all);
-    posix_spawnattr_setpgroup(&attributes_, 0);
+    posix_spawnattr_setpgroup(&attributes_, group);
     posix_spawnattr_setflags(
         &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   }
@@ -82,11 +82,13 @@ int ScriptProcess::Start(const Command& command) {
   for (Pipe* const pipe : {&input_, &streams_[Output], &streams_[Errors], &life_}) {
     if (const int error = pipe->Open(); error != 0) return error;
   }
+  // The guard comes first: so there is no moment at which the script has none.
+  if (const int error = StartGuard(); error != 0) return error;
   SpawnActions actions;
   actions.Connect(input_.readEnd.Number(), STDIN_FILENO);
   actions.Connect(streams_[Output].writeEnd.Number(), STDOUT_FILENO);
   actions.Connect(streams_[Errors].writeEnd.Number(), STDERR_FILENO);
-  const SpawnAttributes attributes;
+  const SpawnAttributes attributes(guard_);
   std::vector<std::string> words = {command.program};
   words.insert(words.end(), command.arguments.begin(), command.arguments.end());
   const int error = posix_spawn(&script_, command.program.c_str(), actions.Get(), attributes.Get(),
@@ -100,13 +102,15 @@ int ScriptProcess::Start(const Command& command) {
     ::fcntl(stream.readEnd.Number(), F_SETFL, O_NONBLOCK);
   }
   lastProgress_ = std::chrono::steady_clock::now();
-  return StartGuard();
+  return 0;
 }
 
 int ScriptProcess::StartGuard() {
   guard_ = ::fork();
   if (guard_ < 0) return errno;
   if (guard_ == 0) RunGuard();
+  // Both set it, so that the group is there for both from now on.
+  ::setpgid(guard_, guard_);
   life_.readEnd.Close();
   return 0;
 }
@@ -114,6 +118,7 @@ int ScriptProcess::StartGuard() {
 /// The guard's whole life, in a copy of this process that may have had threads: only what is safe
 /// in a signal handler may be called here. It ends the group when this process has gone.
 void ScriptProcess::RunGuard() const {
+  ::setpgid(0, 0);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) std::signal(signal, SIG_IGN);
   // Nothing that this process has open may stay open by the guard; above all not the end of the
   // pipe that tells of this process.
@@ -125,7 +130,7 @@ void ScriptProcess::RunGuard() const {
   char byte = 0;
   while (::read(life, &byte, 1) < 0 && errno == EINTR) {
   }
-  ::kill(-script_, SIGKILL);
+  ::kill(-::getpid(), SIGKILL);
   ::_exit(0);
 }
 
@@ -160,7 +165,7 @@ ScriptEnd ScriptProcess::Run(const std::function<LineUse(std::string_view)>& tak
 
 bool ScriptProcess::HasEnded() const {
   siginfo_t info{};
-  // The number stays taken until the script is reaped, so that its group can still be named.
+  // It is only looked at here: EndGroup reaps it.
   return ::waitid(P_PID, static_cast<id_t>(script_), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
          info.si_pid == script_;
 }
@@ -210,15 +215,10 @@ ScriptEnd ScriptProcess::Reap() {
 }
 
 void ScriptProcess::EndGroup() {
-  // While the script is not reaped its number names no other group.
-  if (script_ > 0) ::kill(-script_, SIGKILL);
-  if (guard_ > 0) {
-    ::kill(guard_, SIGKILL);
-    while (::waitpid(guard_, nullptr, 0) < 0 && errno == EINTR) {
-    }
-  }
-  if (script_ > 0) {
-    while (::waitpid(script_, nullptr, 0) < 0 && errno == EINTR) {
+  // While the guard is not reaped its number names no other group.
+  if (guard_ > 0) ::kill(-guard_, SIGKILL);
+  for (const pid_t process : {script_, guard_}) {
+    while (process > 0 && ::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
     }
   }
   script_ = guard_ = -1;

@@ -98,8 +98,8 @@ class ScriptProcess {
   std::array<LineBuffer, 2> lines_;
   Pipe life_;  ///< its write end is this process alone: when it closes, this process has ended
   std::string lastWords_;
-  pid_t script_ = -1;  ///< also the number of its process group; -1 when it has been reaped
-  pid_t guard_ = -1;
+  pid_t script_ = -1;  ///< -1 when it has been reaped, or is not started
+  pid_t guard_ = -1;   ///< also the number of the process group of both
 };
 
 }  // namespace velmora::ardour

@@ -55,6 +55,7 @@ std::string SessionMaker::Make(const std::string& program, std::chrono::millisec
   if (error != 0) return program + " cannot be started: " + std::strerror(error);
   const ScriptEnd end = script.Run([&](std::string_view line) { return Take(line, script); },
                                    [&] { return !progress || progress(Share()); });
+  if (end.kind == ScriptEnd::Kind::Cancelled) return "it was cancelled";
   std::string trouble = TroubleOf(end, patience);
   return trouble.empty() ? Finish() : program + ": " + trouble;
 }
@@ -150,8 +151,6 @@ std::string SessionMaker::TroubleOf(const ScriptEnd& end, std::chrono::milliseco
   switch (end.kind) {
     case ScriptEnd::Kind::Failed:
       return trouble_;
-    case ScriptEnd::Kind::Cancelled:
-      return "it was cancelled";
     case ScriptEnd::Kind::Hung: {
       const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
       return "Ardour hung: there was no progress for " + std::to_string(seconds) + " s" + said;
@@ -161,6 +160,7 @@ std::string SessionMaker::TroubleOf(const ScriptEnd& end, std::chrono::milliseco
     case ScriptEnd::Kind::Lost:
       return std::string("Ardour was lost: ") + std::strerror(end.number);
     case ScriptEnd::Kind::Exited:
+    case ScriptEnd::Kind::Cancelled:
       break;
   }
   if (end.number != 0) {
