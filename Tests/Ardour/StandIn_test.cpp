@@ -148,6 +148,8 @@ TEST_F(StandIn, ourOwnEndEndsAllItsProcesses) {
   const pid_t self = ::fork();
   ASSERT_GE(self, 0);
   if (self == 0) {
+    // What is killed cannot tidy up: the test does.
+    ::setenv("TMPDIR", folder_.Path().c_str(), 1);
     static_cast<void>(MakeWith(StartsChild() + "wait\n"));
     ::_exit(0);
   }
