@@ -150,7 +150,9 @@ sf_count_t SoundFile::Read(void* bytes, sf_count_t count, void* self) {
   const std::int64_t held = std::max<std::int64_t>(sound.size_ - sound.place_, 0);
   const std::int64_t wanted = std::min({std::int64_t{count}, sound.bytesLeft_, held});
   if (wanted <= 0 || sound.readsLeft_ <= 0) return 0;
+  errno = 0;
   const std::int64_t got = sound.ReadShown(static_cast<std::uint8_t*>(bytes), wanted);
+  if (got < wanted && errno != 0) sound.readError_ = errno;
   sound.place_ += got;
   if (sound.bytesLeft_ != kNoLimit) {
     sound.bytesLeft_ -= got;

@@ -34,6 +34,9 @@ class SoundFile {
   [[nodiscard]] int Encoding() const { return info_.format & SF_FORMAT_SUBMASK; }
   [[nodiscard]] SNDFILE* Handle() const { return file_; }
   [[nodiscard]] std::FILE* Stream() const { return stream_.get(); }
+  /// The errno of the last read that failed since the file was opened, 0 if none did. libsndfile
+  /// itself does not tell a failed read from the end of a file.
+  [[nodiscard]] int ReadError() const { return readError_; }
   /// True if libsndfile refuses the file as it is.
   [[nodiscard]] bool IsMended() const { return mended_; }
 
@@ -59,6 +62,7 @@ class SoundFile {
   bool mended_ = false;
   std::int64_t bytesLeft_;  ///< that may still be read; see kMostHeaderBytes
   std::int64_t readsLeft_;
+  int readError_ = 0;
   SF_INFO info_{};
   SNDFILE* file_ = nullptr;  ///< closed by the destructor
 };

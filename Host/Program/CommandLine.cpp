@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "Destinations/Destinations.h"
 #include "Program/AbsolutePath.h"
-#include "Program/Hosts.h"
 #include "Program/OptionForms.h"
 #include "Program/Usage.h"
 #include "Spot/SpotOptions.h"
@@ -22,6 +22,7 @@ constexpr const char* kExamples = R"(Examples:
   velmora spot Radio.adl --fades --gain --copy-to Audio
   velmora spot Radio.adl --position start --start 10:00:00:00 --depth 16
   velmora spot Radio.adl --only-tracks 1,3-5 --host embedded:session.json
+  velmora report Radio.adl -o Radio.html         a page to send to a colleague
   velmora check Radio.adl --media Takes          what would go wrong, where, what helps
   velmora check . --json | jq -r .verdict        every project below a folder
   velmora prepare Radio.adl --into Clean         a project that spots as it was meant
@@ -74,7 +75,8 @@ struct RawOptions {
   std::string skipTracks, onlyTracks, skipEvents, onlyEvents;
   std::string frameRate;
   double sessionRate = 0;
-  std::string host = Hosts().front()->name;
+  std::string host = host::Hosts().front()->name;
+  RawTargets targets;
   std::string copyFolder;
   std::string prepare;
   RawReadingOptions reading;
@@ -155,7 +157,7 @@ void AddPreparationOptions(CLI::App& spot, SpotArguments& arguments, RawOptions&
 /// What --host does, from the table of hosts.
 std::string HostHelp() {
   std::string help = "Where the regions go:";
-  for (const host::HostKind* const kind : Hosts()) {
+  for (const host::HostKind* const kind : host::Hosts()) {
     help += "\n" + host::HostForm(*kind) + "\n" + kind->help;
   }
   return help;
@@ -178,6 +180,7 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
+  AddTargetOptions(spot, raw.targets);
   spot.add_flag("--json", arguments.json, "Tell every step as JSON Lines");
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
@@ -202,9 +205,17 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   }
   if (!raw.frameRate.empty()) arguments.sessionFrameRate = FrameRateCodeOf(raw.frameRate);
 
-  const std::string complaint = host::ParseHost(Hosts(), raw.host, arguments.host);
+  const std::string complaint = host::ParseHost(host::Hosts(), raw.host, arguments.host);
   if (!complaint.empty()) return "--host: " + complaint;
   arguments.host.target = AbsolutePath(arguments.host.target);
+  std::string wrong = FinishTargets(raw.targets, arguments.host.target, arguments.targets);
+  if (!wrong.empty()) return wrong;
+  if (arguments.targets.native && (arguments.fades || arguments.gain)) {
+    return "--native excludes --fades and --gain: they render what it leaves to the workstation";
+  }
+  if (arguments.json && arguments.targets.TakeStandardOutput()) {
+    return "--json and a bounce to - exclude each other: both take standard output";
+  }
 
   arguments.prepare = spot.count("--prepare") > 0;
   for (const std::string& name : raw.forPrepare) {
@@ -220,6 +231,28 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
     return "--copy-to: the name of the folder is empty";
   }
   arguments.copyFolder = AbsolutePath(raw.copyFolder);
+  return {};
+}
+
+/// The table's target that tells of a spot.
+const host::TargetKind* ReportKind() {
+  const auto& targets = host::Targets();
+  const auto found = std::find_if(targets.begin(), targets.end(), [](const auto* kind) {
+    return kind->use == host::TargetKind::Use::Record;
+  });
+  return found != targets.end() ? *found : nullptr;
+}
+
+/// What a report asks beyond what a spot does; an empty answer, or what is wrong.
+std::string FinishReport(SpotArguments& arguments, const std::string& page,
+                         const CLI::App& report) {
+  if (report.count("-o") == 0) return "-o is missing: name the page to make";
+  if (page.empty()) return "-o: the name is empty";
+  if (arguments.prepare) {
+    return "--prepare does not go with report, for it makes files: make the report of what velmora "
+           "prepare has made";
+  }
+  arguments.plan = TargetRequest{ReportKind(), AbsolutePath(page)};
   return {};
 }
 
@@ -297,6 +330,15 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   CLI::App* const spot = app.add_subcommand("spot", "Prepare the audio and place every cut");
   AddSpotOptions(*spot, spotArguments, raw);
 
+  SpotArguments reportArguments;
+  RawOptions rawReport;
+  std::string page;
+  CLI::App* const report = app.add_subcommand(
+      "report", "Make a page of what a spot would place, make and leave out,\nand nothing else");
+  AddSpotOptions(*report, reportArguments, rawReport);
+  report->add_option("-o,--output", page, "The page to make, which must not exist")
+      ->type_name("FILE.html");
+
   CheckArguments checkArguments;
   RawCheckOptions rawCheck;
   CLI::App* const check = app.add_subcommand("check", "Say what would go wrong in a spot, and why");
@@ -325,14 +367,18 @@ Command ReadCommandLine(int argc, const char* const* argv) {
     return prepareArguments;
   }
   if (check->parsed()) return FinishCheck(std::move(checkArguments), rawCheck, *check);
+  const bool isReport = report->parsed();
+  const char* const command = isReport ? "report" : "spot";
   // The library takes an empty value for none.
   if (std::find(argv, argv + argc, std::string_view("--prepare=")) != argv + argc) {
-    return BadUsage("--prepare: the name of the folder is empty", "spot");
+    return BadUsage("--prepare: the name of the folder is empty", command);
   }
-  spotArguments.project = AbsolutePath(spotArguments.project);
-  const std::string complaint = Finish(spotArguments, raw, *spot);
-  if (!complaint.empty()) return BadUsage(complaint, "spot");
-  return spotArguments;
+  SpotArguments& arguments = isReport ? reportArguments : spotArguments;
+  arguments.project = AbsolutePath(arguments.project);
+  std::string complaint = Finish(arguments, isReport ? rawReport : raw, isReport ? *report : *spot);
+  if (complaint.empty() && isReport) complaint = FinishReport(arguments, page, *report);
+  if (!complaint.empty()) return BadUsage(complaint, command);
+  return arguments;
 }
 
 }  // namespace velmora::program

@@ -8,6 +8,7 @@
 #include "Prepare/PrepareProject.h"
 #include "Program/BoxChoice.h"
 #include "Program/CheckArguments.h"
+#include "Program/TargetOptions.h"
 #include "Session/HostKind.h"
 
 namespace velmora::program {
@@ -31,9 +32,12 @@ struct SpotArguments {
   std::optional<float> sessionRate;              ///< Hz
   std::optional<std::int32_t> sessionFrameRate;  ///< code 0 to 7
   host::HostChoice host;                         ///< its target, if any, as an absolute path
+  TargetRequests targets;                        ///< beside the host's own
   bool prepare = false;                          ///< spots a prepared project
   /// For `prepare`. Its `into` is empty for a folder with a free name.
   prepare::PrepareOptions preparation;
+  /// The page to make in place of a spot; none for a spot. Then nothing else is made.
+  std::optional<TargetRequest> plan;
   bool truePosition = false;  ///< without the compensation; always so with `prepare`
   bool json = false;
   bool quiet = false;

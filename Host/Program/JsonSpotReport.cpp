@@ -9,32 +9,6 @@ namespace {
 
 using host::Json;
 
-const char* NameOf(FilePass pass) {
-  switch (pass) {
-    case FilePass::Gain:
-      return "gain";
-    case FilePass::Fade:
-      return "fade";
-    case FilePass::Depth:
-      break;
-  }
-  return "depth";
-}
-
-const char* NameOf(RegionPiece piece) {
-  switch (piece) {
-    case RegionPiece::FadeIn:
-      return "infade";
-    case RegionPiece::Crossfade:
-      return "crossfade";
-    case RegionPiece::FadeOut:
-      return "outfade";
-    case RegionPiece::Main:
-      break;
-  }
-  return "main";
-}
-
 Json OptionsJson(const SpotOptions& options) {
   return {{"sessionRate", options.sessionRate},
           {"positionMode", options.positionMode},

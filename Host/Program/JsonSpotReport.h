@@ -11,8 +11,9 @@ namespace velmora::program {
 /// Tells a run as JSON Lines.
 class JsonSpotReport : public SpotReport {
  public:
-  JsonSpotReport(LeftOut& leftOut, const MessageTap& tap, std::ostream& out)
-      : SpotReport(leftOut), tap_(tap), out_(out) {}
+  JsonSpotReport(LeftOut& leftOut, SpotRecording& recording, const MessageTap& tap,
+                 std::ostream& out)
+      : SpotReport(leftOut, recording), tap_(tap), out_(out) {}
 
   void Warning(const std::string& text) override;
   void Start(const SpotOptions& options, std::int32_t steps) override;

@@ -14,6 +14,10 @@ std::string MissingText(const MissingSource& source) {
          " was not found: " + (source.location.empty() ? "it has no location" : source.location);
 }
 
+constexpr const char* kPrepare =
+    "velmora prepare makes a project whose files a spot reads; velmora check says why it does not "
+    "read this one.";
+
 const char* PieceName(RegionPiece piece) {
   switch (piece) {
     case RegionPiece::FadeIn:
@@ -61,30 +65,40 @@ std::string EventName(const ViewModel& model, std::int32_t event) {
          std::to_string(found->cut.destChannel) + ")";
 }
 
-void LeftOut::Add(std::int32_t event, const std::string& what) {
-  lines_.push_back(EventName(model_, event) + ": " + Printable(what));
+void LeftOut::Add(std::int32_t event, const std::string& what, const char* remedy) {
+  parts_.push_back({event, Printable(what), remedy});
+}
+
+std::string LeftOut::LineOf(const Part& part) const {
+  return EventName(model_, part.event) + ": " + part.text;
 }
 
 void LeftOut::NotPcm(std::int32_t event) {
   AES31BWF& file = *model_.project->GetEvent(event)->sourceFile;
-  Add(event, "its samples read as silence, for the file is not plain PCM (format tag " +
-                 std::to_string(file.GetFormat()->formatTag) + "): " + file.GetPath());
+  Add(event,
+      "its samples read as silence, for the file is not plain PCM (format tag " +
+          std::to_string(file.GetFormat()->formatTag) + "): " + file.GetPath(),
+      kPrepare);
 }
 
 void LeftOut::Cut(std::int32_t event, const std::string& path) {
-  if (!path.empty()) return Add(event, "the file is no valid wave file: " + path);
+  if (!path.empty()) return Add(event, "the file is no valid wave file: " + path, kPrepare);
   AES31Project& project = *model_.project;
-  Add(event, MissingText(MissingSourceAt(project, project.GetEvent(event)->cut.sourceIndex)));
+  Add(event, MissingText(MissingSourceAt(project, project.GetEvent(event)->cut.sourceIndex)),
+      "Put the file into the project's folder, or let velmora prepare --media DIR look for it.");
 }
 
 void LeftOut::File(FilePass pass, std::int32_t event, const std::string& path,
                    std::int32_t status) {
-  Add(event, std::string(PassName(pass)) + " is missing, for " + CopyCause(status) + ": " + path);
+  Add(event, std::string(PassName(pass)) + " is missing, for " + CopyCause(status) + ": " + path,
+      "See that the folder takes files and has room, or name another one with --copy-to.");
 }
 
 void LeftOut::Region(std::int32_t event, RegionPiece piece, std::int32_t status) {
   Add(event,
-      std::string(PieceName(piece)) + " was refused by the host, status " + std::to_string(status));
+      std::string(PieceName(piece)) + " was refused by the host, status " + std::to_string(status),
+      "See whether the host is still there and takes regions, then spot this event again with "
+      "--only-events.");
 }
 
 }  // namespace velmora::program

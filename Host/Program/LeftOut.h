@@ -12,7 +12,7 @@ namespace velmora::program {
 /// "event 12 (entry 13, track 2)".
 [[nodiscard]] std::string EventName(const ViewModel& model, std::int32_t event);
 
-/// What of the ticked cuts does not arrive as the project has it, each in a line of its own.
+/// What of the ticked cuts does not arrive as the project has it, each by itself.
 class LeftOut {
  public:
   explicit LeftOut(const ViewModel& model) : model_(model) {}
@@ -23,13 +23,21 @@ class LeftOut {
   void File(FilePass pass, std::int32_t event, const std::string& path, std::int32_t status);
   void Region(std::int32_t event, RegionPiece piece, std::int32_t status);
 
-  [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
+  /// What is missing of one event.
+  struct Part {
+    std::int32_t event;
+    std::string text;    ///< one line, without the event's name
+    std::string remedy;  ///< what helps
+  };
+  [[nodiscard]] const std::vector<Part>& Parts() const { return parts_; }
+  /// "event 12 (entry 13, track 2): " and what is missing of it.
+  [[nodiscard]] std::string LineOf(const Part& part) const;
 
  private:
-  void Add(std::int32_t event, const std::string& what);
+  void Add(std::int32_t event, const std::string& what, const char* remedy);
 
   const ViewModel& model_;
-  std::vector<std::string> lines_;
+  std::vector<Part> parts_;
 };
 
 }  // namespace velmora::program

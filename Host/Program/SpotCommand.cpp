@@ -4,6 +4,8 @@
 
 #include <iostream>
 #include <memory>
+#include <ostream>
+#include <utility>
 
 #include "Base/SystemLog.h"
 #include "Model/Tables.h"
@@ -12,8 +14,11 @@
 #include "Program/FindingsHint.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
+#include "Program/PlannedSpot.h"
 #include "Program/SpotNotes.h"
 #include "Program/SpotPreparation.h"
+#include "Program/SpotRecording.h"
+#include "Program/SpotTargets.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
 #include "Program/TruePosition.h"
@@ -52,55 +57,110 @@ SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
   return options;
 }
 
-void PrintRemarks(const host::Session& session, const host::SessionHost& host) {
+using Kind = host::RecordedMessage::Kind;
+
+constexpr const char* kRateRemedy =
+    "Spot into a session of the project's rates, or add --true-position, which places every cut "
+    "to the sample.";
+
+void TellRemarks(const host::Session& session, const host::SessionHost& host,
+                 SpotRecording& recording) {
   for (const host::Remark& remark : host.Remarks()) {
     std::cerr << "velmora: note: region of " << Printable(session.Regions()[remark.region].path)
               << ": " << remark.text << '\n';
+    recording.Message(Kind::Remark,
+                      "region of " + session.Regions()[remark.region].path + ": " + remark.text);
   }
 }
 
 /// The run itself, told through the report.
 void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
-          bool truePosition, RegionHost& host, SpotReport& report) {
+          const SpotArguments& arguments, RegionHost& host, SpotReport& report,
+          SpotRecording& recording) {
   for (const std::string& alert :
        SpotWarnings(model.firstEvent, session.sampleRate, session.frameRate)) {
     report.Warning(alert);
+    recording.Message(Kind::Warning, alert, kRateRemedy);
   }
-  for (const std::string& note : SpotNotes(model, session, options, truePosition)) {
+  for (const std::string& note : SpotNotes(model, session, options, arguments.truePosition)) {
     std::cerr << "velmora: " << note << '\n';
+    recording.Message(Kind::Note, note);
   }
-  report.Start(options, SpotSteps(model.numEvents, options.doFades, options.doGain));
-  SetSystemLog([&report](const std::string& line) { report.FileTrouble(line); });
+  report.Start(options, arguments.plan
+                            ? model.numEvents
+                            : SpotSteps(model.numEvents, options.doFades, options.doGain));
+  SetSystemLog([&](const std::string& line) {
+    report.FileTrouble(line);
+    recording.Message(Kind::Trouble, line, "See that the folder takes files and has room.");
+  });
   StopOnInterrupt();
   const SpotProject project = {model.project.get(), model.numEvents, model.minTrack,
                                model.firstEvent};
-  const bool finished = RunSpot(project, options, host, report);
+  const bool finished = arguments.plan ? PlanSpot(project, options, host, report, recording)
+                                       : RunSpot(project, options, host, report);
   SetSystemLog(nullptr);
   report.End(!finished);
 }
 
-/// Tells what the run left behind, and writes the session where it was asked to go.
-/// True if nothing of a ticked cut is missing.
-bool Finish(const host::Session& session, const host::SessionRates& rates, const LeftOut& leftOut,
-            host::SessionTarget* target) {
-  for (const std::string& line : leftOut.Lines()) {
-    std::cerr << "velmora: left out: " << line << '\n';
+/// Tells what of the ticked cuts is missing. True if nothing is.
+bool TellLeftOut(const LeftOut& leftOut) {
+  for (const LeftOut::Part& part : leftOut.Parts()) {
+    std::cerr << "velmora: left out: " << leftOut.LineOf(part) << '\n';
   }
-  bool whole = leftOut.Lines().empty();
-  if (target != nullptr) {
-    const std::string complaint = target->Write(session, rates);
-    if (!complaint.empty()) std::cerr << "velmora: the session " << complaint << '\n';
-    whole = whole && complaint.empty();
+  return leftOut.Parts().empty();
+}
+
+/// False if standard output took not all of what was written.
+bool StandardOutputHolds() {
+  if (std::cout) return true;
+  std::cerr << "velmora: standard output takes no more\n";
+  return false;
+}
+
+/// All that a page tells: what the run recorded, and what a check finds.
+host::SpotRecord FullRecord(const SpotArguments& arguments, const SpotOptions& options,
+                            const SpotRecording& recording, host::SpotRecord record) {
+  recording.AddDetails(options, arguments.positionMode, record);
+  record.isPlan = arguments.plan.has_value();
+  record.wasStopped = Interrupted();
+  if (arguments.plan) {
+    // What is asked for and not made is told.
+    if (!arguments.host.target.empty()) {
+      record.targets.push_back(
+          {arguments.host.kind->target->name, arguments.host.target, true, {}, {}, {}});
+    }
+    for (const TargetRequest& request : arguments.targets.targets) {
+      record.targets.push_back({request.kind->name, request.path, true, {}, {}, {}});
+    }
   }
-  if (!std::cout) {
-    std::cerr << "velmora: standard output takes no more\n";
-    whole = false;
-  }
-  return whole;
+  check::CheckOptions reading;
+  reading.sessionRate = arguments.sessionRate;
+  reading.sessionFrameRate = arguments.sessionFrameRate;
+  record.findings = FindingsOf(arguments.project, reading);
+  return record;
+}
+
+/// A project without a cut, told to those that tell of a spot.
+void RecordNothingPlaced(const SpotArguments& arguments, const ViewModel& model,
+                         const SpotTargets& targets) {
+  if (!targets.TellOfTheSpot()) return;
+  const host::SessionRates rates =
+      host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
+  host::Session session;
+  const host::HeardSession heard(session);
+  SpotRecording recording(model, session, arguments.targets.native);
+  recording.Message(Kind::Trouble, "There is no cut to place.",
+                    "Export the project again with its cuts; velmora check says what it holds.");
+  const SpotOptions options = OptionsFor(arguments, model, rates);
+  const host::SpotRecord record =
+      FullRecord(arguments, options, recording,
+                 recording.RecordOf(arguments.project, options, LeftOut(model)));
+  // It ends with the same status either way.
+  static_cast<void>(targets.WriteRecords({session, heard, rates, record}, arguments.json, false));
 }
 
 /// Spots a loaded project. Returns the exit status.
-int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTarget* target) {
+int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTargets& targets) {
   SetBoxes(model, arguments);
   const host::SessionRates rates =
       host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
@@ -111,22 +171,35 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, host::SessionTar
   MessageTap tap(*host);
   LeftOut leftOut(model);
   FindSilentCuts(model, leftOut);
+  SpotRecording recording(model, session, arguments.targets.native);
   const host::SessionClock clock(rates);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;
+  std::ostream nowhere(nullptr);  // a plan has its page to tell
   if (arguments.json) {
-    report = std::make_unique<JsonSpotReport>(leftOut, tap, std::cout);
+    report = std::make_unique<JsonSpotReport>(leftOut, recording, tap, std::cout);
   } else {
-    report = std::make_unique<TextSpotReport>(arguments, leftOut, model, session, clock, showsBar,
-                                              std::cout);
+    // A target may have standard output for itself.
+    std::ostream& out = arguments.plan                           ? nowhere
+                        : arguments.targets.TakeStandardOutput() ? std::cerr
+                                                                 : std::cout;
+    report = std::make_unique<TextSpotReport>(arguments, leftOut, recording, model, session, clock,
+                                              showsBar, out);
   }
   RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
-  Spot(model, rates, options, arguments.truePosition, receiver, *report);
+  Spot(model, rates, options, arguments, receiver, *report, recording);
 
-  PrintRemarks(session, *host);
-  const bool whole = Finish(session, rates, leftOut, target);
-  if (report->Totals().aborted) return kInterrupted;
-  return whole ? kAllDone : kLeftOut;
+  TellRemarks(session, *host, recording);
+  const bool whole = TellLeftOut(leftOut);
+  const host::HeardSession heard(session);
+  host::SpotRecord record = recording.RecordOf(arguments.project, options, leftOut);
+  if (targets.TellOfTheSpot()) {
+    record = FullRecord(arguments, options, recording, std::move(record));
+  }
+  const bool made = targets.Write({session, heard, rates, record}, arguments.json, showsBar);
+  const bool told = StandardOutputHolds();
+  if (Interrupted()) return kInterrupted;
+  return whole && made && told ? kAllDone : kLeftOut;
 }
 
 /// The last line of all, where it is read, and not between the system's own alerts.
@@ -145,12 +218,10 @@ int RunSpotCommand(const SpotArguments& given) {
   SpotArguments arguments = given;
   const std::string badFolder = ComplaintAboutMediaFolders(arguments.preparation.check);
   if (!badFolder.empty()) return BadUsage(badFolder, "spot");
-  host::ClaimedTarget claimed;
-  if (!arguments.host.target.empty()) {
-    claimed = arguments.host.kind->claim(arguments.host.target);
-    if (!claimed.complaint.empty()) return BadUsage("--host: " + claimed.complaint, "spot");
-  }
-  if (!arguments.copyFolder.empty()) {
+  SpotTargets targets;
+  const std::string refusal = targets.Claim(arguments);
+  if (!refusal.empty()) return BadUsage(refusal, arguments.plan ? "report" : "spot");
+  if (!arguments.copyFolder.empty() && !arguments.plan) {
     const std::string complaint = MakeFolder(arguments.copyFolder);
     if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
   }
@@ -168,9 +239,10 @@ int RunSpotCommand(const SpotArguments& given) {
   }
   if (!model.HasCuts()) {
     std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
+    RecordNothingPlaced(arguments, model, targets);
     return WithHint(arguments, model, kLeftOut);
   }
-  const int status = SpotModel(arguments, model, claimed.target.get());
+  const int status = SpotModel(arguments, model, targets);
   return WithHint(arguments, model, status == kAllDone && !prepared ? kLeftOut : status);
 }
 

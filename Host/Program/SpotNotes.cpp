@@ -28,6 +28,21 @@ std::string MoveText(std::int64_t samples, const SpotOptions& options, bool true
 
 }  // namespace
 
+std::string PositionText(std::int32_t positionMode) {
+  switch (positionMode) {
+    case PositionAsProject:
+      return "as in the project";
+    case PositionWithOffset:
+      return "as in the project, with the offset";
+    case PositionAtStart:
+      return "first cut at the start time";
+    case PositionFromFirst:
+      return "first cut at 0";
+    default:
+      return "not moved";
+  }
+}
+
 std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
                                    const SpotOptions& options, bool truePosition) {
   std::vector<std::string> notes;

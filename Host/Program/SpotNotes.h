@@ -18,6 +18,10 @@ namespace velmora::program {
                                                  const host::SessionRates& session,
                                                  const SpotOptions& options, bool truePosition);
 
+/// Where a project lands, in words. As it was asked for: what takes the compensation back is an
+/// offset, too.
+[[nodiscard]] std::string PositionText(std::int32_t positionMode);
+
 /// Notes each ticked cut whose file is not plain PCM, and so reads as silence.
 void FindSilentCuts(const ViewModel& model, LeftOut& leftOut);
 

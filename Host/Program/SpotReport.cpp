@@ -50,6 +50,7 @@ void SpotReport::Report(std::int32_t progress) {
 
 void SpotReport::FileMade(FilePass pass, std::int32_t event, const std::string& path,
                           std::int32_t status) {
+  recording_.FileMade(pass, event, path, status == 0);
   if (status == 0) {
     ++totals_.files;
   } else {
@@ -57,9 +58,11 @@ void SpotReport::FileMade(FilePass pass, std::int32_t event, const std::string& 
   }
 }
 
-void SpotReport::RegionTried(std::int32_t /*event*/, RegionPiece /*piece*/,
-                             std::int32_t /*attempt*/, std::int32_t status) {
-  if (status == 0) ++totals_.regions;
+void SpotReport::RegionTried(std::int32_t event, RegionPiece piece, std::int32_t /*attempt*/,
+                             std::int32_t status) {
+  if (status != 0) return;
+  ++totals_.regions;
+  recording_.RegionLanded(event, piece);
 }
 
 void SpotReport::RegionGivenUp(std::int32_t event, RegionPiece piece, std::int32_t status) {

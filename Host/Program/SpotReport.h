@@ -7,6 +7,7 @@
 
 #include "Model/ViewModel.h"
 #include "Program/LeftOut.h"
+#include "Program/SpotRecording.h"
 #include "Spot/RegionMessage.h"
 #include "Spot/SpotOptions.h"
 #include "Spot/SpotWorker.h"
@@ -40,7 +41,8 @@ struct SpotTotals {
 /// Follows a run for the program: counts it, collects what is left out, and passes Ctrl-C on.
 class SpotReport : public SpotObserver {
  public:
-  explicit SpotReport(LeftOut& leftOut) : leftOut_(leftOut) {}
+  SpotReport(LeftOut& leftOut, SpotRecording& recording)
+      : leftOut_(leftOut), recording_(recording) {}
 
   virtual void Warning(const std::string& text) = 0;
   virtual void Start(const SpotOptions& options, std::int32_t steps);
@@ -61,6 +63,7 @@ class SpotReport : public SpotObserver {
 
  private:
   LeftOut& leftOut_;
+  SpotRecording& recording_;
   SpotTotals totals_;
 };
 

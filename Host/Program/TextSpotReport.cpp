@@ -8,29 +8,14 @@
 
 #include "Base/FileNames.h"
 #include "Base/Text.h"
-#include "Program/Hosts.h"
+#include "Destinations/Destinations.h"
+#include "Program/SpotNotes.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
 namespace {
 
 constexpr std::size_t kListedRegions = 200;
-
-/// As it was asked for: what takes the compensation back is an offset, too.
-std::string PositionText(std::int32_t positionMode) {
-  switch (positionMode) {
-    case PositionAsProject:
-      return "as in the project";
-    case PositionWithOffset:
-      return "as in the project, with the offset";
-    case PositionAtStart:
-      return "first cut at the start time";
-    case PositionFromFirst:
-      return "first cut at 0";
-    default:
-      return "not moved";
-  }
-}
 
 std::string AudioText(const SpotOptions& options) {
   std::string text = std::to_string(options.bitDepth) + " bit";
@@ -120,9 +105,9 @@ void TextSpotReport::PrintRegions() const {
   out_ << "Regions\n";
   table.Print(out_, ShowsColours(1));
   if (regions.size() > kListedRegions) {
-    const host::HostKind* const teller = Hosts().front();
+    const host::HostKind* const teller = host::Hosts().front();
     out_ << "  ... and " << regions.size() - kListedRegions << " more; --json or --host "
-         << teller->name << ':' << teller->targetForm << " tells all\n";
+         << teller->name << ':' << teller->target->form << " tells all\n";
   }
   out_ << '\n';
 }

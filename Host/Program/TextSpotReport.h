@@ -13,10 +13,10 @@ namespace velmora::program {
 /// Tells a run to a person: what is done, a bar while it works, and what landed where.
 class TextSpotReport : public SpotReport {
  public:
-  TextSpotReport(const SpotArguments& arguments, LeftOut& leftOut, const ViewModel& model,
-                 const host::Session& session, const host::SessionClock& clock, bool showsBar,
-                 std::ostream& out)
-      : SpotReport(leftOut),
+  TextSpotReport(const SpotArguments& arguments, LeftOut& leftOut, SpotRecording& recording,
+                 const ViewModel& model, const host::Session& session,
+                 const host::SessionClock& clock, bool showsBar, std::ostream& out)
+      : SpotReport(leftOut, recording),
         arguments_(arguments),
         model_(model),
         session_(session),

@@ -27,13 +27,13 @@ std::string ParseHost(HostTable hosts, const std::string& text, HostChoice& choi
   const bool needsTarget =
       colon != std::string::npos || choice.kind->targetUse == TargetUse::Required;
   if (needsTarget && choice.target.empty()) {
-    return "no target stands after " + name + "; write " + name + ":" + choice.kind->targetForm;
+    return "no target stands after " + name + "; write " + name + ":" + choice.kind->target->form;
   }
   return {};
 }
 
 std::string HostForm(const HostKind& kind) {
-  const std::string target = std::string(":") + kind.targetForm;
+  const std::string target = std::string(":") + kind.target->form;
   return kind.name + (kind.targetUse == TargetUse::Required ? target : "[" + target + "]");
 }
 

@@ -15,15 +15,13 @@ enum class TargetUse { Optional, Required };
 /// One kind of host: a row of the table that a program's help, its command line and its spot read.
 /// Each host defines its row in its own folder.
 struct HostKind {
-  const char* name;        ///< what stands before the colon of NAME[:TARGET]
-  const char* targetForm;  ///< what stands after it, as help shows it: "FILE.json"
+  const char* name;          ///< what stands before the colon of NAME[:TARGET]
+  const TargetKind* target;  ///< what may stand after it
   TargetUse targetUse;
   const char* help;  ///< one or more lines
 
   /// Makes the host that receives the regions and places them in `session`.
   std::unique_ptr<SessionHost> (*connect)(Session& session);
-  /// Looks at a target before the spot begins. `path` is absolute. Makes nothing there.
-  ClaimedTarget (*claim)(const std::string& path);
 };
 
 using HostTable = std::span<const HostKind* const>;

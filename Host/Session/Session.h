@@ -4,10 +4,35 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "Spot/SpotWorker.h"
+
 namespace velmora::host {
+
+/// What of the project a region is. Its message does not tell it, so it is known only where the one
+/// who sent the message is.
+struct RegionOrigin {
+  std::int32_t event = 0;  ///< position in the project's list
+  std::int32_t entry = 0;  ///< number of the (Entry)
+  std::optional<std::int32_t>
+      source;  ///< number of the (Index), none for a number that is not listed
+  RegionPiece piece = RegionPiece::Main;
+
+  bool operator==(const RegionOrigin&) const = default;
+};
+
+/// Fades and gain that a region has as facts, to be applied where it is played. A region whose
+/// fades and gain are rendered into its file has none.
+struct RegionShape {
+  std::int64_t fadeIn = 0;   ///< samples from the region's start on, not negative
+  std::int64_t fadeOut = 0;  ///< samples before the region's end, not negative
+  double gainDb = 0;
+
+  bool operator==(const RegionShape&) const = default;
+};
 
 /// A region as a host received it.
 struct SessionRegion {
@@ -18,6 +43,8 @@ struct SessionRegion {
   std::int32_t stream = 1;
   std::string path;  ///< of the wave file, as the alias resolved
   std::string name;
+  RegionShape shape = {};
+  std::optional<RegionOrigin> origin = {};
 
   /// 0 or negative if the stop does not lie after the start. Both come as 32-bit numbers.
   [[nodiscard]] std::int64_t Length() const { return stop - start; }
@@ -60,6 +87,12 @@ class Session {
   ///
   /// Returns its index. Costs time in the logarithm of the track's pieces and in those it covers.
   std::size_t Place(SessionRegion region);
+
+  /// Adds what is known of a region beside its message. `region` is an index of Regions().
+  void Describe(std::size_t region, const RegionOrigin& origin) {
+    regions_[region].origin = origin;
+  }
+  void Shape(std::size_t region, const RegionShape& shape) { regions_[region].shape = shape; }
 
   [[nodiscard]] const std::vector<SessionRegion>& Regions() const { return regions_; }
   /// Tracks that hold a region, in rising order.

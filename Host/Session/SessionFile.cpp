@@ -20,8 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kTemporaryNames = 1000;  // more than this many in one folder is not by chance
-constexpr int kMostLinks = 40;         // the system follows no more of them either
+constexpr int kMostLinks = 40;  // the system follows no more of them either
 
 /// True for a session as WriteSessionJson begins it, in any layout, and for an empty file. Other
 /// programs write a "summary" too: it takes the members of ours to be one.
@@ -58,45 +57,13 @@ std::pair<std::time_t, long> ModifiedAt(const struct stat& facts) {
 #endif
 }
 
-/// Creates a file of a free name in the folder of `path`; null if that fails. The name is short,
-/// since that of `path` may be as long as a name can be.
-FileStream CreateBeside(const std::string& path, std::string& name) {
-  const std::string start =
-      fs::path(path).parent_path() / (".velmora-" + std::to_string(::getpid()));
-  for (int number = 1; number <= kTemporaryNames; ++number) {
-    name = start + "-" + std::to_string(number) + ".part";
-    FileStream file = CreateNewFile(name.c_str());
-    if (file != nullptr || errno != EEXIST) return file;
-  }
-  return nullptr;
-}
-
-/// Writes the session and closes the file. 0, or the errno of what went wrong.
-int WriteAll(const Session& session, FileStream file) {
+/// 0, or the errno of what went wrong.
+int WriteTo(std::FILE* file, const Session& session) {
   errno = 0;
-  FileBuffer buffer(file.get());
+  FileBuffer buffer(file);
   std::ostream out(&buffer);
-  const bool written = WriteSessionJson(session, out);
-  int error = written ? 0 : errno;
-  if (!written && error == 0) error = EIO;
-  // A network may report a full disk as late as here.
-  if (std::fclose(file.release()) != 0 && error == 0) error = errno;
-  return error;
-}
-
-/// Gives a file a name that must be free, and takes its old one away. 0 or an errno.
-int MoveToFreeName(const std::string& from, const std::string& to) {
-  if (::link(from.c_str(), to.c_str()) == 0) {
-    RemoveFile(from.c_str());
-    return 0;
-  }
-  if (errno == EEXIST) return EEXIST;
-  // Some file systems have no second names: there an empty file holds the name meanwhile.
-  if (CreateNewFile(to.c_str()) == nullptr) return errno;
-  if (::rename(from.c_str(), to.c_str()) == 0) return 0;
-  const int error = errno;
-  RemoveFile(to.c_str());
-  return error;
+  if (WriteSessionJson(session, out)) return 0;
+  return errno != 0 ? errno : EIO;
 }
 
 }  // namespace
@@ -151,39 +118,40 @@ std::string SessionFile::ClaimInPlace() {
   return {};
 }
 
-std::string SessionFile::Write(const Session& session, const SessionRates& /*rates*/) {
-  return inPlace_ != nullptr ? WriteInPlace(session) : WriteBeside(session);
+TargetOutcome SessionFile::Write(const TargetInput& input, const TargetProgress& /*progress*/) {
+  return {inPlace_ != nullptr ? WriteInPlace(input.session) : WriteBeside(input.session), {}, {}};
 }
 
 std::string SessionFile::WriteInPlace(const Session& session) {
-  const int error = WriteAll(session, std::move(inPlace_));
+  int error = WriteTo(inPlace_.get(), session);
+  // A network may report a full disk as late as here.
+  if (std::fclose(inPlace_.release()) != 0 && error == 0) error = errno;
   return error == 0 ? "" : Trouble(std::strerror(error));
 }
 
 std::string SessionFile::WriteBeside(const Session& session) const {
-  std::string written;
-  FileStream file = CreateBeside(path_, written);
-  if (file == nullptr) return Trouble(std::strerror(errno));
-  const int error = WriteAll(session, std::move(file));
-  std::string complaint = error == 0 ? Publish(written) : Trouble(std::strerror(error));
-  if (!complaint.empty()) RemoveFile(written.c_str());
-  return complaint;
+  StagedFile file(path_);
+  if (!file.Create()) return file.Trouble(errno);
+  int error = WriteTo(file.Stream(), session);
+  const int closing = file.Close();
+  if (error == 0) error = closing;
+  return error == 0 ? Publish(file) : file.Trouble(error);
 }
 
-/// Gives the written file its name. A name that was free must still be free, and an earlier session
-/// must still be what it was.
-std::string SessionFile::Publish(const std::string& written) const {
+std::string SessionFile::Publish(StagedFile& file) const {
   if (earlier_ == nullptr || LookUpName(path_.c_str()) == NameState::Free) {
-    const int error = MoveToFreeName(written, path_);
+    const int error = file.Publish();
     if (error == EEXIST) return path_ + " has appeared meanwhile; it is not written over";
-    return error == 0 ? "" : Trouble(std::strerror(error));
+    return error == 0 ? "" : file.Trouble(error);
   }
   // Of several runs that claimed one session, the lock lets one at a time look and replace.
   const int descriptor = ::fileno(earlier_.get());
   const bool isBusy = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   if (isBusy || !IsAsClaimed()) return path_ + " has changed meanwhile; it is not written over";
-  ::chmod(written.c_str(), earlierFacts_.st_mode & 0777);
-  return ::rename(written.c_str(), path_.c_str()) == 0 ? "" : Trouble(std::strerror(errno));
+  ::chmod(file.WrittenPath().c_str(), earlierFacts_.st_mode & 0777);
+  if (::rename(file.WrittenPath().c_str(), path_.c_str()) != 0) return file.Trouble(errno);
+  file.Forget();
+  return {};
 }
 
 bool SessionFile::IsAsClaimed() const {

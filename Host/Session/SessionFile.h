@@ -6,6 +6,7 @@
 
 #include "Base/FileAccess.h"
 #include "Session/SessionTarget.h"
+#include "Session/StagedFile.h"
 
 namespace velmora::host {
 
@@ -23,7 +24,8 @@ class SessionFile : public SessionTarget {
   ///             nothing, a file that cannot be read or is no session, a place that takes no file.
   [[nodiscard]] static ClaimedTarget Claim(const std::string& path);
 
-  [[nodiscard]] std::string Write(const Session& session, const SessionRates& rates) override;
+  [[nodiscard]] TargetOutcome Write(const TargetInput& input,
+                                    const TargetProgress& progress) override;
 
  private:
   explicit SessionFile(std::string path) : path_(std::move(path)) {}
@@ -32,7 +34,7 @@ class SessionFile : public SessionTarget {
   std::string ClaimInPlace();
   [[nodiscard]] std::string WriteInPlace(const Session& session);
   [[nodiscard]] std::string WriteBeside(const Session& session) const;
-  [[nodiscard]] std::string Publish(const std::string& written) const;
+  [[nodiscard]] std::string Publish(StagedFile& file) const;
   [[nodiscard]] bool IsAsClaimed() const;
   [[nodiscard]] std::string Trouble(const std::string& cause) const;
 

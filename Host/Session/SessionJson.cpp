@@ -1,13 +1,18 @@
 #include "Session/SessionJson.h"
 
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <unordered_map>
 
-#include "Session/JsonText.h"
-
 namespace velmora::host {
 namespace {
+
+Json NumberOrNull(const std::optional<std::int32_t>& number) {
+  return number ? Json(*number) : Json();
+}
+
+}  // namespace
 
 Json SummaryJson(const SessionSummary& summary) {
   return {{"tracks", summary.tracks},
@@ -18,15 +23,31 @@ Json SummaryJson(const SessionSummary& summary) {
 }
 
 Json RegionJson(std::size_t index, const SessionRegion& region) {
-  return {{"index", index},
-          {"name", region.name},
-          {"path", region.path},
-          {"position", region.position},
-          {"length", region.Length()},
-          {"start", region.start},
-          {"stop", region.stop},
-          {"stream", region.stream}};
+  Json json = {{"index", index},
+               {"name", region.name},
+               {"path", region.path},
+               {"position", region.position},
+               {"length", region.Length()},
+               {"start", region.start},
+               {"stop", region.stop},
+               {"stream", region.stream},
+               {"fadeIn", region.shape.fadeIn},
+               {"fadeOut", region.shape.fadeOut},
+               {"gainDb", region.shape.gainDb},
+               {"event", nullptr},
+               {"entry", nullptr},
+               {"source", nullptr},
+               {"piece", nullptr}};
+  if (region.origin) {
+    json["event"] = region.origin->event;
+    json["entry"] = region.origin->entry;
+    json["source"] = NumberOrNull(region.origin->source);
+    json["piece"] = NameOf(region.origin->piece);
+  }
+  return json;
 }
+
+namespace {
 
 Json PieceJson(const VisiblePiece& piece) {
   return {{"region", piece.region}, {"position", piece.position}, {"end", piece.end}};

@@ -1,34 +1,15 @@
 // Fades and crossfades as short files of their own, laid over the regions that they belong to.
 
-#include <cstring>
 #include <memory>
 #include <utility>
 
 #include "BWF/Renderers.h"
 #include "Base/Wrapping.h"
+#include "Spot/FadePlaces.h"
 #include "Spot/SpotPasses.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora {
-namespace {
-
-bool SameText(const char* a, const char* b) {
-  return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
-}
-
-/// Sample of the source file at which the event begins.
-std::int64_t FirstSample(const AES31Event& event) {
-  return AdlDifference(event.sourceStart, event.cut.sourceIn);
-}
-
-/// Sample of the source file at which the event's last `length` samples begin.
-std::int64_t FirstSampleOfTail(const AES31Event& event, std::int64_t length) {
-  return WrapAdd(WrapSubtract(FirstSample(event), length),
-                 AdlDifference(event.cut.destIn, event.cut.destOut));
-}
-
-}  // namespace
-
 bool SpotPasses::FadePass() {
   // The live event handled last. Nothing looks further back, and nothing ahead.
   const AES31Event* previous = nullptr;
@@ -52,14 +33,6 @@ void SpotPasses::MakeFades(std::int32_t index, const AES31Event* previous,
     MakeFadeIn(index, event);
   }
   if (event.outfade.present) MakeFadeOut(index, event);
-}
-
-///     previous  ==========[outfade]
-///     event               [infade ]==========     same track, equal texts, overlap of that length
-bool SpotPasses::ContinuesCrossfade(const AES31Event& previous, const AES31Event& event) const {
-  return previous.cut.destChannel == event.cut.destChannel && event.infade.present &&
-         previous.outfade.present && SameText(event.infade.length, previous.outfade.length) &&
-         AdlDifference(event.cut.destIn, previous.cut.destOut) == AdlToSamples(event.infade.length);
 }
 
 void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {

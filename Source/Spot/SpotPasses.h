@@ -19,13 +19,14 @@ class SpotPasses {
 
   /// False if the observer's abort ended it.
   bool Run();
+  /// The region pass alone, without any file of the passes before it.
+  bool RegionPass();
 
  private:
   static constexpr std::int32_t kAttempts = 80;  ///< for each region, without a pause
 
   bool DepthPass();
   bool GainPass();
-  bool RegionPass();
   void ReleasePass();
   bool FadePass();
 
@@ -40,7 +41,6 @@ class SpotPasses {
   std::optional<std::int32_t> SpotMainRegion(std::int32_t index, const AES31Event& event,
                                              std::int32_t attempt);
 
-  bool ContinuesCrossfade(const AES31Event& previous, const AES31Event& event) const;
   void MakeFades(std::int32_t index, const AES31Event* previous, const AES31Event& event);
   void MakeFadeIn(std::int32_t index, const AES31Event& event);
   void MakeCrossfade(std::int32_t index, const AES31Event& previous, const AES31Event& event);

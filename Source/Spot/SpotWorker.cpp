@@ -6,20 +6,49 @@
 #include "Spot/SpotPasses.h"
 
 namespace velmora {
-bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
-             SpotObserver& observer) {
+const char* NameOf(RegionPiece piece) {
+  switch (piece) {
+    case RegionPiece::FadeIn:
+      return "infade";
+    case RegionPiece::Crossfade:
+      return "crossfade";
+    case RegionPiece::FadeOut:
+      return "outfade";
+    case RegionPiece::Main:
+      break;
+  }
+  return "main";
+}
+
+namespace {
+
+bool RunPasses(const SpotProject& project, SpotOptions& options, RegionHost& host,
+               SpotObserver& observer, bool (SpotPasses::*passes)()) {
   if (project.project == nullptr) return true;
   bool finished = false;
   try {
     if (options.copyFolder.empty()) options.copySource = 0;
     ComputePosition(options, project.firstEvent);
-    if (!SpotPasses(project, options, host, observer).Run()) return false;
+    SpotPasses run(project, options, host, observer);
+    if (!(run.*passes)()) return false;
     finished = true;
   } catch (const std::bad_alloc&) {  // an exception that leaves a thread would end the whole host
     observer.Log("out of memory");
   }
   observer.Report(-1);
   return finished;
+}
+
+}  // namespace
+
+bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
+             SpotObserver& observer) {
+  return RunPasses(project, options, host, observer, &SpotPasses::Run);
+}
+
+bool RunWithoutFiles(const SpotProject& project, SpotOptions& options, RegionHost& host,
+                     SpotObserver& observer) {
+  return RunPasses(project, options, host, observer, &SpotPasses::RegionPass);
 }
 
 void ReleaseRenderedFiles(AES31Project& project) {

@@ -20,6 +20,9 @@ struct SpotProject {
 enum class FilePass { Depth, Gain, Fade };
 enum class RegionPiece { Main, FadeIn, Crossfade, FadeOut };
 
+/// As JSON has it: "main", "infade", "crossfade", "outfade".
+[[nodiscard]] const char* NameOf(RegionPiece piece);
+
 /// What a run tells. All calls come from the worker's thread.
 class SpotObserver {
  public:
@@ -45,6 +48,11 @@ class SpotObserver {
 ///         last report all the same. Files and regions that were made stay.
 bool RunSpot(const SpotProject& project, SpotOptions& options, RegionHost& host,
              SpotObserver& observer);
+
+/// A spot that makes no file: the region of each live cut is sent with its source's file, whatever
+/// the options say of depth, gain and fades. Else as RunSpot.
+bool RunWithoutFiles(const SpotProject& project, SpotOptions& options, RegionHost& host,
+                     SpotObserver& observer);
 
 /// Destroys what an aborted run left at the events. Whoever deletes a project calls this before.
 /// The files on disk stay.

@@ -20,8 +20,12 @@ SESSION = [*CORE, "Host/Session"]
 FIELD = [*CORE, "Host/Media"]
 CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
+TARGET = [*SESSION, "Host/Media"]
+TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio", "Host/Report"]
+ARDOUR = [*TARGET, "Host/Embedded"]
+DESTINATIONS = [*ARDOUR, "Host/Ardour", *TARGETS]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS]
+PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS, "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -39,7 +43,10 @@ MAY_USE = {
     "Host/Media": CORE,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
-    "Host/Program": [*SESSION, "Host/Embedded", *TASKS],
+    **dict.fromkeys(TARGETS, TARGET),
+    "Host/Ardour": ARDOUR,
+    "Host/Destinations": DESTINATIONS,
+    "Host/Program": [*SESSION, "Host/Embedded", *TASKS, "Host/Destinations"],
 }
 
 # The shell's own rooms, each of which uses none but those before it.

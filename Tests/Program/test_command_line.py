@@ -116,10 +116,10 @@ class WhatIsWrong(ProgramTest):
 
     def test_complaints(self):
         rows = [
-            ([], "a command is missing; commands: info, spot, check, prepare"),
-            (["frob"], "there is no command 'frob'; commands: info, spot, check, prepare"),
-            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot, check, prepare"),
-            (["Info", "p"], "there is no command 'Info'; commands: info, spot, check, prepare"),
+            ([], "a command is missing; commands: info, spot, report, check, prepare"),
+            (["frob"], "there is no command 'frob'; commands: info, spot, report, check, prepare"),
+            (["frob", "spot", "p"], "there is no command 'frob'; commands: info, spot, report, check, prepare"),
+            (["Info", "p"], "there is no command 'Info'; commands: info, spot, report, check, prepare"),
             (["--frob"], "there is no option '--frob'"),
             (["-x", "info", "p"], "there is no option '-x'"),
             (["--json", "info", "p"], "there is no option '--json'"),
@@ -144,9 +144,10 @@ class WhatIsWrong(ProgramTest):
              "--skip-tracks and --only-tracks exclude each other"),
             (["spot", "p", "--skip-events", "1", "--only-events", "2"],
              "--skip-events and --only-events exclude each other"),
-            (["spot", "p", "--host", "tape"], "--host: there is no host 'tape'; hosts: embedded"),
+            (["spot", "p", "--host", "tape"], "--host: there is no host 'tape'; hosts: embedded, ardour"),
             (["spot", "p", "--host", "embedded:"],
              "--host: no target stands after embedded; write embedded:FILE.json"),
+            (["spot", "p", "--host", "ardour"], "--host: no target stands after ardour; write ardour:DIR"),
             (["spot", "p", "--host", "embedded:/"], "--host: / is a folder"),
         ]
         for arguments, complaint in rows:

@@ -8,14 +8,16 @@ namespace {
 std::unique_ptr<SessionHost> ConnectNothing(Session& /*session*/) {
   return nullptr;
 }
-ClaimedTarget ClaimNothing(const std::string& /*path*/) {
+ClaimedTarget ClaimNothing(const std::string& /*path*/, const TargetChoices& /*choices*/) {
   return {};
 }
 
-constexpr HostKind kTape = {"tape",        "REEL",         TargetUse::Optional,
-                            "Plays back.", ConnectNothing, ClaimNothing};
-constexpr HostKind kDisc = {"disc",     "DIR",          TargetUse::Required,
-                            "Engraves", ConnectNothing, ClaimNothing};
+constexpr TargetKind kReel = {
+    "reel", nullptr, "REEL", ".reel", "Reel", "Tape", TargetKind::Use::Regions, ClaimNothing};
+constexpr TargetKind kPress = {
+    "press", nullptr, "DIR", "", "Press", "Discs", TargetKind::Use::Regions, ClaimNothing};
+constexpr HostKind kTape = {"tape", &kReel, TargetUse::Optional, "Plays back.", ConnectNothing};
+constexpr HostKind kDisc = {"disc", &kPress, TargetUse::Required, "Engraves", ConnectNothing};
 constexpr const HostKind* kHosts[] = {&kTape, &kDisc};
 
 struct GoodRow {

@@ -55,7 +55,8 @@ class SessionFileTest : public testing::Test {
     return std::move(claimed.target);
   }
   std::string WriteTo(SessionTarget& target, int regions) {
-    return target.Write(SessionOf(regions), {48000, 2});
+    const Session session = SessionOf(regions);
+    return target.Write({session, HeardSession(session), {48000, 2}, {}}, {}).trouble;
   }
   std::string Content() {
     return fs::is_directory(path_) ? "" : test::TemporaryFolder::Read(path_);

@@ -28,21 +28,26 @@ TEST(SessionJson, writesTracksRegionsAndWhatIsHeardOfThem) {
   session.Place({2, 100, 7, 57, 1, "/a/x.wav", "x"});
   session.Place({0, -5, 3, 3, 2, "/a/y.wav", "y"});
   session.Place({2, 120, 0, 10, 1, "/a/y.wav", "y_Gain"});
-  EXPECT_EQ(Written(session), R"({
+  EXPECT_EQ(
+      Written(session),
+      R"({
   "summary": {"tracks":2,"regions":3,"files":2,"first":-5,"end":150},
   "tracks": [
     {
       "track": 0,
       "regions": [
-        {"index":1,"name":"y","path":"/a/y.wav","position":-5,"length":0,"start":3,"stop":3,"stream":2}
+        {"index":1,"name":"y","path":"/a/y.wav","position":-5,"length":0,"start":3,"stop":3,"stream":2,)"
+      R"("fadeIn":0,"fadeOut":0,"gainDb":0.0,"event":null,"entry":null,"source":null,"piece":null}
       ],
       "visible": []
     },
     {
       "track": 2,
       "regions": [
-        {"index":0,"name":"x","path":"/a/x.wav","position":100,"length":50,"start":7,"stop":57,"stream":1},
-        {"index":2,"name":"y_Gain","path":"/a/y.wav","position":120,"length":10,"start":0,"stop":10,"stream":1}
+        {"index":0,"name":"x","path":"/a/x.wav","position":100,"length":50,"start":7,"stop":57,"stream":1,)"
+      R"("fadeIn":0,"fadeOut":0,"gainDb":0.0,"event":null,"entry":null,"source":null,"piece":null},
+        {"index":2,"name":"y_Gain","path":"/a/y.wav","position":120,"length":10,"start":0,"stop":10,"stream":1,)"
+      R"("fadeIn":0,"fadeOut":0,"gainDb":0.0,"event":null,"entry":null,"source":null,"piece":null}
       ],
       "visible": [
         {"region":0,"position":100,"end":120},
@@ -53,6 +58,20 @@ TEST(SessionJson, writesTracksRegionsAndWhatIsHeardOfThem) {
   ]
 }
 )");
+}
+
+TEST(SessionJson, tellsWhereARegionCameFromAndItsFades) {
+  Session session;
+  const std::size_t region = session.Place({0, 0, 0, 50, 1, "/a/x.wav", "x"});
+  session.Describe(region, {3, 7, 2, RegionPiece::Crossfade});
+  session.Shape(region, {10, 20, -6.5});
+  const std::string text = Written(session);
+  EXPECT_NE(text.find(R"("fadeIn":10,"fadeOut":20,"gainDb":-6.5,"event":3,"entry":7,"source":2,)"
+                      R"("piece":"crossfade"})"),
+            std::string::npos)
+      << text;
+  session.Describe(region, {3, 7, std::nullopt, RegionPiece::Main});
+  EXPECT_NE(Written(session).find(R"("source":null,"piece":"main"})"), std::string::npos);
 }
 
 TEST(SessionJson, isUtf8AndJsonWhateverTheNamesHold) {

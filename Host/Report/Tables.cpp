@@ -1,0 +1,268 @@
+#include "Report/Tables.h"
+
+#include <array>
+#include <cstdio>
+#include <ostream>
+#include <string>
+
+#include "Base/FileNames.h"
+#include "Base/Wrapping.h"
+#include "Report/Markup.h"
+#include "Session/SessionClock.h"
+
+namespace velmora::report {
+namespace {
+
+enum class Sort { Text, Number };
+
+struct Column {
+  const char* heading;
+  Sort sort = Sort::Text;
+};
+
+/// A table's frame, and its rows cell by cell.
+class TableWriter {
+ public:
+  TableWriter(std::ostream& out, const char* id, const char* noun, const char* caption,
+              std::size_t rows)
+      : out_(out) {
+    out << "<div class=\"tools\"><label>Search " << noun << " <input type=\"search\" data-table=\""
+        << id << "\" autocomplete=\"off\" spellcheck=\"false\"></label> <output data-count=\"" << id
+        << "\" data-noun=\"" << noun << "\">" << rows << ' ' << noun << "</output></div>\n"
+        << "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Table of " << noun
+        << "\"><table id=\"" << id << "\">\n<caption>" << caption << "</caption>\n<thead><tr>";
+  }
+  ~TableWriter() { out_ << "</tbody></table></div>\n"; }
+  TableWriter(const TableWriter&) = delete;
+  TableWriter& operator=(const TableWriter&) = delete;
+
+  template <std::size_t Count>
+  void Head(const std::array<Column, Count>& columns) {
+    for (const Column& column : columns) {
+      const bool isNumber = column.sort == Sort::Number;
+      out_ << "<th scope=\"col\" aria-sort=\"none\"" << (isNumber ? " class=\"n\"" : "")
+           << "><button type=\"button\">" << column.heading << "</button></th>";
+    }
+    out_ << "</tr></thead>\n<tbody>\n";
+  }
+  void Begin(const char* look = "") {
+    out_ << "<tr";
+    if (*look != '\0') out_ << " class=\"" << look << '"';
+    out_ << '>';
+  }
+  void End() { out_ << "</tr>\n"; }
+
+  void Text(std::string_view text) { out_ << "<td>" << Html(text) << "</td>"; }
+  /// Our own markup, its texts escaped.
+  void Markup(std::string_view html) { out_ << "<td>" << html << "</td>"; }
+  void Number(std::int64_t number) { out_ << "<td>" << number << "</td>"; }
+  void Number(const std::optional<std::int64_t>& number) { number ? Number(*number) : Nothing(); }
+  /// Only what is there to see is shown: zeros would hide the few numbers among them.
+  void Shape(std::int64_t fadeIn, std::int64_t fadeOut, double gainDb) {
+    std::string text;
+    const auto add = [&text](const std::string& part) {
+      text += (text.empty() ? "" : ", ") + part;
+    };
+    if (fadeIn != 0) add("in " + std::to_string(fadeIn));
+    if (fadeOut != 0) add("out " + std::to_string(fadeOut));
+    if (gainDb != 0) {
+      std::array<char, 64> gain{};
+      std::snprintf(gain.data(), gain.size(), "%+.2f dB", gainDb);
+      add(gain.data());
+    }
+    Text(text);
+  }
+  void Nothing() { out_ << "<td></td>"; }
+
+ private:
+  std::ostream& out_;
+};
+
+std::optional<std::int64_t> Wide(const std::optional<std::int32_t>& number) {
+  return number ? std::optional<std::int64_t>(*number) : std::nullopt;
+}
+
+const char* PieceName(const host::SessionRegion& region) {
+  if (!region.origin) return "";
+  switch (region.origin->piece) {
+    case RegionPiece::FadeIn:
+      return "fade-in";
+    case RegionPiece::Crossfade:
+      return "crossfade";
+    case RegionPiece::FadeOut:
+      return "fade-out";
+    case RegionPiece::Main:
+      break;
+  }
+  return "cut";
+}
+
+/// What a person does with a message: the text, then what the system makes of it.
+std::string MessageText(const MessageRow& row) {
+  std::string html = Html(row.text);
+  if (!row.effect.empty()) html += "<br><span class=\"dim\">" + Html(row.effect) + "</span>";
+  return html;
+}
+
+std::string Sign(const MessageRow& row) {
+  const std::string name = NameOf(row.weight);
+  return "<span class=\"sign " + name + "\">" + name + "</span>";
+}
+
+const char* LookOf(EventState state) {
+  switch (state) {
+    case EventState::Missing:
+    case EventState::LeftOut:
+      return "gone";
+    case EventState::Off:
+    case EventState::NoCut:
+      return "off";
+    case EventState::Placed:
+      break;
+  }
+  return "";
+}
+
+std::string KindWord(const std::string& kind) {
+  if (kind == "vid") return "video";
+  if (kind == "none") return "other";
+  return kind;
+}
+
+}  // namespace
+
+void WriteMessages(const ReportData& data, std::ostream& out) {
+  constexpr auto kColumns = std::to_array<Column>({{"Weight"},
+                                                   {"From"},
+                                                   {"Line", Sort::Number},
+                                                   {"Entry", Sort::Number},
+                                                   {"Event", Sort::Number},
+                                                   {"Message"},
+                                                   {"What helps"}});
+  TableWriter table(out, "messages", "messages",
+                    "Warnings, findings and failures, the gravest first", data.messages.size());
+  table.Head(kColumns);
+  for (const MessageRow& row : data.messages) {
+    table.Begin();
+    table.Markup(Sign(row));
+    table.Text(row.code.empty() ? row.kind : row.kind + ": " + row.code);
+    table.Number(row.line);
+    table.Number(Wide(row.entry));
+    table.Number(Wide(row.event));
+    table.Markup(MessageText(row));
+    table.Text(row.remedy);
+    table.End();
+  }
+}
+
+void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& states,
+                 std::ostream& out) {
+  constexpr auto kColumns = std::to_array<Column>({{"Event", Sort::Number},
+                                                   {"Entry", Sort::Number},
+                                                   {"State"},
+                                                   {"Kind"},
+                                                   {"Name"},
+                                                   {"Source", Sort::Number},
+                                                   {"Track", Sort::Number},
+                                                   {"In"},
+                                                   {"Out"},
+                                                   {"Position", Sort::Number},
+                                                   {"Length", Sort::Number},
+                                                   {"Fades and gain"}});
+  const host::SessionClock clock(input.rates);
+  const std::vector<host::RecordedEvent>& events = input.record.events;
+  TableWriter table(out, "events", "events",
+                    "Events of the project, where a spot puts them. Position, length and fades in "
+                    "samples.",
+                    events.size());
+  table.Head(kColumns);
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    const host::RecordedEvent& event = events[i];
+    table.Begin(LookOf(states[i]));
+    table.Number(event.event);
+    table.Number(event.entry);
+    table.Text(NameOf(states[i]));
+    table.Text(KindWord(event.kind));
+    table.Text(event.name);
+    table.Number(Wide(event.source));
+    if (event.IsCut()) {
+      table.Number(input.record.TrackNumber(event.track));
+      table.Text(clock.Timecode(event.position));
+      table.Text(clock.Timecode(event.end));
+      table.Number(event.position);
+      table.Number(WrapSubtract(event.end, event.position));
+    } else {
+      for (int column = 0; column < 5; ++column) table.Nothing();
+    }
+    table.Shape(event.fadeIn, event.fadeOut, event.gainDb);
+    table.End();
+  }
+}
+
+void WriteRegions(const host::TargetInput& input, std::ostream& out) {
+  constexpr auto kColumns = std::to_array<Column>({{"Region", Sort::Number},
+                                                   {"Name"},
+                                                   {"Piece"},
+                                                   {"Track", Sort::Number},
+                                                   {"In"},
+                                                   {"Out"},
+                                                   {"Position", Sort::Number},
+                                                   {"Length", Sort::Number},
+                                                   {"File"},
+                                                   {"From", Sort::Number},
+                                                   {"Fades and gain"},
+                                                   {"Event", Sort::Number}});
+  const host::SessionClock clock(input.rates);
+  const std::vector<host::SessionRegion>& regions = input.session.Regions();
+  TableWriter table(out, "regions", "regions",
+                    "Regions of the session, in order of arrival. Position, length, start inside "
+                    "the file and fades in samples.",
+                    regions.size());
+  table.Head(kColumns);
+  for (std::size_t i = 0; i < regions.size(); ++i) {
+    const host::SessionRegion& region = regions[i];
+    table.Begin();
+    table.Number(static_cast<std::int64_t>(i));
+    table.Text(region.name);
+    table.Text(PieceName(region));
+    table.Number(input.record.TrackNumber(region.track));
+    table.Text(clock.Timecode(region.position));
+    table.Text(clock.Timecode(region.End()));
+    table.Number(region.position);
+    table.Number(region.Length());
+    table.Text(FileNameOf(region.path));
+    table.Number(region.start);
+    table.Shape(region.shape.fadeIn, region.shape.fadeOut, region.shape.gainDb);
+    table.Number(region.origin ? std::optional<std::int64_t>(region.origin->event) : std::nullopt);
+    table.End();
+  }
+}
+
+void WriteFiles(const ReportData& data, std::ostream& out) {
+  constexpr auto kColumns = std::to_array<Column>({{"What"},
+                                                   {"State"},
+                                                   {"Event", Sort::Number},
+                                                   {"Path"},
+                                                   {"Bytes", Sort::Number},
+                                                   {"SHA-256"}});
+  TableWriter table(out, "files", "files", "Files of this spot, with sizes and checksums",
+                    data.files.size());
+  table.Head(kColumns);
+  for (const FileRow& file : data.files) {
+    table.Begin(file.state == "failed" ? "gone" : "");
+    table.Text(file.what);
+    table.Text(file.isFolder ? file.state + " (folder)" : file.state);
+    table.Number(Wide(file.event));
+    table.Text(file.path);
+    const bool isKnown = !file.sum.sha256.empty();
+    table.Number(isKnown ? std::optional<std::int64_t>(file.sum.bytes) : std::nullopt);
+    if (isKnown) {
+      table.Markup("<code>" + file.sum.sha256 + "</code>");
+    } else {
+      table.Text(file.sum.trouble);
+    }
+    table.End();
+  }
+}
+
+}  // namespace velmora::report

@@ -1,0 +1,239 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <pugixml.hpp>
+#include <string>
+#include <vector>
+
+#include "ArdourFixture.h"
+
+// With the real Ardour: what a session sounds like is read back through Ardour and held against the
+// bounce, which has tests of its own.
+
+namespace velmora::ardour {
+namespace {
+
+using bounce::SourceForm;
+using bounce::TestSource;
+
+constexpr double kInaudible = 1e-6;  // -120 dBFS
+
+class ArdourSession : public ArdourFixture {
+ public:
+  [[nodiscard]] pugi::xml_document Xml(const std::string& session) const {
+    pugi::xml_document xml;
+    const auto name = std::filesystem::path(session).filename().string();
+    EXPECT_TRUE(xml.load_file((session + "/" + name + ".ardour").c_str()));
+    return xml;
+  }
+  void ExpectWhole(const host::TargetOutcome& outcome) const {
+    EXPECT_EQ(outcome.trouble, "");
+    EXPECT_EQ(outcome.leftOut, std::vector<std::string>());
+    EXPECT_EQ(outcome.notes, std::vector<std::string>());
+  }
+};
+
+struct RateRow {
+  std::uint32_t rate;
+  std::uint16_t bits;
+  bool isFloat;
+};
+
+class ArdourSessionRates : public ArdourSession, public testing::WithParamInterface<RateRow> {};
+
+TEST_P(ArdourSessionRates, soundsAsTheBounceDoesToTheSample) {
+  const RateRow row = GetParam();
+  rates_.sampleRate = static_cast<float>(row.rate);
+  const TestSource mono = MakeSource("mono.wav", {row.bits, 1, row.isFloat, row.rate}, 5000);
+  const TestSource stereo = MakeSource("stereo.wav", {row.bits, 2, row.isFloat, row.rate}, 7000);
+  Place(0, 158760000, mono, 100, 3000);
+  Place(0, 158761500, mono, 0, 400);     // over the one before, like a rendered fade piece
+  Place(0, 158762900, stereo, 7, 6000);  // the track becomes a stereo one
+  Place(2, 158760010, mono, 0, 5000);
+  Place(2, 158760011, mono, 4000, 2);
+  Place(2, 158760300, mono, 1, 100);  // inside another
+  const std::string path = folder_.Path("session");
+  ExpectWhole(Make(path));
+  EXPECT_EQ(LargestDifference(path, 4096), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, ArdourSessionRates,
+                         testing::Values(RateRow{44100, 16, false}, RateRow{48000, 24, false},
+                                         RateRow{96000, 32, true}),
+                         [](const auto& row) { return std::to_string(row.param.rate); });
+
+TEST_F(ArdourSession, fadesAndGainAreRegionFacts) {
+  const TestSource one = MakeSource("one.wav", {24, 1}, 6000);
+  const TestSource two = MakeSource("two.wav", {24, 2}, 6000);
+  Place(0, 1000, one, 0, 2000, {100, 300, -6});
+  Place(0, 2500, one, 0, 2000, {500, 250, 3});  // a crossfade: the fade-out before it is dropped
+  Place(0, 4300, one, 3000, 1500, {90, 0, 0});  // its fade-in lies in a fade-out
+  Place(1, 1000, two, 0, 3000, {0, 1000, 0});
+  Place(1, 1500, two, 500, 600, {200, 200, -1});  // over the middle of another
+  const std::string path = folder_.Path("session");
+  ExpectWhole(Make(path));
+  isIgnored_ = [this](std::int64_t track, std::int64_t position) {
+    for (const host::SessionRegion& region : session_.Regions()) {
+      if (region.track == track && position == region.End() - 1) return true;
+    }
+    return false;
+  };
+  EXPECT_LT(LargestDifference(path, 1), kInaudible);
+}
+
+TEST_F(ArdourSession, aFadeOfACutRegionKeepsItsPlace) {
+  const TestSource source = MakeSource("one.wav", {24, 1}, 1000);
+  Place(0, 500, source, -200, 1400, {400, 300, 0});
+  const std::string path = folder_.Path("session");
+  const host::TargetOutcome outcome = Make(path);
+  EXPECT_EQ(outcome.trouble, "");
+  EXPECT_EQ(outcome.notes.size(), 2u);
+  isIgnored_ = [](std::int64_t, std::int64_t position) { return position == 1699; };
+  EXPECT_LT(LargestDifference(path, 1), kInaudible);
+}
+
+TEST_F(ArdourSession, whatAFileLacksIsSilenceOverWhatLiesUnderIt) {
+  const TestSource under = MakeSource("under.wav", {24, 1}, 5000);
+  const TestSource over = MakeSource("over.wav", {24, 1}, 400);
+  Place(0, 1000, under, 0, 5000);
+  Place(0, 2000, over, 100, 1500);  // 300 samples sound, 1200 are missing
+  Place(0, 5000, over, -50, 200);
+  const std::string path = folder_.Path("session");
+  const host::TargetOutcome outcome = Make(path);
+  EXPECT_EQ(outcome.trouble, "");
+  EXPECT_EQ(outcome.notes.size(), 2u);
+  EXPECT_EQ(LargestDifference(path, 4096), 0);
+}
+
+TEST_F(ArdourSession, whatAFileLacksFadesOverWhatLiesUnderIt) {
+  const TestSource under = MakeSource("under.wav", {24, 1}, 3000);
+  const TestSource over = MakeSource("over.wav", {24, 1}, 400);
+  Place(0, 1000, under, 0, 3000);
+  Place(0, 1500, over, -300, 1400, {500, 600, 0});
+  const std::string path = folder_.Path("session");
+  EXPECT_EQ(Make(path).trouble, "");
+  // Ardour reads the last sample of a region, alone, as silence: also those of the parts.
+  isIgnored_ = [](std::int64_t, std::int64_t position) {
+    return position == 3999 || position == 1799 || position == 2199 || position == 2599 ||
+           position == 2899;
+  };
+  EXPECT_LT(LargestDifference(path, 1), kInaudible);
+}
+
+TEST_F(ArdourSession, namesOfAllKindsAreKept) {
+  const char* const kNames[] = {"a \"b\" 'c' & <d>.wav", "Glöckchen 鐘.wav", "a: 1;2%20#3?.wav",
+                                "back\\slash.wav"};
+  std::int64_t position = 0;
+  for (const char* const name : kNames) {
+    const TestSource source = MakeSource(name, {24, 1}, 100);
+    Place(0, position, source, 0, 100, {}, name);
+    position += 100;
+  }
+  const std::string path = folder_.Path("Öl & <\"Wasser\">: 1");
+  ExpectWhole(Make(path));
+  EXPECT_EQ(LargestDifference(path, 64), 0);
+  const pugi::xml_document xml = Xml(path);
+  std::size_t at = 0;
+  for (const pugi::xml_node region : xml.child("Session").child("Playlists").child("Playlist")) {
+    EXPECT_STREQ(region.attribute("name").value(), kNames[at++]);
+  }
+  EXPECT_EQ(at, std::size(kNames));
+}
+
+TEST_F(ArdourSession, folderNamesThatAreNoTextAreMadeToo) {
+  const TestSource source = MakeSource("one.wav", {24, 1}, 100);
+  Place(0, 0, source, 0, 100);
+  for (const std::string& name : {std::string("a\xff"), std::string(250, 'n')}) {
+    const std::string path = folder_.Path(name);
+    ExpectWhole(Make(path));
+    EXPECT_TRUE(std::filesystem::exists(path + "/Session.ardour"));
+  }
+}
+
+TEST_F(ArdourSession, whatIsInTheFileIsWhatAUserNeeds) {
+  const TestSource source = MakeSource("one.wav", {24, 1}, 1000);
+  record_.firstTrackNumber = 3;
+  rates_.frameRate = 2;
+  Place(0, 48000, source, 0, 1000);
+  Place(4, 96000, source, 0, 1000);
+  const std::string before = test::TemporaryFolder::Read(source.path);
+  const auto writtenBefore = std::filesystem::last_write_time(source.path);
+  const std::string path = folder_.Path("session");
+  ExpectWhole(Make(path));
+  const pugi::xml_document xml = Xml(path);
+  const pugi::xml_node session = xml.child("Session");
+  std::vector<std::string> tracks;
+  for (const pugi::xml_node route : session.child("Routes").children("Route")) {
+    tracks.emplace_back(route.attribute("name").value());
+  }
+  EXPECT_EQ(tracks, (std::vector<std::string>{"Master", "Track 3", "Track 7"}));
+  for (const pugi::xml_node file : session.child("Sources").children("Source")) {
+    EXPECT_EQ(file.attribute("origin").value(), source.path);
+    EXPECT_STREQ(file.attribute("flags").value(), "");
+  }
+  EXPECT_FALSE(session.child("EngineHints"));
+  const pugi::xml_node range = session.child("Locations").child("Location");
+  EXPECT_STREQ(range.attribute("flags").value(), "IsSessionRange");
+  EXPECT_STREQ(range.attribute("start").value(), "a282240000");  // a second
+  const pugi::xml_node timecode =
+      session.child("Config").find_child_by_attribute("name", "timecode-format");
+  EXPECT_STREQ(timecode.attribute("value").value(), "timecode_25");
+  EXPECT_EQ(test::TemporaryFolder::Read(source.path), before);
+  EXPECT_EQ(std::filesystem::last_write_time(source.path), writtenBefore);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"one.wav", "session"}));
+}
+
+TEST_F(ArdourSession, whatArdourCannotHaveIsLeftOutAndNamed) {
+  const TestSource good = MakeSource("good.wav", {24, 1}, 1000);
+  const TestSource other = MakeSource("other.wav", {24, 1, false, 44100}, 1000);
+  const std::string noise = folder_.Write("noise.wav", std::string(5000, 'n'));
+  Place(0, 0, good, 0, 1000);
+  Place(0, 2000, other, 0, 1000);
+  Place({0, 3000, 0, 1000, 1, folder_.Path("missing.wav"), "missing", {}, {}});
+  Place({0, 4000, 0, 1000, 1, noise, "noise", {}, {}});
+  const host::TargetOutcome outcome = Make(folder_.Path("session"));
+  EXPECT_EQ(outcome.trouble, "");
+  ASSERT_EQ(outcome.leftOut.size(), 3u);
+  EXPECT_NE(outcome.leftOut[0].find("44100"), std::string::npos) << outcome.leftOut[0];
+  EXPECT_NE(outcome.leftOut[1].find("missing.wav"), std::string::npos) << outcome.leftOut[1];
+  EXPECT_NE(outcome.leftOut[2].find("noise.wav"), std::string::npos) << outcome.leftOut[2];
+  const pugi::xml_document xml = Xml(folder_.Path("session"));
+  std::size_t regions = 0;
+  for (const pugi::xml_node list : xml.child("Session").child("Playlists")) {
+    for ([[maybe_unused]] const pugi::xml_node region : list.children("Region")) ++regions;
+  }
+  EXPECT_EQ(regions, 1u);
+}
+
+TEST_F(ArdourSession, aRateAtWhichArdourMissesSamplesIsTold) {
+  rates_.sampleRate = 31000;
+  const TestSource source = MakeSource("one.wav", {24, 1, false, 31000}, 100);
+  Place(0, 158760000, source, 0, 100);
+  const host::TargetOutcome outcome = Make(folder_.Path("session"));
+  EXPECT_NE(outcome.trouble.find("31000 Hz"), std::string::npos) << outcome.trouble;
+  EXPECT_EQ(Names(), std::vector<std::string>{"one.wav"});
+}
+
+TEST_F(ArdourSession, aThousandRegionsAreThereInSeconds) {
+  const TestSource source = MakeSource("one.wav", {24, 1}, 48000);
+  for (int i = 0; i < 1000; ++i) Place(i % 24, i * 4800, source, i * 40, 7000, {100, 100, -3});
+  const auto begin = std::chrono::steady_clock::now();
+  ExpectWhole(Make(folder_.Path("session")));
+  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+  RecordProperty("seconds", std::to_string(taken.count()));
+  std::printf("1000 regions: %.2f s\n", taken.count());
+  EXPECT_LT(taken.count(), 60);  // 8 where nothing else runs; a machine may be busy
+}
+
+TEST_F(ArdourSession, cancelLeavesNothing) {
+  const TestSource source = MakeSource("one.wav", {24, 1}, 100);
+  Place(0, 0, source, 0, 100);
+  const host::TargetOutcome outcome =
+      Make(folder_.Path("session"), [](double share) { return share == 0; });
+  EXPECT_NE(outcome.trouble.find("cancelled"), std::string::npos) << outcome.trouble;
+  EXPECT_EQ(Names(), std::vector<std::string>{"one.wav"});
+}
+
+}  // namespace
+}  // namespace velmora::ardour

@@ -1,0 +1,33 @@
+#include "Report/Markup.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace velmora::report {
+namespace {
+
+TEST(Markup, leavesNoCharacterThatHtmlReadsAsMarkup) {
+  EXPECT_EQ(Html("</td><script>alert('x')&\"</script>"),
+            "&lt;/td&gt;&lt;script&gt;alert(&#39;x&#39;)&amp;&quot;&lt;/script&gt;");
+}
+
+TEST(Markup, keepsTextsOfAllLanguages) {
+  EXPECT_EQ(Html("Größe 音 é\t1"), "Größe 音 é\t1");
+}
+
+TEST(Markup, showsWhatIsNoTextAsReplacementCharacters) {
+  EXPECT_EQ(Html(std::string_view("a\0b\x1b\xff\x7f", 6)),
+            "a\uFFFD"
+            "b\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(Markup, jsonInAScriptCannotEndIt) {
+  const nlohmann::json value = {{"name", "</script><!--<script>&"}};
+  const std::string safe = ScriptJson(value.dump());
+  EXPECT_EQ(safe.find_first_of("<>&"), std::string::npos);
+  EXPECT_EQ(nlohmann::json::parse(safe), value);
+}
+
+}  // namespace
+}  // namespace velmora::report

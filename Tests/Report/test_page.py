@@ -1,0 +1,180 @@
+"""What a report holds, as a script reads it."""
+
+import base64
+import hashlib
+import json
+import pathlib
+import time
+import unittest
+
+import page as pages
+from program import ALL_DONE, BAD_USAGE, LEFT_OUT, SANITIZED, ProgramTest, limit_file_size, run
+
+
+class Report(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.adl = pages.mixed_project(self.folder)
+        self.page = self.folder / "page.html"
+
+    def spot(self, *more):
+        done = run("spot", self.adl, "--quiet", "--skip-events", "4", "--copy-to", self.folder / "made", *more,
+                   "--host", f"embedded:{self.folder / 'session.json'}", "--report", self.page)
+        self.assert_status(done, LEFT_OUT)
+        return pages.Page(self.page)
+
+    def session(self):
+        return json.loads((self.folder / "session.json").read_text(encoding="utf-8"))
+
+    def test_the_facts_are_the_sessions(self):
+        for how in (["--fades", "--gain"], ["--native"]):
+            with self.subTest(how[0]):
+                facts, session = self.spot(*how).facts, self.session()
+                self.assertEqual(facts["summary"], session["summary"])
+                regions = [region | {"track": track["track"]} for track in session["tracks"]
+                           for region in track["regions"]]
+                self.assertEqual(sorted(facts["regions"], key=lambda region: region["index"]),
+                                 sorted(regions, key=lambda region: region["index"]))
+                for made in (self.page, self.folder / "session.json"):
+                    made.unlink()
+
+    def test_each_table_tells_what_the_facts_tell(self):
+        page = self.spot("--fades", "--gain", "--bounce", self.folder / "b.wav")
+        facts = page.facts
+        self.assertEqual(page.column("events", "State"),
+                         ["placed", "placed", "missing", "placed", "off", "not a cut"])
+        self.assertEqual(page.column("events", "State"), [event["state"] for event in facts["events"]])
+        self.assertEqual(page.column("regions", "Name"), [region["name"] for region in facts["regions"]])
+        self.assertEqual(page.column("regions", "Position"), [str(region["position"]) for region in facts["regions"]])
+        self.assertEqual(page.column("files", "Path"), [file["path"] for file in facts["files"]])
+        self.assertEqual(page.column("messages", "What helps"),
+                         [message["remedy"] or "" for message in facts["messages"]])
+        self.assertTrue(any("gone.wav" in text for text in page.column("messages", "Message")))
+        self.assertNotIn("", [message["remedy"] or "" for message in facts["messages"] if message["weight"] != "note"])
+
+    def test_files_have_size_and_checksum(self):
+        facts = self.spot("--fades", "--gain", "--bounce", self.folder / "b.wav").facts
+        made = [file for file in facts["files"] if not file["path"].endswith(".json")]
+        self.assertEqual({file["what"] for file in made}, {"depth", "gain", "fade", "bounce"})
+        for file in made:
+            data = pathlib.Path(file["path"]).read_bytes()
+            self.assertEqual((file["bytes"], file["sha256"]), (len(data), hashlib.sha256(data).hexdigest()))
+
+    def test_texts_of_projects_never_become_markup(self):
+        page = self.spot("--fades", "--gain")
+        self.assertNotIn("img", [tag for tag, _ in page.elements])
+        self.assertEqual(len(page.scripts), 2)
+        self.assertFalse([attributes for _, attributes in page.elements
+                          for name in attributes if name.startswith("on") or name == "style"])
+        self.assertIn("<script>alert(1)</script>", page.facts["project"]["title"])
+        self.assertIn(pages.HOSTILE_FILE, page.column("events", "Name"))
+
+    def test_its_own_policy_lets_only_its_style_and_script_through(self):
+        page = self.spot()
+        policy = next(attributes["content"] for tag, attributes in page.elements
+                      if tag == "meta" and attributes.get("http-equiv") == "Content-Security-Policy")
+
+        def hash_of(text):
+            return "'sha256-" + base64.b64encode(hashlib.sha256(text.encode()).digest()).decode() + "'"
+
+        style = page.text.split("<style>")[1].split("</style>")[0]
+        rules = dict(rule.strip().split(" ", 1) for rule in policy.split(";"))
+        self.assertEqual(rules["default-src"], "'none'")
+        self.assertEqual(rules["style-src"], hash_of(style))
+        self.assertEqual(rules["script-src"], hash_of(page.scripts[1][1]))
+
+    def test_tables_can_be_read_by_ear(self):
+        page = self.spot()
+        self.assertEqual([name for name in page.heads], ["messages", "events", "regions", "files", "constants"])
+        for table, caption in page.captions.items():
+            self.assertTrue(caption, table)
+        for tag, attributes in page.elements:
+            if tag == "th":
+                self.assertIn(attributes.get("scope"), ("col", "row"))
+        ids = [attributes["id"] for _, attributes in page.elements if "id" in attributes]
+        self.assertEqual(len(ids), len(set(ids)))
+        named = [attributes.get("aria-labelledby") for _, attributes in page.elements]
+        self.assertTrue(set(filter(None, named)) <= set(ids))
+
+    def test_a_spot_that_places_nothing_has_its_report_all_the_same(self):
+        for name, events in (("nothing placed", ["--only-events", "2"]), ("no event at all", ["--only-events", "99"])):
+            with self.subTest(name):
+                done = run("spot", self.adl, *events, "--quiet", "--bounce", self.folder / "b.wav", "--report", self.page)
+                self.assert_status(done, LEFT_OUT)
+                facts = pages.Page(self.page).facts
+                self.assertEqual((facts["regions"], len(facts["events"])), ([], 6))
+                self.assertFalse((self.folder / "b.wav").exists())
+                self.assertTrue(any("b.wav" in message["text"] for message in facts["messages"]))
+                self.page.unlink()
+
+    def test_a_project_without_a_cut_has_one_too(self):
+        (self.folder / "none.adl").write_bytes(b"<ADL>\n<EVENT_LIST>\n(Entry) 1 (Silence) 1 1 _ _ _\n</EVENT_LIST>\n</ADL>\n")
+        done = run("spot", self.folder / "none.adl", "--report", self.page)
+        self.assert_status(done, LEFT_OUT)
+        self.assertTrue(any("no cut" in message["text"] for message in pages.Page(self.page).facts["messages"]))
+
+    def test_a_full_disk_leaves_no_page(self):
+        done = run("report", self.adl, "-o", self.page, before=limit_file_size(4096))
+        self.assert_status(done, LEFT_OUT)
+        self.assertIn(f"{self.page} cannot be written", done.err)
+        self.assertFalse([name for name in self.files() if "page" in name])
+
+
+class ReportAlone(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.adl = pages.mixed_project(self.folder)
+        self.page = self.folder / "page.html"
+
+    def test_nothing_is_made_but_the_page(self):
+        before = {name: (self.folder / name).read_bytes() for name in self.files()}
+        done = run("report", self.adl, "--depth", "16", "--fades", "--gain", "--copy-to", self.folder / "made",
+                   "--otio", self.folder / "x.otio", "--host", f"embedded:{self.folder / 's.json'}", "-o", self.page)
+        self.assert_status(done, LEFT_OUT)
+        self.assertEqual(self.files(), sorted([*before, "page.html"]))
+        for name, data in before.items():
+            self.assertEqual((self.folder / name).read_bytes(), data)
+        facts = pages.Page(self.page).facts
+        self.assertTrue(facts["plan"])
+        self.assertEqual({file["state"] for file in facts["files"]}, {"planned"})
+
+    def test_it_plans_what_a_spot_does(self):
+        """Every region of the spot stands in the plan at its place, though its file is another."""
+        for how in ([], ["--fades", "--gain"], ["--native"], ["--position", "first"], ["--depth", "16"]):
+            with self.subTest(how):
+                plan = self.folder / "plan.html"
+                run("report", self.adl, *how, "-o", plan)
+                run("spot", self.adl, "--quiet", "--copy-to", self.folder / "made", *how, "--report", self.page)
+                planned, made = pages.Page(plan).facts, pages.Page(self.page).facts
+
+                def places(facts):
+                    return [[region[key] for key in ("event", "piece", "track", "position", "length", "fadeIn", "gainDb")]
+                            for region in facts["regions"]]
+
+                self.assertTrue(places(made))
+                self.assertEqual(places(planned), places(made))
+                self.assertEqual(planned["events"], made["events"])
+                for page in (plan, self.page):
+                    page.unlink()
+
+    def test_bad_usage(self):
+        self.page.write_text("mine")
+        for words, arguments in ((("-o is missing",), []), ((str(self.page),), ["-o", self.page]),
+                                 (("-o", "empty"), ["-o", ""]), (("--prepare",), ["--prepare", "-o", "x.html"])):
+            with self.subTest(arguments):
+                done = run("report", self.adl, *arguments)
+                self.assert_bad_usage(done, *words)
+        self.assertEqual(self.page.read_text(), "mine")
+
+    def test_a_long_project_is_quick_and_small(self):
+        adl = pages.long_project(self.folder)
+        began = time.monotonic()
+        self.assert_status(run("report", adl, "-o", self.page), ALL_DONE)
+        if not SANITIZED:
+            self.assertLess(time.monotonic() - began, 5)  # the rule is 1 s, on a machine that is not busy
+        self.assertLess(self.page.stat().st_size, 5_000_000)
+        self.assertEqual(len(pages.Page(self.page).rows["events"]), 5000)
+
+
+if __name__ == "__main__":
+    unittest.main()
