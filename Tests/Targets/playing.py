@@ -23,6 +23,13 @@ class Region:
     fade_in: int = 0
     fade_out: int = 0
     gain_db: float = 0.0
+    factor: Fraction = None  # in place of gain_db, where the gain is told as a factor
+
+    @property
+    def gain(self):
+        if self.factor is not None:
+            return self.factor
+        return Fraction(10 ** (self.gain_db / 20)) if self.gain_db else 1
 
     @property
     def end(self):
@@ -44,9 +51,17 @@ class Media:
         self._waves = {}
 
     def __getitem__(self, path):
+        """None for a file that is no wave file."""
         if path not in self._waves:
-            self._waves[path] = waves.read_wave(path)
+            self._waves[path] = self._read(path)
         return self._waves[path]
+
+    @staticmethod
+    def _read(path):
+        try:
+            return waves.read_wave(path)
+        except (OSError, waves.BadWave):
+            return None
 
 
 def shaped(regions):
@@ -66,7 +81,8 @@ def shaped(regions):
 
 def usable(regions, media, rate):
     """Those that the audio is made of: of some length, from a file of the session's rate."""
-    return [region for region in regions if region.length > 0 and media[region.path].format.rate == rate]
+    return [region for region in regions
+            if region.length > 0 and media[region.path] and media[region.path].format.rate == rate]
 
 
 @dataclasses.dataclass
@@ -79,14 +95,14 @@ class Playing:
 
 
 def play(regions, media, rate):
-    """`regions` in order of arrival."""
+    """`regions` in order of arrival. All of them span the session, and each of their tracks is there, silent if need be."""
+    first = min(region.position for region in regions)
+    frames = max(max(region.position, region.end) for region in regions) - first
     heard = usable(regions, media, rate)
-    first = min(region.position for region in heard)
-    frames = max(region.end for region in heard) - first
     tracks = {}
-    for track in sorted({region.track for region in heard}):
+    for track in sorted({region.track for region in regions}):
         own = shaped([region for region in heard if region.track == track])
-        width = max(media[region.path].format.channels for region in own)
+        width = max((media[region.path].format.channels for region in own), default=1)
         channels = [[0] * frames for _ in range(width)]
         for region in own:
             place(region, region.position - first, channels, media)
@@ -104,7 +120,7 @@ def samples_of(region, media):
 
 def place(region, at, channels, media):
     sound = samples_of(region, media)
-    gain = Fraction(10 ** (region.gain_db / 20)) if region.gain_db else 1
+    gain = region.gain
     faded = set(range(region.fade_in)) | set(range(region.length - region.fade_out, region.length))
     inner = slice(region.fade_in, region.length - region.fade_out)
     for number, under in enumerate(channels):

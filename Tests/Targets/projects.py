@@ -11,22 +11,24 @@ from stamps import stamp
 
 SAMPLE_RATES = {"/": 48000, "|": 44100, "*": 96000, "@": 88200, "=": 32000}
 NAMES = ["take.wav", "Take 2.wav", "a&b.wav", "it's.wav", "<i>.wav", "50%.wav", "#1?.wav", "semi;colon.wav", "no extension",
-         "two..dots.wav", "{curly}.WAV", "Grüße.wav", "嵐.wav", "plus+.wav", "tilde~.wav", "a%20b.wav", "]]>.wav", "-->.wav"]
+         "two..dots.wav", "{curly}.WAV", "Grüße.wav", "嵐.wav", "plus+.wav", "a%20b.wav", "]]>.wav", "-->.wav"]
 GAINS = ("-6.0", "3", "-60.25", "0.0", "-0.5", "20")
 HOUR = 3600
 
 
 @dataclasses.dataclass
 class Cut:
-    entry: int
-    source: int
+    """Times in samples."""
+
+    source: int  # from 1
     track: int
-    start: int  # samples into the file
-    position: int  # samples on the project's timeline
+    start: int  # inside the file
+    position: int  # on the project's timeline
     length: int
     fade_in: int = 0
     fade_out: int = 0
     gain_db: str = None
+    entry: int = 0
 
 
 @dataclasses.dataclass
@@ -34,7 +36,6 @@ class Project:
     path: object
     rate: int
     cuts: list  # by entry
-    first_stamp: str
 
     @property
     def lowest_track(self):
@@ -44,12 +45,9 @@ class Project:
 class Clock:
     """Writes times in the marks of one project."""
 
-    def __init__(self, dice, seed):
-        self.mark = list(FRAME_MARKS)[seed % len(FRAME_MARKS)]
-        self.separator = dice.choice(":;") if FRAME_MARKS[self.mark][0] == 30 else ":"
-        self.rate_mark = dice.choice(list(SAMPLE_RATES))
-        self.rate = SAMPLE_RATES[self.rate_mark]
-        self.origin = dice.choice((0, 1, 10, 23)) * HOUR * self.rate
+    def __init__(self, mark="|", separator=":", rate_mark="/"):
+        self.mark, self.separator, self.rate_mark = mark, separator, rate_mark
+        self.rate = SAMPLE_RATES[rate_mark]
 
     def time(self, samples):
         return stamp(samples, self.mark, self.separator, self.rate_mark)
@@ -62,19 +60,26 @@ def make(seed, folder):
     """A project and its wave files in `folder`, which is made."""
     dice = random.Random(seed)
     folder.mkdir(parents=True)
-    clock = Clock(dice, seed)
-    lengths, sources = {}, []
-    for index, name in enumerate(dice.sample(NAMES, dice.randint(1, 5)), 1):
-        lengths[index] = dice.randint(500, 9000)
+    mark = list(FRAME_MARKS)[seed % len(FRAME_MARKS)]
+    clock = Clock(mark, dice.choice(":;") if FRAME_MARKS[mark][0] == 30 else ":", dice.choice(list(SAMPLE_RATES)))
+    clock.origin = dice.choice((0, 1, 10, 23)) * HOUR * clock.rate
+    names = dice.sample(NAMES, dice.randint(1, 5))
+    lengths = {index: dice.randint(500, 9000) for index in range(1, len(names) + 1)}
+    for index, name in enumerate(names, 1):
         (folder / name).write_bytes(noise(dice, lengths[index], clock.rate))
-        sources.append(f'(Index) {index} (F) "{PLACE}{name}" _ {clock.time(0)} {clock.time(lengths[index])} "_" N')
-    cuts = list(numbered(cut for track in dice.sample(range(1, 12), dice.randint(1, 4))
-                         for cut in cuts_of_track(dice, track, lengths, clock)))
+    cuts = [cut for track in dice.sample(range(1, 12), dice.randint(1, 4)) for cut in cuts_of_track(dice, track, lengths, clock)]
+    return write(folder / "p.adl", names, cuts, clock)
+
+
+def write(path, names, cuts, clock):
+    """The ADL of these cuts on these files, which lie beside it. The cuts get their numbers here."""
+    cuts = [dataclasses.replace(cut, entry=entry) for entry, cut in enumerate(cuts, 1)]
+    sources = [f'(Index) {index} (F) "{PLACE}{name}" _ {clock.time(0)} {clock.time(0)} "_" N'
+               for index, name in enumerate(names, 1)]
     text = "\n".join(["<ADL>", "<SOURCE_INDEX>", *sources, "</SOURCE_INDEX>", "<EVENT_LIST>",
                       *(lines_of(cut, clock) for cut in cuts), "</EVENT_LIST>", "</ADL>", ""])
-    path = folder / "p.adl"
     path.write_bytes(text.encode("shift_jisx0213"))
-    return Project(path, clock.rate, cuts, clock.time(min(cut.position for cut in cuts)))
+    return Project(path, clock.rate, cuts)
 
 
 def noise(dice, frames, rate):
@@ -94,14 +99,9 @@ def cuts_of_track(dice, track, lengths, clock):
         length = dice.randint(1, 2 * room) if dice.random() < 0.2 else dice.randint(1, room)
         fade_in = fade_out if dice.random() < 0.6 else dice.choice((0, 0, 1, 7, 300, 999, length + 5))
         fade_out = dice.choice((0, 1, 64, 500, 1000))
-        yield Cut(0, source, track, start, at, length, fade_in, fade_out, dice.choice((None,) * 3 + GAINS))
+        yield Cut(source, track, start, at, length, fade_in, fade_out, dice.choice((None,) * 3 + GAINS))
         end = at + length
         at = max(clock.origin, end - fade_out if dice.random() < 0.7 else end + dice.randint(-length - 200, 2000))
-
-
-def numbered(cuts):
-    for entry, cut in enumerate(cuts, 1):
-        yield dataclasses.replace(cut, entry=entry)
 
 
 def lines_of(cut, clock):

@@ -1,87 +1,266 @@
-"""Bounces held sample by sample against what a second reading of the session makes of the wave files."""
+"""What bounces make of odd sessions and odd files, by the rules alone."""
 
 import os
+import random
+import struct
+import time
 import unittest
 
 import playing
-import projects
 import waves
-from targets import TargetTest
+from bounces import DEPTHS, BounceTest
+from material import wave_of
+from program import ALL_DONE, LEFT_OUT, SLOWNESS, run, start
+from projects import Clock, Cut, write
 
-DEPTHS = ("16", "24", "32f")
-BITS = {"16": 16, "24": 24, "32f": 32}
-
-
-class BounceTest(TargetTest):
-    def assert_samples(self, path, channels, depth, rate, first):
-        """The file holds these samples and is a Broadcast Wave file by every rule."""
-        wave = waves.read_wave(path)
-        expected = waves.encoded(waves.interleaved(channels), depth)
-        found = wave.bytes()
-        if found != expected:
-            self.fail(f"{path}: {self.difference(found, expected, wave)}")
-        self.assert_header(wave, len(channels), depth, rate, first)
-
-    @staticmethod
-    def difference(found, expected, wave):
-        if len(found) != len(expected):
-            return f"{len(found)} bytes, not {len(expected)}"
-        step = wave.format.bits // 8
-        places = [at for at in range(0, len(found), step) if found[at:at + step] != expected[at:at + step]]
-        first = places[0]
-        frame, channel = divmod(first // step, wave.format.channels)
-        return (f"{len(places)} samples differ, the first in channel {channel} of frame {frame} of {wave.frames}: "
-                f"{found[first:first + step].hex()}, not {expected[first:first + step].hex()}")
-
-    def assert_header(self, wave, channels, depth, rate, first):
-        form = wave.format
-        tag = waves.FLOAT if depth == "32f" else waves.PCM
-        self.assertEqual((form.tag, form.channels, form.rate, form.bits), (tag, channels, rate, BITS[depth]))
-        self.assertEqual(wave.form, "RIFF")
-        size = os.path.getsize(wave.path)
-        self.assertEqual((wave.riff_size + 8, wave.end), (size, size), f"sizes of {wave.path}: {wave.chunks}")
-        self.assertEqual(wave.bext.time_reference, first)
-        self.assertRegex(wave.bext.date, rb"\A\d{4}-\d\d-\d\d\Z")
-        self.assertRegex(wave.bext.time, rb"\A\d\d:\d\d:\d\d\Z")
-        self.assertTrue(wave.bext.description)
-        self.assertTrue(wave.bext.originator)
-        if depth == "32f":
-            self.assertEqual(wave.facts, wave.frames)
-        else:
-            self.assertEqual(form.size, 16)
-
-    def assert_bounces(self, spot, project, depth):
-        """Both bounces of a spot, or their refusal where the session begins before the timeline does."""
-        media = playing.Media()
-        playback = playing.play(spot.regions, media, project.rate)
-        if playback.first < 0:
-            self.assert_refused(spot, "bounce", "bounce-tracks")
-            return
-        for name in ("bounce", "bounce-tracks"):
-            self.assertEqual((spot.target(name)["status"], spot.target(name)["reason"]), (0, None))
-        every = [channel for channels in playback.tracks.values() for channel in channels]
-        self.assert_samples(spot.folder / "b.wav", every, depth, project.rate, playback.first)
-        names = {f"Track {project.lowest_track + track}.wav": channels for track, channels in playback.tracks.items()}
-        self.assertEqual(sorted(os.listdir(spot.folder / "tracks")), sorted(names))
-        for name, channels in names.items():
-            self.assert_samples(spot.folder / "tracks" / name, channels, depth, project.rate, playback.first)
+SECOND = 48000
+HOUR = 3600 * SECOND
 
 
-class RandomProjects(BounceTest):
-    """Each seed is a project of its own; VELMORA_SEEDS=FIRST-LAST tries others."""
+def noise(frames, bits=24, channels=1, rate=48000, seed=1):
+    return wave_of(random.Random(seed).randbytes(frames * channels * bits // 8), bits, rate, channels)
 
-    WAYS = ((), ("--native",), ("--fades", "--gain"), ("--fades",), ("--gain", "--depth", "16"), ("--native", "--depth", "16"))
 
-    def test_seeds(self):
-        first, last = map(int, os.environ.get("VELMORA_SEEDS", "1-18").split("-"))
-        for seed in range(first, last + 1):
-            way = self.WAYS[seed % len(self.WAYS)]
-            depth = DEPTHS[seed // len(self.WAYS) % len(DEPTHS)]
-            with self.subTest(seed=seed, way=way, depth=depth):
-                project = projects.make(seed, self.folder / f"project {seed}")
-                spot = self.spot(project.path, *way, "--bounce-depth", depth, into=f"out {seed}",
-                                 targets=("bounce", "bounce-tracks"), status=(0, 3))
-                self.assert_bounces(spot, project, depth)
+def floats(values, bits=32):
+    return wave_of(struct.pack(f"<{len(values)}{'f' if bits == 32 else 'd'}", *values), bits, format_tag=3)
+
+
+class HandMade(BounceTest):
+    def project(self, files, *cuts, name="project", clock=Clock()):
+        """`files` by name: their bytes."""
+        folder = self.folder / name
+        folder.mkdir()
+        for file, content in files.items():
+            (folder / file).write_bytes(content)
+        return write(folder / "p.adl", list(files), cuts, clock)
+
+    def bounced(self, project, *options, depth="24", status=(ALL_DONE,), into="out", complete=True):
+        spot = self.spot(project.path, "--bounce-depth", depth, *options, into=into, status=status,
+                         targets=("bounce", "bounce-tracks"))
+        self.assert_bounces(spot, project, depth, playing.play(spot.regions, playing.Media(), project.rate), complete)
+        return spot
+
+
+class Files(HandMade):
+    """Sources that the project's own reading passes by unchanged: each sounds as a wave file says."""
+
+    def test_depthsSideBySide(self):
+        files = {"a.wav": noise(900, 24), "b.wav": noise(900, 16, seed=2), "c.wav": noise(900, 32, seed=3),
+                 "d.wav": noise(900, 8, seed=4)}
+        cuts = [Cut(source, source, 10, HOUR + 100 * source, 700) for source in (1, 2, 3, 4)]
+        for depth in DEPTHS:
+            for way in ((), ("--depth", "16")):
+                with self.subTest(depth=depth, way=way):
+                    self.bounced(self.project(files, *cuts, name=f"p {depth} {way}"), *way, depth=depth, into=f"o {depth} {way}")
+
+    def test_everyNumberOfChannelsOnOneTrack(self):
+        """The track is as wide as its widest region; narrower ones begin again with their first channel."""
+        widths = (1, 2, 3, 6, 8, 5)
+        files = {f"{width}.wav": noise(600, 24, width, seed=width) for width in widths}
+        cuts = [Cut(source, 4, source, HOUR + 500 * source, 600) for source in range(1, len(widths) + 1)]
+        cuts += [Cut(source, 9, source, HOUR + 500 * source, 400) for source in (1, 3)]
+        spot = self.bounced(self.project(files, *cuts))
+        self.assertEqual(waves.read_wave(spot.folder / "b.wav").format.channels, 11)
+        self.assertEqual(sorted(os.listdir(spot.folder / "tracks")), ["Track 4.wav", "Track 9.wav"])
+
+    def test_theLoudestSamplesAndTies(self):
+        """Every sample half a step of 16 bits away from the next, on both sides of zero and at both ends."""
+        steps = [-0x800000, -0x7FFF80, -0x7FFF7F, -384, -128, -127, -1, 0, 1, 127, 128, 129, 384, 640, 0x7FFF7F, 0x7FFF80, 0x7FFFFF]
+        audio = b"".join(step.to_bytes(3, "little", signed=True) for step in steps)
+        project = self.project({"a.wav": wave_of(audio)}, Cut(1, 1, 0, HOUR, len(steps)))
+        for depth in DEPTHS:
+            with self.subTest(depth=depth):
+                self.bounced(project, depth=depth, into=depth)
+        found = waves.read_wave(self.folder / "16" / "b.wav").channels()[0]
+        self.assertEqual([sample >> 16 for sample in found],
+                         [-32768, -32768, -32767, -2, 0, 0, 0, 0, 0, 0, 0, 1, 2, 2, 32767, 32767, 32767])
+
+    def test_anOddNumberOfBytes(self):
+        """A chunk of odd size is followed by a byte that belongs to none."""
+        for frames in (1, 2, 3):
+            with self.subTest(frames):
+                project = self.project({"a.wav": noise(10)}, Cut(1, 1, 0, HOUR, frames), name=f"p{frames}")
+                spot = self.bounced(project, into=f"o{frames}")
+                wave = waves.read_wave(spot.folder / "b.wav")
+                self.assertEqual(wave.data[1], 3 * frames)
+                self.assertEqual(wave.end % 2, 0)
+
+
+class Edges(HandMade):
+    def test_beyondBothEndsOfTheFile(self):
+        """Silence, that covers what lies under it, and a line that names the file."""
+        files = {"a.wav": noise(3000), "b.wav": noise(500, seed=2)}
+        project = self.project(files, Cut(1, 1, 0, HOUR, 3000), Cut(2, 1, 400, HOUR + 500, 800), Cut(2, 2, 600, HOUR, 90),
+                               Cut(2, 3, 0, HOUR, 500))
+        text = project.path.read_bytes()
+        # The file of the first source begins later than its cut.
+        project.path.write_bytes(text.replace(b'a.wav" _ 00|00:00:00/0000', b'a.wav" _ 00|00:00:00/0200'))
+        spot = self.bounced(project)
+        self.assertEqual([region.start for region in spot.regions], [-200, 400, 600, 0])
+        for name in ("a.wav", "b.wav"):
+            self.assertRegex(spot.run.err, rf"velmora: bounce: note: .*{name}")
+
+    def test_regionsOfNoLength(self):
+        project = self.project({"a.wav": noise(300), "b.wav": noise(300)}, Cut(1, 1, 0, HOUR + 100, 200), Cut(2, 1, 0, HOUR + 150, 0),
+                               Cut(2, 2, 0, HOUR + 200, -50), Cut(2, 3, 0, HOUR + 500, 0))
+        spot = self.bounced(project, status=(ALL_DONE, LEFT_OUT))
+        self.assertEqual([region.length for region in spot.regions], [200, 0, -50, 0])
+        notes = [line for line in spot.run.err.splitlines() if line.startswith("velmora: bounce: ") and "b.wav" in line]
+        self.assertEqual(len(notes), 3, spot.run.err)
+
+    def test_regionsOfAnotherRate(self):
+        project = self.project({"a.wav": noise(300), "b.wav": noise(900, rate=44100)}, Cut(1, 1, 0, HOUR, 300),
+                               Cut(2, 1, 0, HOUR + 100, 100), Cut(2, 2, 0, HOUR + 100, 700))
+        spot = self.bounced(project, status=(LEFT_OUT,), complete=False)
+        for target in ("bounce", "bounce-tracks"):
+            self.assertRegex(spot.run.err, rf"velmora: {target}: .*b\.wav.*44100")
+
+    def test_beforeTheTimelineBegins(self):
+        project = self.project({"a.wav": noise(300)}, Cut(1, 1, 0, SECOND, 300))
+        spot = self.bounced(project, "--position", "offset", "--offset", "-00:00:02:00", status=(LEFT_OUT,))
+        self.assertEqual(spot.regions[0].position, -SECOND)
+        self.assertEqual(sorted(os.listdir(spot.folder)), ["s.json"])
+
+    def test_eachTrackSpansTheSession(self):
+        project = self.project({"a.wav": noise(300)}, Cut(1, 2, 0, HOUR, 100), Cut(1, 30, 0, HOUR + 40000, 100))
+        spot = self.bounced(project)
+        for track in (2, 30):
+            self.assertEqual(waves.read_wave(spot.folder / "tracks" / f"Track {track}.wav").frames, 40100)
+
+
+class Shapes(HandMade):
+    """Fades, crossfades and gains that are facts of the regions."""
+
+    FILES = {"a.wav": noise(4000), "b.wav": noise(4000, 16, 2, seed=2)}
+
+    def shaped(self, *cuts, depth="24", into="out"):
+        project = self.project(self.FILES, *cuts, name=f"project {into}")
+        spot = self.bounced(project, "--native", depth=depth, into=into)
+        facts = [(region.fade_in, region.fade_out) for region in spot.regions]
+        self.assertEqual(facts, [(cut.fade_in, cut.fade_out) for cut in project.cuts])
+        self.assertEqual([region.gain_db for region in spot.regions], [float(cut.gain_db or 0) for cut in project.cuts])
+        return spot
+
+    def test_byHand(self):
+        """Numbers that anyone can work out: a file of the one value 1000, then one of 3000, crossfaded over four samples."""
+        files = {name: wave_of(value.to_bytes(3, "little") * 8) for name, value in (("a.wav", 1000), ("b.wav", 3000))}
+        project = self.project(files, Cut(1, 1, 0, HOUR, 8, fade_in=2, fade_out=4), Cut(2, 1, 0, HOUR + 4, 8, 4, 3))
+        spot = self.bounced(project, "--native")
+        found = [sample >> 8 for sample in waves.read_wave(spot.folder / "b.wav").channels()[0]]
+        self.assertEqual(found, [0, 500, 1000, 1000, 1000, 1500, 2000, 2500, 3000, 3000, 2000, 1000])
+
+    def test_shapesThatMeet(self):
+        """Each row: what the second region does to the first, on one track. Position, length, fade-in, fade-out."""
+        rows = {
+            "crossfade": ((0, 1000, 10, 300), (700, 1000, 300, 20)),
+            "the fade-out is shorter": ((0, 1000, 0, 200), (700, 1000, 300, 0)),
+            "the fade-out is longer": ((0, 1000, 0, 301), (700, 1000, 300, 0)),
+            "one sample beside": ((0, 1000, 0, 300), (701, 1000, 300, 0)),
+            "over the middle": ((0, 3000, 0, 0), (700, 1000, 300, 200)),
+            "over a fade-in": ((500, 2000, 1000, 0), (0, 1000, 0, 300)),
+            "over a fade-out": ((0, 1000, 0, 800), (500, 300, 100, 100)),
+            "a fade of one sample": ((0, 1000, 1, 1), (999, 1000, 1, 1)),
+            "fades that meet in the middle": ((0, 1000, 500, 500), (2000, 100, 0, 0)),
+            "fades longer than the region": ((0, 100, 300, 50), (90, 400, 10, 500)),
+            "a fade-out cut to what is left": ((0, 1000, 900, 300), (900, 500, 100, 0)),
+            "over two": ((0, 1000, 0, 0), (900, 1100, 0, 0), (600, 1000, 800, 0)),
+            "under a later one": ((0, 1000, 0, 300), (700, 1000, 300, 0), (0, 3000, 0, 0)),
+        }
+        for number, (name, regions) in enumerate(rows.items()):
+            for depth in ("24", "32f"):
+                with self.subTest(name, depth=depth):
+                    cuts = [Cut(1 + index % 2, 1, 7 * index, HOUR + position, length, fade_in, fade_out)
+                            for index, (position, length, fade_in, fade_out) in enumerate(regions)]
+                    self.shaped(*cuts, depth=depth, into=f"{number} {depth}")
+
+    def test_gains(self):
+        """Far above and far below: clipped in whole numbers, kept in floats."""
+        cuts = [Cut(1 + index % 2, index + 1, 0, HOUR, 1000, 100, 100, gain)
+                for index, gain in enumerate(("6", "-6.02", "40", "-120", "-0.0001", "0"))]
+        for depth in DEPTHS:
+            with self.subTest(depth=depth):
+                self.shaped(*cuts, depth=depth, into=depth)
+        loudest = max(abs(sample) for channel in waves.read_wave(self.folder / "32f" / "b.wav").channels() for sample in channel)
+        self.assertGreater(loudest, 50 * waves.FULL_SCALE)
+
+    def test_cutFadesAreNamed(self):
+        project = self.project(self.FILES, Cut(1, 1, 0, HOUR, 100, 130, 7))
+        spot = self.bounced(project, "--native", into="out")
+        self.assertRegex(spot.run.err, r"velmora: bounce: note: .*a\.wav.*130 ")
+        self.assertRegex(spot.run.err, r"velmora: bounce: note: .*a\.wav.*fade-out of 7 ")
+
+
+class Pipe(HandMade):
+    """A bounce on standard output, where sizes may have been unknown when the header went out."""
+
+    def streamed(self, path):
+        """Format and audio of what came through a pipe."""
+        content = path.read_bytes()
+        self.assertIn(content[:4], (b"RIFF", b"RF64"))
+        self.assertEqual(content[8:12], b"WAVE")
+        at, form = 12, None
+        while content[at:at + 4] != b"data":
+            name, size = struct.unpack("<4sI", content[at:at + 8])
+            if name == b"fmt ":
+                form = waves.Format.of(content[at + 8:at + 8 + size])
+            at += 8 + size + size % 2
+        size = struct.unpack("<I", content[at + 4:at + 8])[0]
+        audio = content[at + 8:]
+        if size != waves.SIZE_ELSEWHERE:
+            self.assertEqual(len(audio), size + size % 2)
+            audio = audio[:size]
+        return form, audio
+
+    def test_holdsTheSameAudio(self):
+        project = self.project({"a.wav": noise(3001, channels=2), "b.wav": noise(800)}, Cut(1, 1, 0, HOUR, 3001),
+                               Cut(2, 3, 0, HOUR + SECOND, 301))
+        for depth in DEPTHS:
+            with self.subTest(depth=depth):
+                result = run("spot", project.path, "--bounce", "-", "--bounce-depth", depth)
+                self.assert_status(result, ALL_DONE)
+                spot = self.bounced(project, depth=depth, into=depth)
+                (self.folder / "piped").write_bytes(result.out_bytes)
+                form, audio = self.streamed(self.folder / "piped")
+                written = waves.read_wave(spot.folder / "b.wav")
+                self.assertEqual(form, written.format)
+                self.assertEqual(audio, written.bytes())
+
+    def test_aReaderThatLeaves(self):
+        """Enough audio that a pipe does not hold it: the program ends by itself and says what was not made."""
+        project = self.project({"a.wav": noise(800)}, Cut(1, 1, 0, HOUR, 800), Cut(1, 1, 0, HOUR + 60 * SECOND, 800))
+        process = start("spot", project.path, "--bounce", "-")
+        self.assertEqual(len(process.stdout.read(100)), 100)
+        process.stdout.close()
+        error = process.stderr.read()
+        process.stderr.close()
+        self.assertEqual(process.wait(timeout=60), LEFT_OUT, error)
+        self.assertIn(b"bounce", error)
+
+
+class Large(HandMade):
+    """More than 4 GiB, nearly all of it silence."""
+
+    APART = 8 * HOUR
+
+    def test_rf64WithHoles(self):
+        project = self.project({"a.wav": noise(1000, channels=6), "b.wav": noise(1000, seed=2)}, Cut(1, 1, 0, HOUR, 1000),
+                               Cut(2, 2, 0, HOUR + self.APART, 999))
+        begun = time.monotonic()
+        result = run("spot", project.path, "--quiet", "--bounce", self.folder / "b.wav", seconds=60)
+        took = time.monotonic() - begun
+        self.assert_status(result, ALL_DONE)
+        wave = waves.read_wave(self.folder / "b.wav")
+        size = os.path.getsize(self.folder / "b.wav")
+        self.assertGreater(size, 1 << 32)
+        self.assertEqual((wave.form, wave.riff_size + 8, wave.end), ("RF64", size, size))
+        self.assertEqual((wave.frames, wave.format.channels, wave.bext.time_reference), (self.APART + 999, 7, HOUR))
+        self.assertLess(os.stat(self.folder / "b.wav").st_blocks * 512, 64 << 20, "silence takes room on the disk")
+        self.assertLess(took, 20 * SLOWNESS)
+        first, second = (waves.read_wave(project.path.parent / name).channels() for name in ("a.wav", "b.wav"))
+        silence = [0] * 1000
+        self.assertTrue(wave.channels(0, 1000) == first + [silence])
+        self.assertTrue(wave.channels(self.APART, 999) == [silence[:999]] * 6 + [second[0][:999]])
+        self.assertTrue(wave.channels(self.APART // 2, 1000) == [silence] * 7)
 
 
 if __name__ == "__main__":
