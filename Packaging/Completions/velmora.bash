@@ -6,6 +6,11 @@ _velmora_offer() {
   mapfile -t COMPREPLY < <(compgen "${@:2}" -- "$1")
 }
 
+_velmora_offer_folders() {
+  compopt -o filenames 2>/dev/null
+  _velmora_offer "$1" -d
+}
+
 # Folders, and the files whose names fit a pattern.
 _velmora_offer_files() {
   compopt -o filenames 2>/dev/null
@@ -15,32 +20,49 @@ _velmora_offer_files() {
 }
 
 _velmora() {
-  local typed=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' word
+  local typed=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' word host=''
   COMPREPLY=()
   # bash takes "=" and ":" for words of their own.
-  if [[ $typed == '=' || $typed == ':' ]]; then
+  if [[ $typed == '=' ]]; then
     typed=
+  elif [[ $typed == ':' ]]; then
+    typed='' host=$before before=':'
   elif [[ $before == '=' ]]; then
     before=${COMP_WORDS[COMP_CWORD - 2]}
+  elif [[ $before == ':' ]]; then
+    host=${COMP_WORDS[COMP_CWORD - 2]}
   fi
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in info | spot | check | prepare) command=$word && break ;; esac
+    case $word in info | spot | report | check | prepare) command=$word && break ;; esac
   done
 
   local options='-h --help'
   case $command in
     info) options+=' --json' ;;
-    spot)
+    spot | report)
       options+=' --position --offset --start --skip-tracks --only-tracks --skip-events --only-events
         --depth --fades --gain --copy-to --session-rate --session-frame-rate --prepare
-        --media --trust --encoding --copy-media --keep-stereo --keep-off --resample --true-position --host --json --quiet'
+        --media --trust --encoding --copy-media --keep-stereo --keep-off --resample --true-position --host
+        --dawproject --otio --bounce --bounce-tracks --report --embed-media --bounce-depth --native --json --quiet'
+      [[ $command == report ]] && options+=' -o --output'
       case $before in
         --position) _velmora_offer "$typed" -W 'project offset start first' && return ;;
         --depth) _velmora_offer "$typed" -W '16 24' && return ;;
+        --bounce-depth) _velmora_offer "$typed" -W '16 24 32f' && return ;;
         --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
-        --host) _velmora_offer "$typed" -W 'embedded' && return ;;
-        :) _velmora_offer_files "$typed" '*.json' && return ;;
-        --copy-to | --prepare | --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --host) _velmora_offer "$typed" -W 'embedded ardour' && return ;;
+        :)
+          case $host in
+            embedded) _velmora_offer_files "$typed" '*.json' ;;
+            ardour) _velmora_offer_folders "$typed" ;;
+          esac
+          return
+          ;;
+        --copy-to | --prepare | --media | --bounce-tracks) _velmora_offer_folders "$typed" && return ;;
+        --dawproject) _velmora_offer_files "$typed" '*.dawproject' && return ;;
+        --otio) _velmora_offer_files "$typed" '*.otio' && return ;;
+        --bounce) _velmora_offer_files "$typed" '*.wav' && return ;;
+        --report | -o | --output) _velmora_offer_files "$typed" '*.html' && return ;;
         --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
         --offset | --start | --skip-* | --only-* | --session-rate | --encoding) return ;;
       esac
@@ -50,7 +72,7 @@ _velmora() {
       case $before in
         --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
         --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
-        --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --media) _velmora_offer_folders "$typed" && return ;;
         --encoding | --session-rate | --jobs) return ;;
       esac
       ;;
@@ -60,7 +82,7 @@ _velmora() {
       case $before in
         --trust) _velmora_offer "$typed" -W 'marks header' && return ;;
         --session-frame-rate) _velmora_offer "$typed" -W '24 25 29.97 29.97df 30 30df 23.976' && return ;;
-        --into | --media) compopt -o filenames 2>/dev/null; _velmora_offer "$typed" -d && return ;;
+        --into | --media) _velmora_offer_folders "$typed" && return ;;
         --encoding | --session-rate) return ;;
       esac
       ;;
@@ -69,7 +91,7 @@ _velmora() {
   if [[ $typed == -* ]]; then
     _velmora_offer "$typed" -W "$options"
   elif [[ -z $command ]]; then
-    _velmora_offer "$typed" -W 'info spot check prepare'
+    _velmora_offer "$typed" -W 'info spot report check prepare'
   else
     _velmora_offer_files "$typed" '*.[aA][dD][lL]'
   fi

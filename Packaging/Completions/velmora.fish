@@ -4,10 +4,11 @@ function __velmora_project
     __fish_complete_suffix .adl
 end
 
-set -l commands info spot check prepare
+set -l commands info spot report check prepare
 set -l alone "not __fish_seen_subcommand_from $commands"
 set -l info "__fish_seen_subcommand_from info"
-set -l spot "__fish_seen_subcommand_from spot"
+set -l spot "__fish_seen_subcommand_from spot report"
+set -l report "__fish_seen_subcommand_from report"
 set -l check "__fish_seen_subcommand_from check"
 set -l prepare "__fish_seen_subcommand_from prepare"
 
@@ -16,6 +17,7 @@ complete -c velmora -s h -l help -d "Print what is taken"
 complete -c velmora -n $alone -l version -d "Print the version"
 complete -c velmora -n $alone -a info -d "Show what a project holds"
 complete -c velmora -n $alone -a spot -d "Prepare the audio and place every cut"
+complete -c velmora -n $alone -a report -d "Make a page of what a spot would do"
 complete -c velmora -n $alone -a check -d "Say what would go wrong in a spot, and why"
 complete -c velmora -n $alone -a prepare -d "Make a clean project out of one that is not"
 complete -c velmora -n "not $alone" -k -a "(__velmora_project)"
@@ -44,9 +46,19 @@ complete -c velmora -n $spot -l keep-stereo -d "Leave cuts of whole files whole"
 complete -c velmora -n $spot -l keep-off -d "Keep events that are switched off"
 complete -c velmora -n $spot -l resample -d "Bring audio to the project's sample rate"
 complete -c velmora -n $spot -l true-position -d "Place every cut where the project has it"
-complete -c velmora -n $spot -l host -x -a embedded -d "Where the regions go"
+complete -c velmora -n $spot -l host -x -a "embedded ardour" -d "Where the regions go"
+complete -c velmora -n $spot -l dawproject -r -d "Make a DAWproject file"
+complete -c velmora -n $spot -l otio -r -d "Make an OpenTimelineIO file"
+complete -c velmora -n $spot -l bounce -r -d "Make the audio as the session plays it"
+complete -c velmora -n $spot -l bounce-tracks -x -a "(__fish_complete_directories)" -d "The same with a file for each track"
+complete -c velmora -n $spot -l report -r -d "Make a page of what became of everything"
+complete -c velmora -n $spot -l embed-media -d "Audio inside the DAWproject file"
+complete -c velmora -n $spot -l bounce-depth -x -a "16 24 32f" -d "Bits per sample of bounces"
+complete -c velmora -n $spot -l native -d "Fades and gain as facts of the regions"
 complete -c velmora -n $spot -l json -d "Tell every step as JSON Lines"
 complete -c velmora -n $spot -l quiet -d "No progress bar"
+
+complete -c velmora -n $report -s o -l output -r -d "The page to make"
 
 complete -c velmora -n $check -l media -x -a "(__fish_complete_directories)" -d "A folder to look for audio in"
 complete -c velmora -n $check -l trust -x -a "marks header" -d "What tells the rates of times"

@@ -7,8 +7,18 @@ _velmora_info() {
     '*:project:_files -g "*.(#i)adl"'
 }
 
+_velmora_hosts() {
+  if compset -P 'embedded:'; then
+    _files -g '*.json'
+  elif compset -P 'ardour:'; then
+    _files -/
+  else
+    compadd -S '' embedded ardour
+  fi
+}
+
 _velmora_spot() {
-  _arguments -s \
+  _arguments -s "$@" \
     '(- *)'{-h,--help}'[print what the command takes]' \
     '--position[where the project lands]:position:(project offset start first)' \
     '--offset[how far --position offset moves it]:[+-]HH\:MM\:SS\:FF: ' \
@@ -32,10 +42,23 @@ _velmora_spot() {
     '--keep-off[keep events that are switched off]' \
     "--resample[bring audio to the project's sample rate]" \
     '--true-position[place every cut where the project has it]' \
-    '--host[where the regions go]:host:(embedded)' \
+    '--host[where the regions go]:host:_velmora_hosts' \
+    '*--dawproject[make a DAWproject file]:file:_files -g "*.dawproject"' \
+    '*--otio[make an OpenTimelineIO file]:file:_files -g "*.otio"' \
+    '*--bounce[make the audio as the session plays it]:file:_files -g "*.wav"' \
+    '*--bounce-tracks[the same with a file for each track]:folder:_files -/' \
+    '*--report[make a page of what became of everything]:page:_files -g "*.html"' \
+    '--embed-media[audio inside the DAWproject file]' \
+    '--bounce-depth[bits per sample of bounces]:bits:(16 24 32f)' \
+    '--native[fades and gain as facts of the regions]' \
     '--json[tell every step as JSON Lines]' \
     '--quiet[no progress bar]' \
     '*:project:_files -g "*.(#i)adl"'
+}
+
+_velmora_report() {
+  _velmora_spot \
+    '(-o --output)'{-o,--output}'[the page to make]:page:_files -g "*.html"'
 }
 
 _velmora_check() {
@@ -78,6 +101,7 @@ _velmora() {
   case $state in
     command)
       local -a commands=('info:show what a project holds' 'spot:prepare the audio and place every cut'
+        'report:make a page of what a spot would do'
         'check:say what would go wrong in a spot, and why' 'prepare:make a clean project out of one that is not')
       _describe command commands
       ;;

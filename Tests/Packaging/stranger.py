@@ -67,6 +67,9 @@ class Help:
             self.options.update(names)
             if re.fullmatch(r"[\w.]+(\|[\w.]+)+", value):
                 self.choices[names[-1]] = value.split("|")
+        # Hosts by their names, each with what stands after the colon: "embedded[:FILE.json]", "ardour:DIR".
+        told = re.search(r"^  --host .*\n((?:    .*\n)*)", self.text, re.MULTILINE)
+        self.hosts = dict(re.findall(r"^ +([a-z][\w-]*)\[?:([A-Z][\w.]*)\]?$", told[1], re.MULTILINE)) if told else {}
         listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", self.text, re.MULTILINE)
         self.commands = re.findall(r"^  (\w+)", listed[1], re.MULTILINE) if listed else []
 

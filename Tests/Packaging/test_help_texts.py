@@ -7,6 +7,9 @@ from stranger import BUILD, PROGRAMS, SOURCE, Help, StrangerTest, commands_of, n
 
 COMPLETIONS = SOURCE / "Packaging/Completions"
 
+# A command that takes all that another one takes. The page tells those options once, and its own beside them.
+TAKES_ALL_OF = {"report": "spot"}
+
 
 def every_command():
     """Each program with each of its commands."""
@@ -45,7 +48,14 @@ class ManPages(unittest.TestCase):
             self.assertEqual(set(found), set(commands_of(name)), f"the commands of {name}")
             for command in found:
                 with self.subTest(program=name, command=command):
-                    self.assertEqual(found[command], Help(name, command).options)
+                    inherited = found.get(TAKES_ALL_OF.get(command), set())
+                    self.assertEqual(found[command] | inherited, Help(name, command).options)
+
+    def test_namesTheHostsOfHelp(self):
+        hosts = Help("velmora", "spot").hosts
+        self.assertIn("embedded", hosts)
+        told = re.findall(r"^\.It Cm ([\w-]+) Ns (?:Op )?Pf : Ar (\S+)$", self.page("velmora"), re.MULTILINE)
+        self.assertEqual(dict(told), {host: target.lower() for host, target in hosts.items()})
 
     def test_namesTheChoicesOfHelp(self):
         for name, command in every_command():
@@ -94,11 +104,15 @@ class Bash(StrangerTest):
                     self.assertEqual(self.offers(name, command, option, ""), set(choices))
                     self.assertEqual(self.offers(name, command, option, "=", ""), set(choices))
 
+    def test_offersTheHostsOfHelp(self):
+        for command in ("spot", "report"):
+            self.assertEqual(self.offers("velmora", command, "--host", ""), set(Help("velmora", command).hosts))
+
     def test_offersTheCommandsOfHelp(self):
         self.assertEqual(self.offers("velmora", ""), set(Help("velmora").commands))
 
     def test_offersProjectsAndFolders(self):
-        for file in ("One.adl", "TWO.ADL", "Night Train.adl", "voice.wav", "session.json"):
+        for file in ("One.adl", "TWO.ADL", "Night Train.adl", "voice.wav", "session.json", "page.html"):
             (self.folder / file).touch()
         (self.folder / "Reel 1").mkdir()
         projects = {"One.adl", "TWO.ADL", "Night Train.adl", "Reel 1"}
@@ -106,6 +120,10 @@ class Bash(StrangerTest):
         self.assertEqual(self.offers("velmora", "spot", "--fades", "N"), {"Night Train.adl"})
         self.assertEqual(self.offers("velmora", "spot", "--copy-to", ""), {"Reel 1"})
         self.assertEqual(self.offers("velmora", "spot", "--host", "embedded", ":", "s"), {"session.json"})
+        self.assertEqual(self.offers("velmora", "spot", "--host", "embedded", ":"), {"session.json", "Reel 1"})
+        self.assertEqual(self.offers("velmora", "spot", "--host", "ardour", ":"), {"Reel 1"})
+        self.assertEqual(self.offers("velmora", "spot", "--bounce", ""), {"voice.wav", "Reel 1"})
+        self.assertEqual(self.offers("velmora", "report", "One.adl", "-o", "p"), {"page.html"})
         self.assertEqual(self.offers("velmora", "spot", "--start", ""), set())
         if "velmora-desktop" in PROGRAMS:
             self.assertEqual(self.offers("velmora-desktop", ""), projects)
@@ -119,11 +137,17 @@ class Zsh(unittest.TestCase):
             text = reading(COMPLETIONS / f"{name}.zsh")
             functions = dict(re.findall(r"^(_\w+)\(\) \{\n(.*?)^\}", text, re.MULTILINE | re.DOTALL))
             body = functions.get("_" + "_".join([name, command]).rstrip("_"), text)
-            options = set(re.findall(r"^\s+['\"](?:\([^)]*\))?(--?[\w-]+)\[", body, re.MULTILINE))
+            if f"_{name}_{TAKES_ALL_OF.get(command)} " in body:
+                body += functions[f"_{name}_{TAKES_ALL_OF[command]}"]
+            options = set(re.findall(r"^\s+['\"](?:\([^)]*\)|\*)?(--?[\w-]+)\[", body, re.MULTILINE))
             for names in re.findall(r"\{(-[^}]*)\}'\[", body):
                 options.update(names.split(","))
             with self.subTest(program=name, command=command):
                 self.assertEqual(options, Help(name, command).options)
+
+    def test_namesTheHostsOfHelp(self):
+        offered = re.search(r"^ +compadd -S '' (.*)$", reading(COMPLETIONS / "velmora.zsh"), re.MULTILINE)[1]
+        self.assertEqual(set(offered.split()), set(Help("velmora", "spot").hosts))
 
     @need("zsh")
     def test_reads(self):
@@ -142,15 +166,27 @@ class Fish(StrangerTest):
             expected = set().union(*(Help(name, command).options for command in commands_of(name)))
             self.assertEqual(named, {option for option in expected if option.startswith("--")})
 
+    def test_namesTheHostsOfHelp(self):
+        offered = re.search(r"^complete .* -l host -x -a \"(.*?)\"", reading(COMPLETIONS / "velmora.fish"), re.MULTILINE)[1]
+        self.assertEqual(set(offered.split()), set(Help("velmora", "spot").hosts))
+
+    def offers(self, *words):
+        """The completions of the last word."""
+        line = " ".join(filter(None, words[:-1])) + " " + words[-1]
+        out = self.succeed("fish", "--no-config", "-c", f"source $argv[1]; complete -C '{line}'",
+                           COMPLETIONS / f"{words[0]}.fish", env={"HOME": str(self.folder), "PATH": "/usr/bin:/bin"})
+        return {line.split("\t")[0] for line in out.splitlines()}
+
     @need("fish")
     def test_offersTheOptionsOfHelp(self):
         for name, command in every_command():
-            words = " ".join(filter(None, [name, command, "-"]))
-            out = self.succeed("fish", "--no-config", "-c", f"source $argv[1]; complete -C '{words}'",
-                               COMPLETIONS / f"{name}.fish", env={"HOME": str(self.folder), "PATH": "/usr/bin:/bin"})
-            offered = {line.split("\t")[0] for line in out.splitlines()}
             with self.subTest(program=name, command=command):
-                self.assertEqual(offered, Help(name, command).options)
+                self.assertEqual(self.offers(name, command, "-"), Help(name, command).options)
+
+    @need("fish")
+    def test_offersTheHostsAndCommandsOfHelp(self):
+        self.assertEqual(self.offers("velmora", "spot", "--host", ""), set(Help("velmora", "spot").hosts))
+        self.assertEqual(self.offers("velmora", ""), set(Help("velmora").commands))
 
 
 if __name__ == "__main__":
