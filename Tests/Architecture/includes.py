@@ -16,16 +16,16 @@ FILES = [*BASE, "Source/Timecode", "Source/BWF"]
 SPOT = [*FILES, "Source/ADL"]
 MODEL = [*SPOT, "Source/Spot"]
 CORE = [*MODEL, "Source/Model"]
-SESSION = [*CORE, "Host/Session"]
+SESSION = [*MODEL, "Host/Session"]
 FIELD = [*CORE, "Host/Media"]
 CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
-TARGET = [*SESSION, "Host/Media"]
+TARGET = [*SESSION, "Host/Media"]  # none uses another, and none knows the tables of the view
 TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio", "Host/Report"]
 ARDOUR = [*TARGET, "Host/Embedded"]
-DESTINATIONS = [*ARDOUR, "Host/Ardour", *TARGETS]
+DESTINATIONS = ["Host/Session", "Host/Embedded", "Host/Ardour", *TARGETS]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*SESSION, "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS, "Host/Destinations"]
+PORTABLE = [*CORE, "Host/Session", "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS, "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -36,17 +36,17 @@ MAY_USE = {
     "Source/Spot": SPOT,
     "Source/Model": MODEL,
     "Source/View": CORE,
-    "Host/Session": CORE,
+    "Host/Session": MODEL,
     "Host/Timeline": SESSION,
     "Host/Embedded": SESSION,
     "Host/Field": FIELD,
-    "Host/Media": CORE,
+    "Host/Media": SPOT,
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
     **dict.fromkeys(TARGETS, TARGET),
     "Host/Ardour": ARDOUR,
     "Host/Destinations": DESTINATIONS,
-    "Host/Program": [*SESSION, "Host/Embedded", *TASKS, "Host/Destinations"],
+    "Host/Program": [*CORE, "Host/Session", "Host/Embedded", *TASKS, "Host/Destinations"],
 }
 
 # The shell's own rooms, each of which uses none but those before it.
