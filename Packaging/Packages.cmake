@@ -20,6 +20,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/Debian/finish-tree.cmake)
 set(CPACK_VELMORA_DEBIAN ${CMAKE_CURRENT_SOURCE_DIR}/Debian)  # for that script
+# It is found when a spot goes there, and too large for those who never do.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS ardour)
 if(TARGET velmora_desktop)
   # Fonts are found by name, which no linker sees. What the toolkit loads itself (the back end that draws, its daemons)
   # its own library asks for.

@@ -1,4 +1,4 @@
-"""What Docs/Architecture.md names is there: tests, files and folders."""
+"""What Docs/Architecture.md names is there: tests, files and folders. What the table of targets has, Docs/Targets.md tells."""
 
 import re
 import unittest
@@ -17,6 +17,22 @@ def test_cases():
     scenarios = (ROOT / "Tests" / "View" / "CMakeLists.txt").read_text(encoding="utf-8")
     names |= {f"view.{name}" for name in re.findall(r"[a-z]+(?:-[a-z]+)*", scenarios)}
     return names
+
+
+def targets():
+    """How each row of the table of targets is asked for, and each host that takes one, from their own rooms."""
+    for row in sorted((ROOT / "Host").glob("*/*Kind.cpp")):
+        text = row.read_text(encoding="utf-8")
+        yield from re.findall(r'^    \.option = "(--[\w-]+)"', text, re.M)
+        for host in re.findall(r'^const (?:host::)?HostKind \w+ = \{\n    \.name = "([\w-]+)"', text, re.M):
+            yield f"--host {host}"
+
+
+class Targets(unittest.TestCase):
+    def test_every_target_is_told(self):
+        told = re.findall(r"^\| `(--(?:host )?[\w-]+)", (ROOT / "Docs" / "Targets.md").read_text(encoding="utf-8"), re.M)
+        self.assertIn("--host embedded", told)
+        self.assertEqual(sorted(told), sorted(targets()))
 
 
 class Architecture(unittest.TestCase):

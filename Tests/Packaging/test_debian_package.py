@@ -32,6 +32,7 @@ EXPECTED_FILES = """
     usr/share/zsh/vendor-completions/_velmora usr/share/zsh/vendor-completions/_velmora-desktop
     usr/share/fish/vendor_completions.d/velmora.fish usr/share/fish/vendor_completions.d/velmora-desktop.fish
     usr/share/doc/velmora/README.md usr/share/doc/velmora/CHANGELOG.md.gz usr/share/doc/velmora/copyright
+    usr/share/doc/velmora/Docs/Archives.md usr/share/doc/velmora/Docs/Targets.md
 """.split()
 
 
@@ -147,7 +148,7 @@ class DebianPackage(StrangerTest):
             "PATH": f"{self.root}/usr/bin:/usr/bin:/bin", "HOME": str(self.folder), "LC_ALL": "C.UTF-8",
             "XDG_DATA_DIRS": f"{self.root}/usr/share:/usr/share"}
         shutil.copytree(EXAMPLES, self.folder / "projects")
-        for use in (self.use_info, self.use_spot, self.use_window, self.use_man_pages, self.use_completions,
+        for use in (self.use_info, self.use_spot, self.use_targets, self.use_window, self.use_man_pages, self.use_completions,
                     self.use_file_type, self.use_file_manager):
             with self.subTest(use.__name__):
                 use()
@@ -162,10 +163,12 @@ class DebianPackage(StrangerTest):
         self.assertEqual([path for path in EXPECTED_FILES if path not in contents], [])
         self.assertEqual([path for path in contents if "include" in path or path.endswith((".a", ".cmake"))], [])
         fields = [self.succeed("dpkg-deb", "-f", package, name).strip()
-                  for name in ("Package", "Version", "Maintainer", "Depends")]
+                  for name in ("Package", "Version", "Maintainer", "Depends", "Suggests")]
         self.assertEqual(fields[:3], [PACKAGE, VERSION, "Velmora <velmora@localhost>"])
-        for needed in ("libc6 ", "libstdc++6 ", "libgnustep-gui", "gnustep-back", "fonts-dejavu-core"):
+        for needed in ("libc6 ", "libstdc++6 ", "libgnustep-gui", "gnustep-back", "fonts-dejavu-core",
+                       "libsndfile1", "libpugixml", "libminizip", "libnettle"):
             self.assertIn(needed, fields[3])
+        self.assertEqual(fields[4], "ardour")
 
     def check_lintian(self, package):
         if shutil.which("lintian"):
@@ -184,6 +187,17 @@ class DebianPackage(StrangerTest):
         out = self.use("velmora", "spot", "Storm.adl", "--fades", "--gain", "--copy-to", "Audio")
         self.assertIn("23 regions placed on 4 tracks, 24 files made.", out)
         self.assertEqual(len(list((self.folder / "projects/Audio").iterdir())), 24)
+
+    def use_targets(self):
+        """Each of them is made, also where nothing of the sources is."""
+        targets = {"--dawproject": "Storm.dawproject", "--otio": "Storm.otio", "--bounce": "Storm.wav",
+                   "--bounce-tracks": "Stems", "--report": "Storm.html"}
+        if shutil.which("ardour7-lua") or shutil.which("ardour8-lua") or shutil.which("ardour9-lua"):
+            targets["--host"] = "ardour:Session"
+        self.use("velmora", "spot", "Storm.adl", "--native", "--copy-to", "Native",
+                 *(word for option in targets.items() for word in option))
+        for target in targets.values():
+            self.assertTrue((self.folder / "projects" / target.removeprefix("ardour:")).exists(), target)
 
     def under_xvfb(self, *command):
         return self.use(sys.executable, "-B", UNDER_XVFB, "--timeout", "60", *command)

@@ -1,23 +1,14 @@
 """The commands of Docs/Archives.md, as they stand there, over a small archive."""
 
-import os
-import pathlib
-import re
 import shutil
-import subprocess
 import unittest
 
 from material import one_cut, stamp
-from program import PROGRAM, ProgramTest, environment, strict_json
+from pages import Page, bash
+from program import ProgramTest, strict_json
 
-PAGE = pathlib.Path(__file__).resolve().parent.parent.parent / "Docs" / "Archives.md"
-BLOCKS = re.findall(r"^```sh\n(.*?)^```", PAGE.read_text(encoding="utf-8"), re.MULTILINE | re.DOTALL)
-
-
-def block_with(words):
-    found = [block for block in BLOCKS if words in block]
-    assert len(found) == 1, f"{words} stands in {len(found)} blocks"
-    return found[0]
+PAGE = Page("Archives.md")
+block_with = PAGE.block_with
 
 
 @unittest.skipUnless(shutil.which("parallel") and shutil.which("jq"), "parallel or jq is not installed")
@@ -36,9 +27,7 @@ class Archives(ProgramTest):
                 (folder / "letter.ADL").write_bytes(b"Dear diary")
 
     def bash(self, script):
-        path = os.path.dirname(PROGRAM) + ":" + os.environ["PATH"]
-        done = subprocess.run(["bash", "-c", script], cwd=self.folder, capture_output=True, timeout=300, check=False,
-                              env=environment(PATH=path, HOME=self.folder, PARALLEL_HOME=self.folder / "home"))
+        done = bash(script, self.folder, PARALLEL_HOME=self.folder / "home")
         self.assertNotRegex(done.stderr.decode(), "(?i)error|not found|usage")
         return done
 
