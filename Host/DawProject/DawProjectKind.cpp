@@ -1,9 +1,7 @@
 #include "DawProject/DawProjectKind.h"
 
-#include <memory>
-
 #include "DawProject/DawProjectTarget.h"
-#include "Session/StagedFile.h"
+#include "Session/ClaimNewFile.h"
 
 namespace velmora::host {
 
@@ -17,11 +15,10 @@ const TargetKind kDawProjectKind = {
         "A DAWproject 1.0 file for other workstations;\nit refers to the audio, or holds it with\n"
         "--embed-media",
     .use = TargetKind::Use::Regions,
-    .claim = [](const std::string& path, const TargetChoices& choices) -> ClaimedTarget {
-      std::string complaint = StagedFile::WhyNot(path);
-      if (!complaint.empty()) return {nullptr, std::move(complaint)};
-      return {std::make_unique<dawproject::DawProjectTarget>(path, choices.embedMedia), {}};
-    },
+    .claim =
+        [](const std::string& path, const TargetChoices& choices) {
+          return ClaimNewFile<dawproject::DawProjectTarget>(path, choices.embedMedia);
+        },
 };
 
 }  // namespace velmora::host

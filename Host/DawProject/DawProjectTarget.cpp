@@ -188,12 +188,8 @@ host::TargetOutcome DawProjectTarget::Write(const host::TargetInput& input,
   }
   const int closing = file.Close();
   if (error == 0) error = closing;
+  if (error == 0) error = file.Publish();
   if (error != 0) return fails(file.Trouble(error));
-  const int publishing = file.Publish();
-  if (publishing == EEXIST) {
-    return fails(path_ + " has appeared meanwhile; it is not written over");
-  }
-  if (publishing != 0) return fails(file.Trouble(publishing));
   return outcome;
 }
 

@@ -1,9 +1,7 @@
 #include "Otio/OtioKind.h"
 
-#include <memory>
-
 #include "Otio/OtioTarget.h"
-#include "Session/StagedFile.h"
+#include "Session/ClaimNewFile.h"
 
 namespace velmora::host {
 
@@ -15,11 +13,8 @@ const TargetKind kOtioKind = {
     .title = "OpenTimelineIO",
     .help = "An OpenTimelineIO file for editing programs;\nit refers to the audio",
     .use = TargetKind::Use::Regions,
-    .claim = [](const std::string& path, const TargetChoices& /*choices*/) -> ClaimedTarget {
-      std::string complaint = StagedFile::WhyNot(path);
-      if (!complaint.empty()) return {nullptr, std::move(complaint)};
-      return {std::make_unique<otio::OtioTarget>(path), {}};
-    },
+    .claim = [](const std::string& path,
+                const TargetChoices& /*choices*/) { return ClaimNewFile<otio::OtioTarget>(path); },
 };
 
 }  // namespace velmora::host

@@ -78,7 +78,6 @@ host::TargetOutcome OtioTarget::Write(const host::TargetInput& input,
   const int closing = file.Close();
   if (error == 0) error = closing;
   if (error == 0) error = file.Publish();
-  if (error == EEXIST) return fails(path_ + " has appeared meanwhile; it is not written over");
   if (error != 0) return fails(file.Trouble(error));
   return outcome;
 }

@@ -1,9 +1,7 @@
 #include "Report/ReportKind.h"
 
-#include <memory>
-
 #include "Report/ReportTarget.h"
-#include "Session/StagedFile.h"
+#include "Session/ClaimNewFile.h"
 
 namespace velmora::report {
 
@@ -15,12 +13,10 @@ const host::TargetKind kReportKind = {
     .title = "Report",
     .help = "A page of what was read, made, placed and left\nout, for any browser",
     .use = host::TargetKind::Use::Record,
-    .claim = [](const std::string& path,
-                const host::TargetChoices& /*choices*/) -> host::ClaimedTarget {
-      std::string complaint = host::StagedFile::WhyNot(path);
-      if (!complaint.empty()) return {nullptr, std::move(complaint)};
-      return {std::make_unique<ReportTarget>(path), {}};
-    },
+    .claim =
+        [](const std::string& path, const host::TargetChoices& /*choices*/) {
+          return host::ClaimNewFile<ReportTarget>(path);
+        },
 };
 
 }  // namespace velmora::report

@@ -48,7 +48,6 @@ host::TargetOutcome ReportTarget::Write(const host::TargetInput& input,
   const int closing = file.Close();
   if (error == 0) error = closing;
   if (error == 0) error = file.Publish();
-  if (error == EEXIST) return Failure(path_ + " has appeared meanwhile; it is not written over");
   if (error != 0) return Failure(file.Trouble(error));
   return {};
 }

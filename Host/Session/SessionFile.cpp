@@ -141,7 +141,6 @@ std::string SessionFile::WriteBeside(const Session& session) const {
 std::string SessionFile::Publish(StagedFile& file) const {
   if (earlier_ == nullptr || LookUpName(path_.c_str()) == NameState::Free) {
     const int error = file.Publish();
-    if (error == EEXIST) return path_ + " has appeared meanwhile; it is not written over";
     return error == 0 ? "" : file.Trouble(error);
   }
   // Of several runs that claimed one session, the lock lets one at a time look and replace.

@@ -63,6 +63,7 @@ int StagedFile::Publish() {
 }
 
 std::string StagedFile::Trouble(int error) const {
+  if (error == EEXIST) return path_ + " has appeared meanwhile; it is not written over";
   return path_ + " cannot be written: " + std::strerror(error);
 }
 

@@ -36,7 +36,7 @@ class StagedFile {
   /// Leaves the hidden file to its maker, who has moved it.
   void Forget() { written_.clear(); }
 
-  /// "PATH cannot be written: No space left on device"
+  /// "PATH cannot be written: No space left on device"; of EEXIST that PATH has appeared meanwhile.
   [[nodiscard]] std::string Trouble(int error) const;
 
  private:

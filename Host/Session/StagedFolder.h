@@ -26,7 +26,7 @@ class StagedFolder {
   /// Gives the folder its name. 0, EEXIST if the name has been taken meanwhile, or another errno.
   [[nodiscard]] int Publish();
 
-  /// "PATH cannot be written: No space left on device"
+  /// As StagedFile::Trouble.
   [[nodiscard]] std::string Trouble(int error) const;
 
  private:
