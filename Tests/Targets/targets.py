@@ -2,9 +2,15 @@
 
 import dataclasses
 import pathlib
+import random
 
 import playing
+from material import wave_of
 from program import LEFT_OUT, ProgramTest, run, strict_json
+from projects import Clock, write
+
+SECOND = 48000
+HOUR = 3600 * SECOND
 
 
 @dataclasses.dataclass
@@ -28,15 +34,28 @@ class Spot:
 
 
 # By target: the option and the name of what it makes.
-TARGETS = {"bounce": ("--bounce", "b.wav"), "bounce-tracks": ("--bounce-tracks", "tracks"), "dawproject": ("--dawproject", "d.dawproject"),
-           "otio": ("--otio", "o.otio"), "report": ("--report", "r.html")}
+TARGETS = {"dawproject": ("--dawproject", "d.dawproject"), "otio": ("--otio", "o.otio"), "bounce": ("--bounce", "b.wav"),
+           "bounce-tracks": ("--bounce-tracks", "tracks"), "report": ("--report", "r.html")}
 
 
 def targets_in(folder, *names):
     return [word for name in names for word in (TARGETS[name][0], str(folder / TARGETS[name][1]))]
 
 
+def noise(frames, bits=24, channels=1, rate=48000, seed=1):
+    """A wave file in which no two places are alike."""
+    return wave_of(random.Random(seed).randbytes(frames * channels * bits // 8), bits, rate, channels)
+
+
 class TargetTest(ProgramTest):
+    def project(self, files, *cuts, name="project", clock=Clock()):
+        """A project of these cuts. `files` by name: their bytes."""
+        folder = self.folder / name
+        folder.mkdir()
+        for file, content in files.items():
+            (folder / file).write_bytes(content)
+        return write(folder / "p.adl", list(files), cuts, clock)
+
     def spot(self, project, *options, into="out", targets=tuple(TARGETS), status=(0,), seconds=60):
         """Spots with every target, the session's JSON among them, into a new folder."""
         folder = self.folder / into

@@ -1,7 +1,6 @@
 """What bounces make of odd sessions and odd files, by the rules alone."""
 
 import os
-import random
 import struct
 import time
 import unittest
@@ -11,29 +10,25 @@ import waves
 from bounces import DEPTHS, BounceTest
 from material import wave_of
 from program import ALL_DONE, LEFT_OUT, SLOWNESS, run, start
-from projects import Clock, Cut, write
-
-SECOND = 48000
-HOUR = 3600 * SECOND
+from projects import Cut
+from targets import HOUR, SECOND, noise
 
 
-def noise(frames, bits=24, channels=1, rate=48000, seed=1):
-    return wave_of(random.Random(seed).randbytes(frames * channels * bits // 8), bits, rate, channels)
+def floats(values):
+    """Samples of which 1 is full scale."""
+    return wave_of(struct.pack(f"<{len(values)}f", *values), 32, format_tag=waves.FLOAT)
 
 
-def floats(values, bits=32):
-    return wave_of(struct.pack(f"<{len(values)}{'f' if bits == 32 else 'd'}", *values), bits, format_tag=3)
+def extensible(frames, channels):
+    """The form of format chunk that names speakers, whose samples the project's own reading passes by."""
+    plain = noise(frames, channels=channels)
+    head = struct.pack("<HHIIHHHHIH14s", waves.EXTENSIBLE, channels, SECOND, SECOND * 3 * channels, 3 * channels, 24, 22, 24, 3, 1,
+                       bytes.fromhex("000000001000800000aa00389b71"))
+    body = b"WAVE" + b"fmt " + struct.pack("<I", len(head)) + head + plain[36:]
+    return b"RIFF" + struct.pack("<I", len(body)) + body
 
 
 class HandMade(BounceTest):
-    def project(self, files, *cuts, name="project", clock=Clock()):
-        """`files` by name: their bytes."""
-        folder = self.folder / name
-        folder.mkdir()
-        for file, content in files.items():
-            (folder / file).write_bytes(content)
-        return write(folder / "p.adl", list(files), cuts, clock)
-
     def bounced(self, project, *options, depth="24", status=(ALL_DONE,), into="out", complete=True):
         spot = self.spot(project.path, "--bounce-depth", depth, *options, into=into, status=status,
                          targets=("bounce", "bounce-tracks"))
@@ -52,6 +47,15 @@ class Files(HandMade):
             for way in ((), ("--depth", "16")):
                 with self.subTest(depth=depth, way=way):
                     self.bounced(self.project(files, *cuts, name=f"p {depth} {way}"), *way, depth=depth, into=f"o {depth} {way}")
+
+    def test_extensibleAndFloatFilesSoundWhenPrepared(self):
+        files = {"a.wav": extensible(900, 1), "b.wav": noise(900), "c.wav": floats([0.25, -1.5, 0.75] * 300)}
+        project = self.project(files, *(Cut(source, source, 10, HOUR, 700) for source in (1, 2, 3)))
+        spot = self.bounced(project, f"--prepare={self.folder / 'prepared'}")
+        heard = waves.read_wave(spot.folder / "b.wav").channels()
+        self.assertTrue(heard[0] == waves.read_wave(project.path.parent / "a.wav").channels(10, 700)[0])
+        quarter = waves.FULL_SCALE // 4
+        self.assertEqual(heard[2][:3], [-4 * quarter, 3 * quarter, quarter])
 
     def test_everyNumberOfChannelsOnOneTrack(self):
         """The track is as wide as its widest region; narrower ones begin again with their first channel."""
