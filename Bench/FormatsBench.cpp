@@ -4,9 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "Ardour/ArdourKind.h"
 #include "BenchSupport.h"
 #include "DawProject/DawProjectKind.h"
 #include "Otio/OtioKind.h"
+#include "Report/ReportKind.h"
 #include "Session/HeardSession.h"
 
 namespace velmora::bench {
@@ -40,14 +42,34 @@ host::Session SessionOf(std::int32_t count) {
   return session;
 }
 
-/// A session to a new file of a kind; HeardSession included.
+/// What a report tells beside the session: an event for each region.
+host::SpotRecord RecordOf(const host::Session& session) {
+  host::SpotRecord record;
+  for (const host::SessionRegion& region : session.Regions()) {
+    host::RecordedEvent event;
+    event.event = region.origin->event;
+    event.entry = region.origin->entry;
+    event.kind = "cut";
+    event.name = region.name;
+    event.isOn = true;
+    event.source = region.origin->source;
+    event.path = region.path;
+    event.track = region.track;
+    event.position = region.position;
+    event.end = region.End();
+    record.events.push_back(std::move(event));
+  }
+  return record;
+}
+
+/// A session to a new file or folder of a kind; HeardSession included.
 void WriteTarget(benchmark::State& state, const host::TargetKind& kind) {
   const auto count = static_cast<std::int32_t>(state.range(0));
   const host::Session session = SessionOf(count);
   const std::string path = InputFolder() + "/session" + kind.extension;
-  const host::SpotRecord record;
+  const host::SpotRecord record = RecordOf(session);
   for (auto _ : state) {
-    std::filesystem::remove(path);
+    std::filesystem::remove_all(path);
     const host::HeardSession heard(session);
     const host::ClaimedTarget claimed = kind.claim(path, {});
     if (claimed.target == nullptr) Fail(claimed.complaint);
@@ -55,7 +77,9 @@ void WriteTarget(benchmark::State& state, const host::TargetKind& kind) {
     if (!outcome.trouble.empty()) Fail(outcome.trouble);
     if (!outcome.leftOut.empty()) Fail(outcome.leftOut.front());
   }
-  state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(path));
+  if (std::filesystem::is_regular_file(path)) {
+    state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(path));
+  }
   state.SetItemsProcessed(state.iterations() * count);
 }
 BENCHMARK_CAPTURE(WriteTarget, DawProject, host::kDawProjectKind)
@@ -66,6 +90,16 @@ BENCHMARK_CAPTURE(WriteTarget, DawProject, host::kDawProjectKind)
 BENCHMARK_CAPTURE(WriteTarget, Otio, host::kOtioKind)
     ->Arg(10000)
     ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+BENCHMARK_CAPTURE(WriteTarget, Report, report::kReportKind)
+    ->Arg(5000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+/// Almost all of it is Ardour's own start.
+BENCHMARK_CAPTURE(WriteTarget, Ardour, ardour::kArdourSessionKind)
+    ->Arg(1000)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
