@@ -34,8 +34,12 @@ class Cut:
 @dataclasses.dataclass
 class Project:
     path: object
-    rate: int
+    clock: object
     cuts: list  # by entry
+
+    @property
+    def rate(self):
+        return self.clock.rate
 
     @property
     def lowest_track(self):
@@ -79,7 +83,7 @@ def write(path, names, cuts, clock):
     text = "\n".join(["<ADL>", "<SOURCE_INDEX>", *sources, "</SOURCE_INDEX>", "<EVENT_LIST>",
                       *(lines_of(cut, clock) for cut in cuts), "</EVENT_LIST>", "</ADL>", ""])
     path.write_bytes(text.encode("shift_jisx0213"))
-    return Project(path, clock.rate, cuts)
+    return Project(path, clock, cuts)
 
 
 def noise(dice, frames, rate):

@@ -11,6 +11,7 @@ import projects
 import waves
 from bounces import DEPTHS, BounceTest
 from layout import checksums
+from placing import Placed, placed
 
 WAYS = ((), ("--native",), ("--fades", "--gain"), ("--fades",), ("--gain", "--depth", "16"), ("--native", "--depth", "16"))
 # What a note says of a fade that clips with fades of their own cannot tell.
@@ -34,6 +35,7 @@ class RandomProjects(BounceTest):
         spot = self.spot(project.path, *way, "--bounce-depth", depth, into=f"out {seed}", status=(0, 3))
         after = checksums(project.path.parent)
         self.assertEqual({name: after.get(name) for name in before}, before)
+        self.assert_session(spot, project, way)
         media = playing.Media()
         playback = playing.play(spot.regions, media, project.rate)
         self.assert_bounces(spot, project, depth, playback)
@@ -41,6 +43,14 @@ class RandomProjects(BounceTest):
             return  # before the timeline's beginning, where not every format can follow
         self.assert_dawproject(spot, project, playback, media)
         self.assert_otio(spot, project, playback, media)
+
+    def assert_session(self, spot, project, way):
+        """The session's JSON tells each region, where it came from and its shape, as the cuts have it."""
+        found = [(region["index"], Placed(region["event"], region["entry"], region["source"], region["piece"], track["track"],
+                                          region["position"], region["length"], region["start"], region["fadeIn"], region["fadeOut"],
+                                          region["gainDb"]))
+                 for track in spot.session["tracks"] for region in track["regions"]]
+        self.assertEqual([region for _, region in sorted(found, key=lambda pair: pair[0])], placed(project, *way))
 
     def assert_dawproject(self, spot, project, playback, media):
         self.assertEqual(spot.target("dawproject")["status"], 0)
