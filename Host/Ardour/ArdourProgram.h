@@ -10,8 +10,8 @@ struct FoundArdour {
 };
 
 /// Finds the program that runs Lua scripts inside Ardour without a window: the one that the
-/// environment variable ARDOUR_LUA names, by a path or by a name in PATH; without that the newest
-/// in PATH of those that are known to work.
+/// environment variable ARDOUR_LUA names, by a path or by a name in PATH; without that the
+/// ardour<N>-lua in PATH with the highest N, which is Ardour's version and 7 at least.
 [[nodiscard]] FoundArdour FindArdour();
 
 }  // namespace velmora::ardour

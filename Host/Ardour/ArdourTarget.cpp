@@ -1,5 +1,7 @@
 #include "Ardour/ArdourTarget.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -54,19 +56,16 @@ host::TargetOutcome ArdourTarget::Write(const host::TargetInput& input,
 
   host::StagedFolder staged(path_);
   if (!staged.Create()) return fails(std::strerror(errno));
-  // Ardour makes no session in a folder that is there, and calls folders inside by that folder's
-  // name. So the session is made further down, and then moved up.
-  const fs::path making = staged.WrittenPath() + "/.making";
-  const std::string name = SessionName(path_);
-  std::error_code error;
-  fs::create_directory(making, error);
-  if (error) return fails(error.message());
-  SessionMaker maker(input, plan, {making / name, name});
+  // Ardour makes no session in a folder that is there. So it is made further down and moved up.
+  const SessionMaker::Place place = {staged.WrittenPath() + "/.making", SessionName(path_)};
+  if (::mkdir(place.folder.c_str(), 0700) != 0) return fails(std::strerror(errno));
+  SessionMaker maker(input, plan, place);
   const std::string trouble = maker.Make(program_, patience_, progress);
   if (!trouble.empty()) return fails(trouble);
-  const int moving = MoveInto(staged.WrittenPath(), making / name);
+  const int moving = MoveInto(staged.WrittenPath(), place.Session());
   if (moving != 0) return fails(std::strerror(moving));
-  fs::remove_all(making, error);
+  std::error_code error;
+  fs::remove_all(place.folder, error);
   if (error) return fails(error.message());
   const int publishing = staged.Publish();
   if (publishing == EEXIST) {

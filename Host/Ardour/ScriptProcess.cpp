@@ -217,6 +217,8 @@ ScriptEnd ScriptProcess::Reap() {
 void ScriptProcess::EndGroup() {
   // While the guard is not reaped its number names no other group.
   if (guard_ > 0) ::kill(-guard_, SIGKILL);
+  // A script may have left the group. Until it is reaped its number is its own.
+  if (script_ > 0) ::kill(script_, SIGKILL);
   for (const pid_t process : {script_, guard_}) {
     while (process > 0 && ::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
     }

@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "Ardour/SessionScript.h"
+#include "Ardour/SessionView.h"
 #include "Ardour/SessionXml.h"
 #include "Base/FileAccess.h"
 
@@ -17,6 +18,12 @@ extern char** environ;
 
 namespace velmora::ardour {
 namespace {
+
+constexpr const char* kNoSession =
+    "Ardour has saved no session that can be read; is the disk full?";
+constexpr const char* kScriptName = "make_session.lua";
+constexpr const char* kJobName = "job";
+constexpr const char* kHome = "home";
 
 /// 0 or an errno.
 int WriteText(const std::string& path, std::string_view text) {
@@ -27,8 +34,8 @@ int WriteText(const std::string& path, std::string_view text) {
   return std::fclose(file.release()) != 0 && isWritten ? errno : error;
 }
 
-std::string CannotWrite(const std::string& path, int error) {
-  return path + " cannot be written: " + std::strerror(error);
+std::string CannotWrite(const std::string& what, int error) {
+  return what + " cannot be written: " + std::strerror(error);
 }
 
 /// What follows a word and a blank at the start of a line.
@@ -48,46 +55,58 @@ std::string SignalText(int number) {
 
 std::string SessionMaker::Make(const std::string& program, std::chrono::milliseconds patience,
                                const host::TargetProgress& progress) {
+  if (std::string trouble = MakeFolders(); !trouble.empty()) return trouble;
   if (std::string trouble = WriteJob(); !trouble.empty()) return trouble;
   ScriptProcess script(patience);
-  const int error = script.Start(
-      {program, {private_.Path("make_session.lua"), private_.Path("job")}, Environment()});
+  const int error =
+      script.Start({program, {place_.Run(kScriptName), place_.Run(kJobName)}, Environment()});
   if (error != 0) return program + " cannot be started: " + std::strerror(error);
+  const auto share = [this] {
+    return static_cast<double>(steps_) / static_cast<double>(ExpectedSteps());
+  };
   const ScriptEnd end = script.Run([&](std::string_view line) { return Take(line, script); },
-                                   [&] { return !progress || progress(Share()); });
+                                   [&] { return !progress || progress(share()); });
   if (end.kind == ScriptEnd::Kind::Cancelled) return "it was cancelled";
   std::string trouble = TroubleOf(end, patience);
   return trouble.empty() ? Finish() : program + ": " + trouble;
 }
 
+std::string SessionMaker::MakeFolders() const {
+  for (const std::string& folder : {place_.folder + "/made", place_.Run(""), place_.Run(kHome)}) {
+    std::error_code error;
+    std::filesystem::create_directory(folder, error);
+    if (error) return CannotWrite("a folder", error.value());
+  }
+  return {};
+}
+
 std::string SessionMaker::WriteJob() const {
-  if (!private_.IsMade()) {
-    return std::string("no temporary folder can be made: ") + std::strerror(errno);
-  }
-  const std::string script = private_.Path("make_session.lua");
+  const std::string script = place_.Run(kScriptName), job = place_.Run(kJobName);
   if (const int error = WriteText(script, kSessionScript); error != 0) {
-    return CannotWrite(script, error);
+    return CannotWrite("the script", error);
   }
-  const std::string job = private_.Path("job");
-  const int error = WriteText(job, JobText(place_.folder, place_.name, plan_, times_));
-  return error != 0 ? CannotWrite(job, error) : "";
+  const int error = WriteText(job, JobText(place_.Session(), place_.name, plan_, times_));
+  return error != 0 ? CannotWrite("the script's job", error) : "";
 }
 
 /// This program's environment, but with a home of Ardour's own: the user's settings and list of
-/// recent sessions are neither read nor changed.
+/// recent sessions are neither read nor changed. Nor are plugins looked for, which takes seconds
+/// where there are many: the session has none.
 std::vector<std::string> SessionMaker::Environment() const {
+  static constexpr std::string_view kOwn[] = {
+      "HOME",           "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
+      "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "LV2_PATH",      "LADSPA_PATH",
+      "LXVST_PATH",     "VST_PATH"};
   std::vector<std::string> variables;
   for (char** variable = environ; *variable != nullptr; ++variable) {
     const std::string_view text = *variable;
-    const bool isOfHome = text.starts_with("HOME=") || text.starts_with("XDG_");
-    if (!isOfHome) variables.emplace_back(text);
+    const std::string_view name = text.substr(0, text.find('='));
+    if (std::find(std::begin(kOwn), std::end(kOwn), name) == std::end(kOwn)) {
+      variables.emplace_back(text);
+    }
   }
-  for (const char* const name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
-                                 "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
-    const std::string folder = private_.Path(name);
-    std::error_code ignored;
-    std::filesystem::create_directory(folder, ignored);
-    variables.push_back(std::string(name) + '=' + folder);
+  for (const std::string_view name : kOwn) {
+    variables.push_back(std::string(name) + '=' + place_.Run(kHome));
   }
   return variables;
 }
@@ -122,12 +141,12 @@ LineUse SessionMaker::Take(std::string_view line, const ScriptProcess& script) {
   return Refuse("Ardour tells what is not known");
 }
 
-/// Only a rising number is progress: a script that says the same for ever hangs.
+/// Only the next number is progress, and only as long as there is something to do: a script that
+/// says the same for ever hangs, and so does one that counts for ever.
 LineUse SessionMaker::TakeStep(std::string_view text) {
   std::size_t number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
-  // No script has reason for more than one step for each thing to do, and some.
-  if (number != steps_ + 1) return LineUse::Ignored;
+  if (number != steps_ + 1 || number > ExpectedSteps()) return LineUse::Ignored;
   steps_ = number;
   return LineUse::Progress;
 }
@@ -138,16 +157,17 @@ std::string SessionMaker::Edit() {
   if (!times_.IsWhole()) return "Ardour has not told all times";
   pugi::xml_document xml;
   if (!LoadSessionXml(place_.File(), xml)) {
-    return "Ardour has saved no session in " + place_.File();
+    return kNoSession;
   }
   std::string cause = EditSession(plan_, times_, trackIds_, input_.rates.frameRate, xml, edited_);
   if (!cause.empty()) return cause;
-  const int error = SaveSessionXml(place_.File(), xml);
-  return error == 0 ? "" : CannotWrite(place_.File(), error);
+  const int error = SaveXml(place_.File(), xml);
+  return error == 0 ? "" : CannotWrite("the session's file", error);
 }
 
 std::string SessionMaker::TroubleOf(const ScriptEnd& end, std::chrono::milliseconds patience) {
-  const std::string said = end.lastWords.empty() ? "" : "; it said last: " + end.lastWords;
+  std::string said = end.lastWords.empty() ? "" : "; it said last: " + end.lastWords;
+  if (steps_ == 0) said += "; the script has not begun, is this Ardour's ardour<N>-lua?";
   switch (end.kind) {
     case ScriptEnd::Kind::Failed:
       return trouble_;
@@ -174,24 +194,27 @@ std::string SessionMaker::TroubleOf(const ScriptEnd& end, std::chrono::milliseco
 std::string SessionMaker::Finish() const {
   pugi::xml_document xml;
   if (!LoadSessionXml(place_.File(), xml)) {
-    return "Ardour has saved no session in " + place_.File();
+    return kNoSession;
   }
   if (std::string lack = proof_.WhatFileLacks(xml, times_); !lack.empty()) return lack;
   // They tell of the engine of this run. Their user's is another, and would be asked about it.
   xml.child("Session").remove_child("EngineHints");
-  if (const int error = SaveSessionXml(place_.File(), xml); error != 0) {
-    return CannotWrite(place_.File(), error);
+  if (const int error = SaveXml(place_.File(), xml); error != 0) {
+    return CannotWrite("the session's file", error);
+  }
+  if (const int error = ShowRegions(place_.Session(), plan_); error != 0) {
+    return CannotWrite("what Ardour shows first", error);
   }
   // The copy that Ardour made of the session before, which had no regions.
   RemoveFile((place_.File() + ".bak").c_str());
   return {};
 }
 
-double SessionMaker::Share() const {
-  constexpr std::size_t kFixedSteps = 8;
-  const std::size_t all =
-      kFixedSteps + plan_.Tracks().size() + times_.Samples().size() / 1000 + plan_.Regions() / 500;
-  return std::min(1.0, static_cast<double>(steps_) / static_cast<double>(all));
+/// As make_session.lua counts them, some to spare.
+std::size_t SessionMaker::ExpectedSteps() const {
+  constexpr std::size_t kFixedSteps = 10;
+  return kFixedSteps + plan_.Tracks().size() + times_.Samples().size() / 1000 +
+         plan_.Regions() / 500;
 }
 
 }  // namespace velmora::ardour

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "Ardour/ArdourPlan.h"
-#include "Ardour/PrivateFolder.h"
 #include "Ardour/ScriptProcess.h"
 #include "Ardour/SessionEdit.h"
 #include "Ardour/SessionJob.h"
@@ -20,10 +19,15 @@ namespace velmora::ardour {
 /// One run of Ardour that makes a session out of a plan and proves it.
 class SessionMaker {
  public:
+  /// Where all of the run takes place, so that nothing is left elsewhere however it ends.
   struct Place {
-    std::string folder;  ///< absolute and new
+    std::string folder;  ///< absolute, empty, and nobody else's; the caller takes it away
     std::string name;    ///< of the session and of its file
-    [[nodiscard]] std::string File() const { return folder + "/" + name + ".ardour"; }
+    /// Ardour calls folders inside a session by the name of the session's own folder.
+    [[nodiscard]] std::string Session() const { return folder + "/made/" + name; }
+    [[nodiscard]] std::string File() const { return Session() + "/" + name + ".ardour"; }
+    /// What the run needs beside the session.
+    [[nodiscard]] std::string Run(const char* part) const { return folder + "/run/" + part; }
   };
 
   /// `input` and `plan` must outlive this.
@@ -41,6 +45,7 @@ class SessionMaker {
                                  const host::TargetProgress& progress);
 
  private:
+  [[nodiscard]] std::string MakeFolders() const;
   [[nodiscard]] std::string WriteJob() const;
   [[nodiscard]] std::vector<std::string> Environment() const;
   [[nodiscard]] LineUse Take(std::string_view line, const ScriptProcess& script);
@@ -49,7 +54,7 @@ class SessionMaker {
   [[nodiscard]] std::string Edit();
   [[nodiscard]] std::string TroubleOf(const ScriptEnd& end, std::chrono::milliseconds patience);
   [[nodiscard]] std::string Finish() const;
-  [[nodiscard]] double Share() const;
+  [[nodiscard]] std::size_t ExpectedSteps() const;
 
   const host::TargetInput& input_;
   const ArdourPlan& plan_;
@@ -57,7 +62,6 @@ class SessionMaker {
   TimeWords times_;
   EditedRegions edited_;
   SessionProof proof_;
-  PrivateFolder private_;
   std::vector<std::string> trackIds_;
   std::size_t steps_ = 0;
   bool isEdited_ = false;

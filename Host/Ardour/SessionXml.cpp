@@ -30,7 +30,7 @@ bool LoadSessionXml(const std::string& path, pugi::xml_document& xml) {
   return xml.load_file(path.c_str()) && xml.child("Session");
 }
 
-int SaveSessionXml(const std::string& path, const pugi::xml_document& xml) {
+int SaveXml(const std::string& path, const pugi::xml_document& xml) {
   FileStream file = CreateFile(path.c_str());
   if (file == nullptr) return errno;
   FileWriter writer(file.get());

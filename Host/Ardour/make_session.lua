@@ -42,6 +42,12 @@ local function text()
   return length == 0 and "" or job:read(length)
 end
 
+local function save(session)
+  if session:save_state("", false, false, false, false, false) ~= 0 then
+    fail("Ardour cannot save the session; is the disk full?")
+  end
+end
+
 -- Waits for the one who started this. If that process has ended, nothing comes any more.
 local function await(word)
   io.stdout:flush()
@@ -76,9 +82,7 @@ for i = 1, number() do
   if i % 1000 == 0 then step() end
 end
 
-if session:save_state("", false, false, false, false, false) ~= 0 then
-  fail("Ardour cannot save the session")
-end
+save(session)
 session:close()
 session = nil
 collectgarbage()
@@ -106,9 +110,7 @@ for _, route in ipairs(routes:table()) do
 end
 step()
 
-if session:save_state("", false, false, false, false, false) ~= 0 then
-  fail("Ardour cannot save the session")
-end
+save(session)
 session:close()
 step()
 say("done", tostring(regions))

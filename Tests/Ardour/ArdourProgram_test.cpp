@@ -41,12 +41,22 @@ class ArdourProgram : public testing::Test {
 };
 
 TEST_F(ArdourProgram, theNewestIsTaken) {
+  MakeProgram("one/ardour6-lua");
+  MakeProgram("one/ardour-lua");
+  MakeProgram("one/ardour77-luasession");
+  MakeProgram("one/ardour99999999999999999999-lua");
+  EXPECT_EQ(FindArdour().program, "");
   const std::string seven = MakeProgram("one/ardour7-lua");
+  EXPECT_EQ(FindArdour().program, seven);
+  MakeProgram("two/ardour7-lua");
   EXPECT_EQ(FindArdour().program, seven);
   const std::string eight = MakeProgram("two/ardour8-lua");
   EXPECT_EQ(FindArdour().program, eight);
   folder_.Write("one/ardour9-lua", "no program");
+  std::filesystem::create_directory(folder_.Path("one/ardour12-lua"));
   EXPECT_EQ(FindArdour().program, eight);
+  const std::string ten = MakeProgram("one/ardour10-lua");
+  EXPECT_EQ(FindArdour().program, ten);
 }
 
 TEST_F(ArdourProgram, aSettingComesBeforePath) {
@@ -57,9 +67,28 @@ TEST_F(ArdourProgram, aSettingComesBeforePath) {
   const std::string seven = MakeProgram("two/ardour7-lua");
   ::setenv("ARDOUR_LUA", "ardour7-lua", 1);
   EXPECT_EQ(FindArdour().program, seven);
-  ::setenv("ARDOUR_LUA", "/nowhere/ardour", 1);
-  EXPECT_EQ(FindArdour().program, "");
-  EXPECT_NE(FindArdour().trouble.find("/nowhere/ardour"), std::string::npos);
+}
+
+TEST_F(ArdourProgram, aBadSettingIsNamedWhateverPathHas) {
+  MakeProgram("one/ardour9-lua");
+  const struct {
+    const char* rule;
+    std::string setting, cause;
+  } rows[] = {
+      {"not there", "/nowhere/ardour", "No such file"},
+      {"not in PATH", "ardour8-lua", "PATH has no such program"},
+      {"not executable", folder_.Write("text", "text"), "Permission denied"},
+      {"a folder", folder_.Path("one"), "it is a folder"},
+      {"a device", "/dev/null", "it is no file"},
+  };
+  for (const auto& row : rows) {
+    ::setenv("ARDOUR_LUA", row.setting.c_str(), 1);
+    const FoundArdour found = FindArdour();
+    EXPECT_EQ(found.program, "") << row.rule;
+    EXPECT_NE(found.trouble.find("ARDOUR_LUA names " + row.setting), std::string::npos)
+        << found.trouble;
+    EXPECT_NE(found.trouble.find(row.cause), std::string::npos) << found.trouble;
+  }
 }
 
 TEST_F(ArdourProgram, aClaimWithoutArdourSaysWhatToInstall) {

@@ -72,7 +72,7 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
     std::string commands;
     std::string cause;
   } rows[] = {
-      {"printsNothing", "exit 0", "ended before the session was done"},
+      {"isAnotherProgram", "exit 0", "has not begun, is this Ardour's ardour<N>-lua?"},
       {"endsWithAStatus", "echo broken >&2; exit 7", "exit status 7; it said last: broken"},
       {"crashes", "kill -SEGV $$", "crashed (signal 11"},
       {"tellsAFailure", "echo velmora: failed no sound; sleep 100", "no sound"},
@@ -80,13 +80,17 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
       {"hangsWithoutItsOutput", "exec >&- 2>&-; sleep 100", "hung"},
       {"saysTheSameForEver", "while :; do echo velmora: step 1; sleep 0.02; done", "hung"},
       {"makesNoiseForEver", "while :; do echo noise; done", "hung"},
+      {"makesNoiseForEverOnItsErrors", "while :; do echo noise >&2; done", "hung"},
+      {"countsForEver", "i=0; while :; do i=$((i+1)); echo velmora: step $i; sleep 0.001; done",
+       "hung"},
+      {"leavesItsGroupAndHangs", "exec setsid sleep 100", "hung"},
       {"writesALineWithoutEnd", "tr '\\0' x < /dev/zero", "hung"},
       {"tellsTooManyTracks", "echo velmora: track 1; echo velmora: track 2; sleep 100",
        "too many tracks"},
       {"savesNothing",
        "n=$(sed -n 7p $2); echo velmora: track 7; for i in $(seq $n); do echo velmora: time a$i; "
        "done; echo velmora: saved; sleep 100",
-       "has saved no session"},
+       "saved no session"},
       {"savesAtAnotherRate",
        session + "sed -i s/48000/44100/ \"$d/made.ardour\"; echo velmora: saved; sleep 100",
        "not one of 48000 Hz"},
@@ -94,11 +98,16 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
       {"claimsToBeDone", "echo velmora: done 1; sleep 100", "has not done"},
       {"isDoneWithoutTheRegion", told + "echo velmora: done 1", "does not have region 0"},
       {"isDoneWithAnotherCount", whole + "echo velmora: done 2", "has not done"},
+      {"isDoneAndCrashes", whole + "echo velmora: done 1; kill -ABRT $$", "crashed (signal 6"},
+      {"isDoneWithAStatus", whole + "echo velmora: done 1; exit 4", "exit status 4"},
+      {"isDoneAndHangs", whole + "echo velmora: done 1; sleep 100", "hung"},
       {"lacksTheLastLine", whole, "ended before the session was done"},
       {"hasAnotherRegion", told + "echo velmora: region 3 0 0 100; sleep 100", "was not given"},
       {"hasItTwice", whole + "echo velmora: region 12 0 0 100; sleep 100", "is there twice"},
       {"hasItElsewhere", told + "echo velmora: region 12 5 0 100; sleep 100",
        "region 0 \"name\" (track 1, 00:00:00:00) otherwise: position 5 in place of 0"},
+      {"hasItFromElsewhere", told + "echo velmora: region 12 0 3 100; sleep 100",
+       "start 3 in place of 0"},
       {"hasItShorter", told + "echo velmora: region 12 0 0 99; sleep 100",
        "length 99 in place of 100"},
       {"renamesTheTrack", saved + "echo velmora: playlist 7 Track 9; sleep 100", "another name"},
@@ -159,11 +168,17 @@ TEST_F(StandIn, ourOwnEndEndsAllItsProcesses) {
   EXPECT_TRUE(EndsSoon(child));
 }
 
-TEST_F(StandIn, itsHomeIsNotTheUsers) {
+TEST_F(StandIn, itsHomeIsItsOwnAndGoesWithIt) {
   const std::string commands =
-      "test \"$HOME\" != '" + std::string(::getenv("HOME") != nullptr ? ::getenv("HOME") : "") +
-      "' && test -d \"$HOME\" && test -d \"$XDG_CONFIG_HOME\" && test \"$(stat -c %a "
-      "\"$(dirname \"$HOME\")\")\" = 700 && echo velmora: failed apart\n";
+      "test \"$(stat -c %a \"$HOME/../..\")\" = 700 || exit 1\n"
+      "for folder in \"$HOME\" \"$XDG_CONFIG_HOME\" \"$XDG_DATA_HOME\" \"$XDG_CACHE_HOME\" "
+      "\"$XDG_STATE_HOME\" \"$XDG_RUNTIME_DIR\" \"$LV2_PATH\" \"$LADSPA_PATH\" "
+      "\"$LXVST_PATH\" \"$VST_PATH\"; do\n"
+      "case $folder in '" +
+      folder_.Path(".velmora-") +
+      "'*) test -z \"$(ls -A \"$folder\")\" || exit 1;; *) exit 1;; esac\n"
+      "done\n"
+      "echo settings > \"$HOME/.left\"; echo velmora: failed apart\n";
   ExpectNothingIsMade(MakeWith(commands), "apart");
 }
 
