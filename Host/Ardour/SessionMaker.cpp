@@ -192,6 +192,12 @@ std::string SessionMaker::TroubleOf(const ScriptEnd& end, std::chrono::milliseco
 
 /// What is left to do when Ardour has ended well.
 std::string SessionMaker::Finish() const {
+  // Ardour says nothing of a file that is not there, and plays silence.
+  for (const PlannedFile& file : plan_.Files()) {
+    if (file.trouble.empty() && ::access(file.path.c_str(), R_OK) != 0) {
+      return file.path + " is gone: " + std::strerror(errno);
+    }
+  }
   pugi::xml_document xml;
   if (!LoadSessionXml(place_.File(), xml)) {
     return kNoSession;

@@ -16,6 +16,12 @@ void StopOnInterrupt() {
   action.sa_handler = [](int) { interrupted = true; };
   action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
   sigaction(SIGINT, &action, nullptr);
+  for (const int signal : {SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    // Who started the program may want these to pass by: nohup does.
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+  }
 }
 
 bool Interrupted() {

@@ -117,11 +117,14 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
       {"makesTheSourceWritable",
        whole + "sed -i 's/flags=\"\"/flags=\"Writable\"/' \"$d/made.ardour\"; echo velmora: done 1",
        "would be allowed to write"},
+      {"losesAFile", whole + "rm '" + folder_.Path("one.wav") + "'; echo velmora: done 1",
+       "one.wav is gone: No such file"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.rule);
     ExpectNothingIsMade(MakeWith(row.commands + "\n", kPatience), row.cause);
   }
+  MakeSource("one.wav", {24, 1}, 100);  // which the last row took away
   // The stand-in that does all that is asked of it shows that the rows fail for their own reasons.
   EXPECT_EQ(MakeWith(whole + "echo velmora: done 1\n").trouble, "");
   EXPECT_TRUE(std::filesystem::exists(folder_.Path("made/made.ardour")));
