@@ -11,7 +11,7 @@ from stamps import stamp
 
 SAMPLE_RATES = {"/": 48000, "|": 44100, "*": 96000, "@": 88200, "=": 32000}
 NAMES = ["take.wav", "Take 2.wav", "a&b.wav", "it's.wav", "<i>.wav", "50%.wav", "#1?.wav", "semi;colon.wav", "no extension",
-         "two..dots.wav", "{curly}.WAV", "Grüße.wav", "嵐.wav", "plus+.wav", "a%20b.wav", "]]>.wav", "-->.wav"]
+         "two..dots.wav", "{curly}.WAV", "Grüße.wav", "嵐.wav", "plus+.wav", "tilde~.wav", "a%20b.wav", "]]>.wav", "-->.wav"]
 GAINS = ("-6.0", "3", "-60.25", "0.0", "-0.5", "20")
 HOUR = 3600
 
@@ -82,8 +82,13 @@ def write(path, names, cuts, clock):
                for index, name in enumerate(names, 1)]
     text = "\n".join(["<ADL>", "<SOURCE_INDEX>", *sources, "</SOURCE_INDEX>", "<EVENT_LIST>",
                       *(lines_of(cut, clock) for cut in cuts), "</EVENT_LIST>", "</ADL>", ""])
-    path.write_bytes(text.encode("shift_jisx0213"))
+    path.write_bytes(shift_jis(text))
     return Project(path, clock, cuts)
+
+
+def shift_jis(text):
+    """As projects hold it: what is ASCII stays as it is, the two characters that the encoding has no place for too."""
+    return b"".join(letter.encode("ascii" if letter.isascii() else "shift_jisx0213") for letter in text)
 
 
 def noise(dice, frames, rate):
