@@ -14,8 +14,6 @@
 #include "Ardour/SessionXml.h"
 #include "Base/FileAccess.h"
 
-extern char** environ;
-
 namespace velmora::ardour {
 namespace {
 

@@ -42,8 +42,9 @@ void AddTarget(const host::RecordedTarget& target, std::vector<MessageRow>& rows
     rows.push_back(Row(Weight::Failure, "target", who + target.trouble,
                        "Take away the cause that is named, then spot again with this target."));
   }
+  const std::string lacks = who + "left out: ";
   for (const std::string& line : target.leftOut) {
-    rows.push_back(Row(Weight::Failure, "target", who + "left out: " + line,
+    rows.push_back(Row(Weight::Failure, "target", lacks + line,
                        "Bring the file to what the target takes (velmora prepare --resample "
                        "changes sample rates), then spot again."));
   }
