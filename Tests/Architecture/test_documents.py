@@ -4,6 +4,8 @@ import re
 import unittest
 from pathlib import Path
 
+import includes
+
 ROOT = Path(__file__).resolve().parent.parent.parent
 ARCHITECTURE = (ROOT / "Docs" / "Architecture.md").read_text(encoding="utf-8")
 
@@ -42,6 +44,11 @@ class Architecture(unittest.TestCase):
         named = [match.group(1) for match in named if match]
         self.assertGreater(len(named), 30)
         self.assertEqual([name for name in named if name not in test_cases()], [])
+
+    def test_every_room_is_told(self):
+        rooms = {room for room in includes.MAY_USE if not room.startswith("Host/Desktop/")} | {"Host/Desktop"}
+        told = set(re.findall(r"`((?:Source|Host)/\w+)`", "".join(re.findall(r"^\| `.*?\|", ARCHITECTURE, re.M))))
+        self.assertEqual(sorted(rooms - told), [])
 
     def test_every_place_is_there(self):
         places = re.findall(r"`((?:Source|Host|Tests|Docs)/[\w./-]*)`", ARCHITECTURE)
