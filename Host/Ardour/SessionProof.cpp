@@ -8,6 +8,8 @@
 
 namespace velmora::ardour {
 
+using pugi::xml_node;
+
 std::string SessionProof::LabelOf(const EditedRegion& region) const {
   return host::RegionLabel(input_, region.planned->region);
 }
@@ -57,10 +59,31 @@ std::string SessionProof::WhatLacks() const {
 
 std::string SessionProof::WhatFileLacks(const pugi::xml_document& xml,
                                         const TimeWords& times) const {
-  const pugi::xml_node session = xml.child("Session");
+  const xml_node session = xml.child("Session");
+  if (std::string lack = WhatRegionsLack(session, times); !lack.empty()) return lack;
+  for (const xml_node source : session.child("Sources").children("Source")) {
+    if (std::string_view(source.attribute("flags").value()).find("Writable") !=
+        std::string_view::npos) {
+      return "Ardour would be allowed to write to " +
+             std::string(source.attribute("origin").value());
+    }
+  }
+  for (const xml_node route : session.child("Routes").children("Route")) {
+    const std::string_view use = route.child("PresentationInfo").attribute("flags").value();
+    if (use.find("AudioTrack") == std::string_view::npos) continue;
+    const xml_node output = route.find_child_by_attribute("IO", "direction", "Output");
+    for (const xml_node port : output.children("Port")) {
+      if (port.child("Connection")) continue;
+      return "the saved session plays " + std::string(route.attribute("name").value()) + " nowhere";
+    }
+  }
+  return {};
+}
+
+std::string SessionProof::WhatRegionsLack(const xml_node& session, const TimeWords& times) const {
   std::size_t found = 0;
-  for (const pugi::xml_node playlist : session.child("Playlists").children("Playlist")) {
-    for (const pugi::xml_node region : playlist.children("Region")) {
+  for (const xml_node playlist : session.child("Playlists").children("Playlist")) {
+    for (const xml_node region : playlist.children("Region")) {
       const auto edited = edited_.find(region.attribute("id").value());
       if (edited == edited_.end()) return "the saved session has a region that it was not given";
       const PlannedRegion& planned = *edited->second.planned;
@@ -74,18 +97,9 @@ std::string SessionProof::WhatFileLacks(const pugi::xml_document& xml,
       ++found;
     }
   }
-  if (found != edited_.size()) {
-    return "the saved session has " + std::to_string(found) + " of " +
-           std::to_string(edited_.size()) + " regions; is the disk full?";
-  }
-  for (const pugi::xml_node source : session.child("Sources").children("Source")) {
-    if (std::string_view(source.attribute("flags").value()).find("Writable") !=
-        std::string_view::npos) {
-      return "Ardour would be allowed to write to " +
-             std::string(source.attribute("origin").value());
-    }
-  }
-  return {};
+  if (found == edited_.size()) return {};
+  return "the saved session has " + std::to_string(found) + " of " +
+         std::to_string(edited_.size()) + " regions; is the disk full?";
 }
 
 }  // namespace velmora::ardour

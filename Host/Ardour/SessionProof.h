@@ -28,11 +28,13 @@ class SessionProof {
   /// Whether everything that was given has been taken.
   [[nodiscard]] std::string WhatLacks() const;
   /// Whether the file that Ardour saved after that holds every region, and no file of the user's
-  /// that it may write to.
+  /// that it may write to, and whether every track is heard.
   [[nodiscard]] std::string WhatFileLacks(const pugi::xml_document& xml,
                                           const TimeWords& times) const;
 
  private:
+  [[nodiscard]] std::string WhatRegionsLack(const pugi::xml_node& session,
+                                            const TimeWords& times) const;
   [[nodiscard]] std::string LabelOf(const EditedRegion& region) const;
 
   const host::TargetInput& input_;

@@ -63,17 +63,36 @@ local session = create_session(folder, name, rate)
 if not session then fail("Ardour cannot make a session of " .. rate .. " Hz") end
 step()
 
+local outputs = {}
 for _ = 1, number() do
   local channels, title = number(), text()
   local tracks = session:new_audio_track(channels, 2, nil, 1, title,
     ARDOUR.PresentationInfo.max_order, ARDOUR.TrackMode.Normal, true)
   if not tracks or tracks:empty() then fail("Ardour makes no track") end
   local track = tracks:front()
-  -- The panner would take 3 dB from a single channel.
-  if channels == 1 then track:panner_shell():set_bypassed(true) end
+  -- The panner would take 3 dB from a single channel, and spread more than two.
+  if channels ~= 2 then track:panner_shell():set_bypassed(true) end
+  outputs[#outputs + 1] = track:output()
   say("track", track:to_stateful():id():to_s())
   step()
 end
+
+-- Ardour connects new tracks to its master when it finds the time, maybe after they are saved.
+local master = session:master_out():input()
+local into_master = master:n_ports():n_audio()
+local patience = 200
+for _, output in ipairs(outputs) do
+  for i = 0, output:n_ports():n_audio() - 1 do
+    local port = output:nth(i)
+    while patience > 0 and not port:connected() do
+      patience = patience - 1
+      ARDOUR.LuaAPI.usleep(10000)
+    end
+    if not port:connected() then port:connect(master:nth(i % into_master):name()) end
+  end
+end
+outputs, master = nil, nil
+step()
 
 -- How Ardour writes times down changes between its versions, so it is asked.
 for i = 1, number() do

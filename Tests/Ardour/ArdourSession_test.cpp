@@ -152,6 +152,7 @@ TEST_F(ArdourSession, whatIsInTheFileIsWhatAUserNeeds) {
   rates_.frameRate = 2;
   Place(0, 48000, source, 0, 1000);
   Place(4, 96000, source, 0, 1000);
+  Place(5, 60000, MakeSource("six.wav", {24, 6}, 100), 0, 100);
   const std::string before = test::TemporaryFolder::Read(source.path);
   const auto writtenBefore = std::filesystem::last_write_time(source.path);
   const std::string path = folder_.Path("session");
@@ -161,10 +162,16 @@ TEST_F(ArdourSession, whatIsInTheFileIsWhatAUserNeeds) {
   std::vector<std::string> tracks;
   for (const pugi::xml_node route : session.child("Routes").children("Route")) {
     tracks.emplace_back(route.attribute("name").value());
+    if (tracks.back() == "Master") continue;
+    // A panner would take 3 dB from a mono track, and spread the channels of the wide one.
+    EXPECT_TRUE(route.select_node(".//PannerShell").node().attribute("bypassed").as_bool());
+    const pugi::xml_node output = route.find_child_by_attribute("IO", "direction", "Output");
+    EXPECT_TRUE(output.child("Port").child("Connection")) << tracks.back();
   }
-  EXPECT_EQ(tracks, (std::vector<std::string>{"Master", "Track 3", "Track 7"}));
+  EXPECT_EQ(tracks, (std::vector<std::string>{"Master", "Track 3", "Track 7", "Track 8"}));
   for (const pugi::xml_node file : session.child("Sources").children("Source")) {
-    EXPECT_EQ(file.attribute("origin").value(), source.path);
+    EXPECT_EQ(std::filesystem::path(file.attribute("origin").value()).parent_path(),
+              folder_.Path());
     EXPECT_STREQ(file.attribute("flags").value(), "");
   }
   EXPECT_FALSE(session.child("EngineHints"));
@@ -180,7 +187,7 @@ TEST_F(ArdourSession, whatIsInTheFileIsWhatAUserNeeds) {
             97000);
   EXPECT_EQ(test::TemporaryFolder::Read(source.path), before);
   EXPECT_EQ(std::filesystem::last_write_time(source.path), writtenBefore);
-  EXPECT_EQ(Names(), (std::vector<std::string>{"one.wav", "session"}));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"one.wav", "session", "six.wav"}));
 }
 
 TEST_F(ArdourSession, aRateAtWhichArdourMissesSamplesIsTold) {

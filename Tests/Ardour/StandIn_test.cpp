@@ -114,6 +114,12 @@ TEST_F(StandIn, everyFaultIsNamedAndLeavesNothing) {
       {"savesAnOlderSession",
        whole + "echo '<Session/>' > \"$d/made.ardour\"; echo velmora: done 1",
        "0 of 1 regions; is the disk full?"},
+      {"leavesATrackUnheard",
+       whole + "sed -i 's:<Sources:<Routes><Route name=\"Track 1\"><PresentationInfo "
+               "flags=\"AudioTrack\"/><IO "
+               "direction=\"Output\"><Port/></IO>"
+               "</Route></Routes><Sources:' \"$d/made.ardour\"; echo velmora: done 1",
+       "plays Track 1 nowhere"},
       {"makesTheSourceWritable",
        whole + "sed -i 's/flags=\"\"/flags=\"Writable\"/' \"$d/made.ardour\"; echo velmora: done 1",
        "would be allowed to write"},
