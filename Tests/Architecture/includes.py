@@ -20,12 +20,13 @@ SESSION = [*MODEL, "Host/Session"]
 FIELD = [*CORE, "Host/Media"]
 CHECK = [*FIELD, "Host/Field", "Host/Session"]
 PREPARE = [*CHECK, "Host/Check"]
-TARGET = [*SESSION, "Host/Media"]  # none uses another, and none knows the tables of the view
+TARGET = [*SESSION, "Host/Media", "Host/Peaks"]  # none uses another, and none knows the tables of the view
 TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio", "Host/Report"]
 ARDOUR = [*TARGET, "Host/Embedded"]
 DESTINATIONS = ["Host/Session", "Host/Embedded", "Host/Ardour", *TARGETS]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*CORE, "Host/Session", "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS, "Host/Destinations"]
+PORTABLE = [*CORE, "Host/Session", "Host/Peaks", "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS,
+            "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -37,10 +38,11 @@ MAY_USE = {
     "Source/Model": MODEL,
     "Source/View": CORE,
     "Host/Session": MODEL,
-    "Host/Timeline": SESSION,
+    "Host/Timeline": [*SESSION, "Host/Peaks"],
     "Host/Embedded": SESSION,
     "Host/Field": FIELD,
     "Host/Media": SPOT,
+    "Host/Peaks": [*BASE, "Host/Media"],
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
     **dict.fromkeys(TARGETS, TARGET),

@@ -20,6 +20,7 @@ std::vector<Scenario> SpotScenarios();
 std::vector<Scenario> AbortScenarios();
 std::vector<Scenario> LookScenarios();
 std::vector<Scenario> ShellScenarios();
+std::vector<Scenario> WaveScenarios();
 std::vector<Scenario> FindingsScenarios();
 std::vector<Scenario> ProgramScenarios();
 

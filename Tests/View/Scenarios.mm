@@ -8,7 +8,7 @@ const std::vector<Scenario>& AllScenarios() {
     for (const auto& part :
          {LoadingScenarios(), TroubleScenarios(), TableScenarios(), EntryScenarios(),
           EditScenarios(), PasteScenarios(), SpotScenarios(), AbortScenarios(), LookScenarios(),
-          ShellScenarios(), FindingsScenarios(), ProgramScenarios()}) {
+          ShellScenarios(), WaveScenarios(), FindingsScenarios(), ProgramScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;

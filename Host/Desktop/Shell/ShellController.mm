@@ -109,6 +109,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   closing = YES;
   [window orderOut:nil];
   [desk close];
+  [pane close];
   [view close];
   [NSApp terminate:self];
   return YES;
@@ -119,6 +120,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
   closing = YES;
   [desk close];
+  [pane close];
   [view close];
   return NSTerminateNow;
 }
@@ -355,8 +357,10 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (void)finishSnapshot:(NSTimer*)timer {
   if ([view isSpotRunning] || [desk isChecking]) return;
-  [timer invalidate];
   [pane addRegions:receiver->TakeNew()];
+  [window display];  // which asks for the waveforms
+  if ([pane isReadingWaveforms]) return;
+  [timer invalidate];
   [self showSummary:nil];
   const BOOL written = WriteSnapshot(window, StringFromText(options.snapshot));
   if (!written) {
@@ -364,6 +368,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   }
   closing = YES;
   [desk close];
+  [pane close];
   [view close];
   std::exit(written ? kDone : kNoWindow);
 }

@@ -34,11 +34,12 @@ enum class Tone : std::uint32_t {
 // Autoreleased, opaque.
 [[nodiscard]] NSColor* ColorOf(Tone tone);
 
-// The colours of a track's regions: one hue in four strengths. Autoreleased.
+// The colours of a track's regions: one hue in five strengths. Autoreleased.
 struct TrackColors {
   NSColor* fill;  // a region
   NSColor* edge;  // its border, and the track's mark
   NSColor* ramp;  // the shape of a fade
+  NSColor* wave;  // what sounds in a region
   NSColor* ink;   // a region's name
 };
 

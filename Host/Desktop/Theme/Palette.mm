@@ -21,7 +21,7 @@ TrackColors ColorsOfTrack(std::int64_t track) {
   constexpr auto kCount = static_cast<std::int64_t>(sizeof kHues / sizeof *kHues);
   const CGFloat hue = kHues[((track % kCount) + kCount) % kCount];
   return {Shade(hue, 0.22, 0.97), Shade(hue, 0.62, 0.74), Shade(hue, 0.42, 0.88),
-          Shade(hue, 0.75, 0.36)};
+          Shade(hue, 0.46, 0.84), Shade(hue, 0.75, 0.36)};
 }
 
 }  // namespace velmora::desktop

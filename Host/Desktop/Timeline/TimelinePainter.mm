@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kLabelSpacing = 110;  // pixels between the ruler's labels
 constexpr CGFloat kNameWidth = 28;     // narrower regions show no name
-constexpr CGFloat kRegionInset = 3;    // between a lane's edge and its regions
+constexpr CGFloat kMarkInset = 3;      // above and below a track's colour
 constexpr CGFloat kMarkWidth = 4;      // of a track's colour beside its name
 constexpr CGFloat kMinorTick = 5;
 constexpr CGFloat kMajorTick = 10;  // under a label
@@ -60,6 +60,49 @@ void DrawFade(NSRect box, PieceKind kind, const TrackColors& colors) {
   [(kind == PieceKind::FadeIn ? Ramp(box, 0, 1) : Ramp(box, 1, 0)) fill];
 }
 
+// A bar for each column, around the middle of the box.
+void DrawWave(const std::vector<WaveBar>& bars, NSRect box, CGFloat viewLeft, NSColor* color) {
+  const CGFloat half = NSHeight(box) / 2 - 1;
+  const CGFloat middle = NSMidY(box);
+  std::vector<NSRect> rects;
+  rects.reserve(bars.size());
+  for (const WaveBar& bar : bars) {
+    const CGFloat x = viewLeft + static_cast<CGFloat>(bar.column);
+    if (x < NSMinX(box) || x >= NSMaxX(box)) continue;
+    const CGFloat top = std::floor(middle - half * static_cast<CGFloat>(bar.high));
+    const CGFloat bottom = std::ceil(middle - half * static_cast<CGFloat>(bar.low));
+    rects.push_back(NSMakeRect(x, top, 1, std::max<CGFloat>(1, bottom - top)));
+  }
+  if (rects.empty()) return;
+  [color set];
+  NSRectFillList(rects.data(), static_cast<NSInteger>(rects.size()));
+}
+
+// The fades that a region has as facts, as lines from silence to full level.
+void DrawShape(const velmora::host::SessionRegion& region, NSRect box, const TimeScale& scale,
+               CGFloat viewLeft, NSColor* color) {
+  const velmora::host::RegionShape shape = FittingShape(region);
+  if (shape.fadeIn == 0 && shape.fadeOut == 0) return;
+  const auto place = [&](std::int64_t sample, CGFloat y) {
+    const double x = std::clamp(scale.ToX(sample), -1e6, 1e6);  // far outside, the slope is lost
+    return NSMakePoint(viewLeft + x, y);
+  };
+  [NSGraphicsContext saveGraphicsState];
+  NSRectClip(box);
+  [color set];
+  const CGFloat silence = NSMaxY(box) - 1;
+  const CGFloat full = NSMinY(box) + 1;
+  if (shape.fadeIn > 0) {
+    [NSBezierPath strokeLineFromPoint:place(region.position, silence)
+                              toPoint:place(region.position + shape.fadeIn, full)];
+  }
+  if (shape.fadeOut > 0) {
+    [NSBezierPath strokeLineFromPoint:place(region.End() - shape.fadeOut, full)
+                              toPoint:place(region.End(), silence)];
+  }
+  [NSGraphicsContext restoreGraphicsState];
+}
+
 // A region's name, which stays readable while the region's beginning is scrolled out to the left of
 // `viewLeft`.
 void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* ink) {
@@ -79,7 +122,7 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
 + (void)drawRuler:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline;
 + (void)drawGrid:(const std::vector<RulerTick>&)ticks of:(TimelineView*)timeline;
 + (void)drawHeaders:(TimelineView*)timeline;
-+ (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline;
++ (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline inRect:(NSRect)rect;
 + (void)drawSpan:(const LaneSpan&)span
               in:(NSRect)box
               of:(TimelineView*)timeline
@@ -100,7 +143,7 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
   [self drawGrid:ticks of:timeline];
   const NSRange visible = [timeline visibleLanes];
   for (NSUInteger lane = visible.location; lane < NSMaxRange(visible); ++lane) {
-    [self drawLane:lane of:timeline];
+    [self drawLane:lane of:timeline inRect:rect];
   }
   [NSGraphicsContext restoreGraphicsState];
 
@@ -153,8 +196,7 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
     const NSRect row = [timeline rectOfLane:lane];
     const std::int64_t track = [timeline model].LaneAt(lane).track;
     [ColorsOfTrack(track).edge set];
-    NSRectFill(
-        NSMakeRect(0, NSMinY(row) + kRegionInset, kMarkWidth, NSHeight(row) - 2 * kRegionInset));
+    NSRectFill(NSMakeRect(0, NSMinY(row) + kMarkInset, kMarkWidth, NSHeight(row) - 2 * kMarkInset));
     NSString* name = [NSString stringWithFormat:@"Track %lld", static_cast<long long>(track + 1)];
     [name drawAtPoint:NSMakePoint(14, NSMinY(row) + 8) withAttributes:attributes];
     Fill(NSMakeRect(0, NSMaxY(row) - 1, NSWidth(column), 1), Tone::FaintLine);
@@ -163,19 +205,16 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
   Fill(NSMakeRect(NSMaxX(column) - 1, 0, 1, NSMaxY(column)), Tone::Line);
 }
 
-+ (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline {
++ (void)drawLane:(std::size_t)lane of:(TimelineView*)timeline inRect:(NSRect)rect {
   const NSRect row = [timeline rectOfLane:lane];
+  if (!NSIntersectsRect(row, rect)) return;
   Fill(NSMakeRect(NSMinX(row), NSMaxY(row) - 1, NSWidth(row), 1), Tone::FaintLine);
 
   TimelineModel& model = [timeline model];
   const TrackColors colors = ColorsOfTrack(model.LaneAt(lane).track);
   for (const LaneSpan& span : model.Spans(lane, [timeline scale], NSWidth(row))) {
-    // Whole pixels keep edges crisp; far outside the view they would only lose precision.
-    const CGFloat left = std::floor(std::max(span.left, -8.0));
-    const CGFloat right = std::max(left + 1, std::round(std::min(span.right, NSWidth(row) + 8.0)));
-    const NSRect box = NSMakeRect(NSMinX(row) + left, NSMinY(row) + kRegionInset, right - left,
-                                  NSHeight(row) - 2 * kRegionInset);
-    [self drawSpan:span in:box of:timeline colors:colors];
+    const NSRect box = [timeline rectOfSpan:span inLane:lane];
+    if (NSIntersectsRect(box, rect)) [self drawSpan:span in:box of:timeline colors:colors];
   }
 }
 
@@ -196,6 +235,10 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
   } else {
     DrawFade(box, kind, colors);
   }
+  // On the shape of a rendered fade the usual colour would not be seen.
+  DrawWave([timeline waveOfSpan:span], box, NSMinX([timeline lanesRect]),
+           kind == PieceKind::Region ? colors.wave : colors.edge);
+  DrawShape(region, box, [timeline scale], NSMinX([timeline lanesRect]), colors.edge);
   const BOOL isSelected = span.region == [timeline selectedRegion];
   const BOOL isHovered = span.region == [timeline hoveredRegion];
   [(isSelected ? ColorOf(Tone::Accent) : colors.edge) set];

@@ -22,4 +22,8 @@
 - (void)addRegions:(const std::vector<velmora::host::SessionRegion>&)regions;
 - (void)clear;
 
+// As the timeline has them.
+- (BOOL)isReadingWaveforms;
+- (void)close;
+
 @end

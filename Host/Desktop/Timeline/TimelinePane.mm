@@ -92,6 +92,14 @@ constexpr double kPage = 0.9;  // of what is on view, scrolled by a press beside
   [timeline modelChanged];
 }
 
+- (BOOL)isReadingWaveforms {
+  return [timeline isReadingWaveforms];
+}
+
+- (void)close {
+  [timeline close];
+}
+
 // TimelineViewOwner
 
 - (void)timelineDidScroll:(TimelineView*)sender {

@@ -2,7 +2,14 @@
 
 #import <AppKit/AppKit.h>
 
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Peaks/PeakDesk.h"
 #include "Session/SessionClock.h"
+#include "Timeline/RegionWave.h"
 #include "Timeline/TimeScale.h"
 #include "Timeline/TimelineModel.h"
 
@@ -34,6 +41,8 @@
   std::size_t selected;  // the same, of the last click
   BOOL fitsAll;          // keep all regions in view as they land
   NSPoint dragStart;
+  std::unique_ptr<velmora::peaks::PeakDesk> peakDesk;
+  std::optional<std::chrono::steady_clock::time_point> askedAt;  // none when the view has changed
 }
 
 + (std::size_t)noRegion;
@@ -43,6 +52,11 @@
 - (velmora::timeline::TimelineModel&)model;
 - (const velmora::host::SessionClock&)clock;
 - (void)setClock:(const velmora::host::SessionClock&)aClock;
+
+// YES while waveforms that are on view are being read.
+- (BOOL)isReadingWaveforms;
+// Ends all reading, and waits for its end. No waveform comes after it.
+- (void)close;
 
 // To be called when regions were added to the model or it was cleared.
 - (void)modelChanged;
@@ -73,4 +87,9 @@
 - (const velmora::timeline::TimeScale&)scale;
 - (std::size_t)selectedRegion;
 - (std::size_t)hoveredRegion;
+// Where a piece of a lane is drawn, in whole pixels.
+- (NSRect)rectOfSpan:(const velmora::timeline::LaneSpan&)span inLane:(std::size_t)lane;
+// The waveform of a span's region, as far as it has come; empty for regions too narrow for one. The
+// columns count from the left edge of lanesRect.
+- (std::vector<velmora::timeline::WaveBar>)waveOfSpan:(const velmora::timeline::LaneSpan&)span;
 @end

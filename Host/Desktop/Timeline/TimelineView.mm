@@ -12,10 +12,13 @@ namespace {
 constexpr CGFloat kHeaderWidth = 96;
 constexpr CGFloat kRulerHeight = 26;
 constexpr CGFloat kLaneHeight = 32;
+constexpr CGFloat kRegionInset = 3;  // between a lane's edge and its regions
 constexpr double kZoomStep = 1.5;
 constexpr double kWheelZoomStep = 1.25;
 constexpr CGFloat kWheelPixels = 48;  // scrolled by one notch of the wheel
 constexpr double kReach = 4;          // pixels around a narrow region that belong to it
+constexpr double kLeastWave = 6;      // pixels; narrower regions show no waveform
+constexpr auto kAskAgain = std::chrono::seconds(1);  // files may change while they are on view
 constexpr std::size_t kNoRegion = LaneSpan::kMerged;
 
 }  // namespace
@@ -25,6 +28,9 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
 - (void)clampTop;
 - (std::size_t)regionAt:(NSPoint)point;
 - (BOOL)handleKey:(unichar)key;
+- (void)askForWaveforms;
+- (void)waveformsArrived:(id)sender;
+- (WaveColumns)waveColumnsOf:(const LaneSpan&)span;
 @end
 
 @implementation TimelineView
@@ -39,7 +45,26 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
   owner = anOwner;
   hovered = selected = kNoRegion;
   fitsAll = YES;
+  // The run loop of the main thread takes the notice whenever it is free.
+  peakDesk = std::make_unique<velmora::peaks::PeakDesk>([self] {
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    [self performSelectorOnMainThread:@selector(waveformsArrived:) withObject:nil waitUntilDone:NO];
+    [pool release];
+  });
   return self;
+}
+
+- (void)dealloc {
+  [self close];
+  [super dealloc];
+}
+
+- (void)close {
+  peakDesk->Close();
+}
+
+- (BOOL)isReadingWaveforms {
+  return peakDesk->IsReading();
 }
 
 - (BOOL)isFlipped {
@@ -151,6 +176,7 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
 }
 
 - (void)drawRect:(NSRect)rect {
+  [self askForWaveforms];
   [TimelinePainter drawTimeline:self inRect:rect];
 }
 
@@ -206,6 +232,7 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
 @implementation TimelineView (Private)
 
 - (void)rangeChanged {
+  askedAt.reset();
   [self clampTop];
   [self setNeedsDisplay:YES];
   [owner timelineDidScroll:self];
@@ -224,6 +251,46 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
   if (row < 0 || row >= static_cast<CGFloat>(model.LaneCount())) return kNoRegion;
   const auto lane = static_cast<std::size_t>(row);
   return model.HitTest(lane, scale, point.x - NSMinX(lanes), kReach).value_or(kNoRegion);
+}
+
+// Tells the desk what is on view, when that has changed and now and then.
+- (void)askForWaveforms {
+  const auto now = std::chrono::steady_clock::now();
+  if (askedAt && now - *askedAt < kAskAgain) return;
+  askedAt = now;
+  std::vector<velmora::peaks::WaveformNeed> needs;
+  const NSRange visible = [self visibleLanes];
+  for (NSUInteger lane = visible.location; lane < NSMaxRange(visible); ++lane) {
+    for (const LaneSpan& span : model.Spans(lane, scale, NSWidth([self lanesRect]))) {
+      const WaveColumns columns = [self waveColumnsOf:span];
+      if (columns.count == 0) continue;
+      needs.push_back(
+          {model.Regions()[span.region].path, columns.grid, columns.first, columns.count});
+    }
+  }
+  peakDesk->Want(needs);
+}
+
+// Draws those regions anew whose files have come, changed or gone.
+- (void)waveformsArrived:(id)sender {
+  const std::set<std::string> arrived = peakDesk->TakeArrived();
+  askedAt.reset();  // a file may turn out to be so long that other parts of it are needed
+  const NSRange visible = [self visibleLanes];
+  for (NSUInteger lane = visible.location; lane < NSMaxRange(visible); ++lane) {
+    for (const LaneSpan& span : model.Spans(lane, scale, NSWidth([self lanesRect]))) {
+      if ([self waveColumnsOf:span].count == 0) continue;
+      if (!arrived.contains(model.Regions()[span.region].path)) continue;
+      [self setNeedsDisplayInRect:NSIntersectionRect([self rectOfSpan:span inLane:lane],
+                                                     [self lanesRect])];
+    }
+  }
+}
+
+// None for a region that is too narrow, or several in one.
+- (WaveColumns)waveColumnsOf:(const LaneSpan&)span {
+  if (span.region == LaneSpan::kMerged || span.right - span.left < kLeastWave) return {};
+  return WaveColumnsOf(model.Regions()[span.region], scale, span.left, span.right,
+                       NSWidth([self lanesRect]));
 }
 
 - (BOOL)handleKey:(unichar)key {
@@ -310,6 +377,24 @@ constexpr std::size_t kNoRegion = LaneSpan::kMerged;
 
 - (std::size_t)hoveredRegion {
   return hovered;
+}
+
+- (NSRect)rectOfSpan:(const LaneSpan&)span inLane:(std::size_t)lane {
+  const NSRect row = [self rectOfLane:lane];
+  // Whole pixels keep edges crisp; far outside the view they would only lose precision.
+  const CGFloat left = std::floor(std::max(span.left, -8.0));
+  const CGFloat right = std::max(left + 1, std::round(std::min(span.right, NSWidth(row) + 8.0)));
+  return NSMakeRect(NSMinX(row) + left, NSMinY(row) + kRegionInset, right - left,
+                    NSHeight(row) - 2 * kRegionInset);
+}
+
+- (std::vector<WaveBar>)waveOfSpan:(const LaneSpan&)span {
+  const WaveColumns columns = [self waveColumnsOf:span];
+  if (columns.count == 0) return {};
+  const velmora::host::SessionRegion& region = model.Regions()[span.region];
+  std::vector<velmora::peaks::Peak> peaks(static_cast<std::size_t>(columns.count));
+  peakDesk->AddColumns(region.path, columns.grid, columns.first, peaks);
+  return WaveBarsOf(region, columns, peaks);
 }
 
 @end
