@@ -9,7 +9,7 @@ import playing
 import waves
 from bounces import DEPTHS, BounceTest
 from material import wave_of
-from program import ALL_DONE, LEFT_OUT, SLOWNESS, run, start
+from program import ALL_DONE, LEFT_OUT, SLOWNESS, limit_memory, run, start
 from projects import Cut
 from targets import HOUR, SECOND, noise
 
@@ -242,29 +242,69 @@ class Pipe(HandMade):
 
 
 class Large(HandMade):
-    """More than 4 GiB, nearly all of it silence."""
+    """Sizes at the limits of what a header can say; nearly all of it is silence, that takes no room and no time."""
 
-    APART = 8 * HOUR
-
-    def test_rf64WithHoles(self):
-        project = self.project({"a.wav": noise(1000, channels=6), "b.wav": noise(1000, seed=2)}, Cut(1, 1, 0, HOUR, 1000),
-                               Cut(2, 2, 0, HOUR + self.APART, 999))
+    def large(self, project, *options):
+        path = self.folder / "b.wav"
+        path.unlink(missing_ok=True)
         begun = time.monotonic()
-        result = run("spot", project.path, "--quiet", "--bounce", self.folder / "b.wav", seconds=60)
-        took = time.monotonic() - begun
+        result = run("spot", project.path, "--quiet", "--bounce", path, *options, seconds=60, before=limit_memory)
         self.assert_status(result, ALL_DONE)
-        wave = waves.read_wave(self.folder / "b.wav")
-        size = os.path.getsize(self.folder / "b.wav")
-        self.assertGreater(size, 1 << 32)
-        self.assertEqual((wave.form, wave.riff_size + 8, wave.end), ("RF64", size, size))
-        self.assertEqual((wave.frames, wave.format.channels, wave.bext.time_reference), (self.APART + 999, 7, HOUR))
-        self.assertLess(os.stat(self.folder / "b.wav").st_blocks * 512, 64 << 20, "silence takes room on the disk")
-        self.assertLess(took, 20 * SLOWNESS)
+        self.assertLess(time.monotonic() - begun, 20 * SLOWNESS)
+        self.assertLess(os.stat(path).st_blocks * 512, 64 << 20, "silence takes room on the disk")
+        wave = waves.read_wave(path)
+        size = os.path.getsize(path)
+        self.assertEqual((wave.riff_size + 8, wave.end), (size, size))
+        return wave
+
+    def test_rf64(self):
+        apart = 8 * HOUR
+        project = self.project({"a.wav": noise(1000, channels=6), "b.wav": noise(1000, seed=2)}, Cut(1, 1, 0, HOUR, 1000),
+                               Cut(2, 2, 0, HOUR + apart, 999))
+        wave = self.large(project)
+        self.assertEqual((wave.form, wave.frames, wave.format.channels, wave.bext.time_reference), ("RF64", apart + 999, 7, HOUR))
         first, second = (waves.read_wave(project.path.parent / name).channels() for name in ("a.wav", "b.wav"))
         silence = [0] * 1000
         self.assertTrue(wave.channels(0, 1000) == first + [silence])
-        self.assertTrue(wave.channels(self.APART, 999) == [silence[:999]] * 6 + [second[0][:999]])
-        self.assertTrue(wave.channels(self.APART // 2, 1000) == [silence] * 7)
+        self.assertTrue(wave.channels(apart, 999) == [silence[:999]] * 6 + [second[0][:999]])
+        self.assertTrue(wave.channels(apart // 2, 1000) == [silence] * 7)
+
+    def test_theLastSizeOfRiff(self):
+        """Sizes of 32 bits, of which the largest stands for one that is told elsewhere."""
+        around = 0xFFFFFFFF // 3
+        forms = set()
+        for frames in (around - 1000, around - 225, around - 222, around - 219, around - 210, around, around + 1, around + 1000):
+            with self.subTest(frames):
+                wave = self.large(self.project({"a.wav": noise(9)}, Cut(1, 1, 0, 0, 5), Cut(1, 1, 1, frames - 5, 5), name=f"p{frames}"))
+                self.assertEqual(wave.frames, frames)
+                self.assertEqual(wave.channels(frames - 5)[0], waves.read_wave(self.folder / f"p{frames}" / "a.wav").channels(1, 5)[0])
+                if wave.form == "RIFF":
+                    self.assertLess(max(wave.riff_size, wave.data[1]), waves.SIZE_ELSEWHERE)
+                forms.add((frames, wave.form))
+        self.assertEqual([form for _, form in sorted(forms)][::len(forms) - 1], ["RIFF", "RF64"])
+
+    def test_moreFramesThanAFactChunkCanSay(self):
+        wave = self.large(self.project({"a.wav": noise(9)}, Cut(1, 1, 0, 0, 5), Cut(1, 1, 1, 25 * HOUR, 5)), "--bounce-depth", "32f")
+        self.assertGreater(wave.frames, 1 << 32)
+        self.assertEqual((wave.frames, wave.facts), (25 * HOUR + 5, waves.SIZE_ELSEWHERE))
+        self.assertEqual(wave.fact_frames, wave.frames)
+
+    def test_moreChannelsThanAHeaderCanSay(self):
+        """A frame of 66,000 bytes: no file, and a reason; the tracks by themselves are made."""
+        project = self.project({"a.wav": noise(20, channels=1000)}, *(Cut(1, track, 0, HOUR, 20) for track in range(1, 23)))
+        spot = self.spot(project.path, targets=("bounce", "bounce-tracks"), status=(LEFT_OUT,))
+        self.assert_refused(spot, "bounce")
+        self.assertIn("22000 channels", spot.target("bounce")["reason"])
+        self.assertEqual(len(os.listdir(spot.folder / "tracks")), 22)
+
+    def test_aTitleLongerThanItsField(self):
+        """It is cut between two characters, and ends with a NUL or at the end of its 256 bytes."""
+        project = self.project({"a.wav": noise(20)}, Cut(1, 1, 0, HOUR, 20))
+        title = b"<SEQUENCE>\n(SEQ_TITLE) \"%s\"\n</SEQUENCE>\n<SOURCE_INDEX>"
+        project.path.write_bytes(project.path.read_bytes().replace(b"<SOURCE_INDEX>", title % ("嵐" * 300).encode("shift_jis"), 1))
+        spot = self.bounced(project)
+        description = waves.read_wave(spot.folder / "b.wav").bext.description
+        self.assertEqual(description.decode("utf-8"), "嵐" * 85)
 
 
 if __name__ == "__main__":

@@ -76,6 +76,7 @@ class Wave:
     format: Format
     bext: Bext
     facts: int  # sample frames as the fact chunk has them, or None
+    fact_frames: int  # the same as ds64 has them
     data: tuple  # offset, size
     end: int  # of the last chunk, padding included
     path: object
@@ -112,7 +113,7 @@ def chunk_heads(file, size):
             sizes = {b"RIFF": riff, b"data": data, b"fact": frames}
             if count:
                 raise BadWave("a table in ds64")
-        if length == SIZE_ELSEWHERE and name in sizes:
+        if length == SIZE_ELSEWHERE and name == b"data" and sizes:
             length = sizes[name]
         yield name, at + 8, length, sizes
         at += 8 + length + length % 2
@@ -146,7 +147,7 @@ def read_wave(path):
     fact = bodies.get(b"fact")
     return Wave(form.decode(), riff_size, chunks, Format.of(bodies[b"fmt "]),
                 Bext.of(bodies[b"bext"]) if b"bext" in bodies else None,
-                struct.unpack("<I", fact)[0] if fact else None, bodies[b"data"], end, path)
+                struct.unpack("<I", fact)[0] if fact else None, sizes.get(b"fact"), bodies[b"data"], end, path)
 
 
 def decoded(audio, tag, bits):
