@@ -1,11 +1,16 @@
 #include "Report/FactsJson.h"
 
+#include <initializer_list>
 #include <map>
 #include <ostream>
+#include <ranges>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 
 #include "Report/EventStates.h"
 #include "Report/Markup.h"
+#include "Report/Tracks.h"
 #include "Session/SessionClock.h"
 #include "Session/SessionJson.h"
 
@@ -52,68 +57,42 @@ Json OptionsJson(const host::RecordedOptions& options) {
           {"timelineOffset", options.timelineOffset}};
 }
 
-Json TracksJson(const host::TargetInput& input) {
-  std::map<std::int64_t, std::size_t> regions;
-  for (const host::SessionRegion& region : input.session.Regions()) ++regions[region.track];
-  Json tracks = Json::array();
-  for (const auto& [track, count] : regions) {
-    tracks.push_back(
-        {{"track", track}, {"number", input.record.TrackNumber(track)}, {"regions", count}});
+/// Files by numbers: a session names the same few again and again, and most share a folder.
+class PathTable {
+ public:
+  /// Its number, or null for no path.
+  [[nodiscard]] Json NumberOf(const std::string& path) {
+    if (path.empty()) return {};
+    const auto [entry, isNew] = numbers_.try_emplace(path, numbers_.size());
+    if (isNew) paths_.push_back(&entry->first);
+    return entry->second;
   }
-  return tracks;
-}
 
-/// The files by their sources: many events share one.
-Json SourcesJson(const host::SpotRecord& record) {
-  std::map<std::int32_t, const std::string*> files;
-  for (const host::RecordedEvent& event : record.events) {
-    if (event.source) files.emplace(*event.source, &event.path);
+  [[nodiscard]] std::size_t Size() const { return paths_.size(); }
+  /// Folder by number, and name.
+  [[nodiscard]] Json Row(std::size_t path) {
+    const std::string& text = *paths_[path];
+    const std::string folder = text.substr(0, text.rfind('/') + 1);
+    const auto [entry, isNew] = folderNumbers_.try_emplace(folder, folders_.size());
+    if (isNew) folders_.push_back(folder);
+    return Json::array({entry->second, text.substr(folder.size())});
   }
-  Json sources = Json::array();
-  for (const auto& [source, path] : files) {
-    sources.push_back({{"source", source}, {"file", OrNull(*path)}});
-  }
-  return sources;
+  /// After the rows, which name them.
+  [[nodiscard]] const Json& Folders() const { return folders_; }
+
+ private:
+  std::unordered_map<std::string, std::size_t> numbers_, folderNumbers_;
+  std::vector<const std::string*> paths_;
+  Json folders_ = Json::array();
+};
+
+/// What a row ends with if there is something to tell.
+void AppendShape(const host::RegionShape& shape, Json& row) {
+  if (shape == host::RegionShape{}) return;
+  row.insert(row.end(), {shape.fadeIn, shape.fadeOut, shape.gainDb});
 }
 
-Json EventJson(const host::RecordedEvent& event, const host::SpotRecord& record, EventState state) {
-  Json json = {{"event", event.event}, {"entry", event.entry},   {"kind", event.kind},
-               {"name", event.name},   {"state", NameOf(state)}, {"source", OrNull(event.source)},
-               {"track", nullptr},     {"position", nullptr},    {"end", nullptr}};
-  if (event.IsCut()) {
-    json["track"] = record.TrackNumber(event.track);
-    json["position"] = event.position;
-    json["end"] = event.end;
-  }
-  if (event.fadeIn != 0) json["fadeIn"] = event.fadeIn;
-  if (event.fadeOut != 0) json["fadeOut"] = event.fadeOut;
-  if (event.gainDb != 0) json["gainDb"] = event.gainDb;
-  return json;
-}
-
-Json FileJson(const FileRow& file) {
-  Json json = {{"what", file.what}, {"state", file.state}, {"path", file.path}};
-  if (file.event) json["event"] = *file.event;
-  if (file.isFolder) json["folder"] = true;
-  if (file.sum.sha256.empty()) return json;
-  json["bytes"] = file.sum.bytes;
-  json["sha256"] = file.sum.sha256;
-  return json;
-}
-
-Json MessageJson(const MessageRow& row) {
-  return {{"weight", NameOf(row.weight)},
-          {"kind", row.kind},
-          {"code", OrNull(row.code)},
-          {"line", OrNull(row.line)},
-          {"event", OrNull(row.event)},
-          {"entry", OrNull(row.entry)},
-          {"text", row.text},
-          {"effect", OrNull(row.effect)},
-          {"remedy", OrNull(row.remedy)}};
-}
-
-/// Writes the object's members; only one element of an array is held at a time.
+/// Writes the object's members; only one row of a table is held at a time.
 class FactsWriter {
  public:
   explicit FactsWriter(std::ostream& out) : out_(out) {}
@@ -122,17 +101,24 @@ class FactsWriter {
     Key(key);
     Value(std::move(value));
   }
-  template <class ToJson>
-  void Array(std::string_view key, std::size_t count, ToJson toJson) {
+  /// A row for each of `elements`, of the values that `columns` names.
+  template <class Elements, class ToRow>
+  void Table(const char* key, std::initializer_list<const char*> columns, const Elements& elements,
+             ToRow toRow) {
+    columns_[key] = columns;
     Key(key);
     out_ << '[';
-    for (std::size_t i = 0; i < count; ++i) {
-      if (i > 0) out_ << ',';
-      Value(toJson(i));
+    const char* separator = "";
+    for (const auto& element : elements) {
+      out_ << std::exchange(separator, ",");
+      Value(toRow(element));
     }
     out_ << ']';
   }
-  void End() { out_ << "\n}"; }
+  void End() {
+    Member("columns", std::move(columns_));
+    out_ << "\n}";
+  }
 
  private:
   void Key(std::string_view key) {
@@ -143,32 +129,107 @@ class FactsWriter {
 
   std::ostream& out_;
   std::string_view separator_ = "{\n";
+  Json columns_ = Json::object();
 };
+
+/// By number. Those that events name.
+std::map<std::int32_t, const host::RecordedEvent*> SourcesOf(const host::SpotRecord& record) {
+  std::map<std::int32_t, const host::RecordedEvent*> sources;
+  for (const host::RecordedEvent& event : record.events) {
+    if (event.source) sources.emplace(*event.source, &event);
+  }
+  return sources;
+}
+
+void WriteSources(const host::SpotRecord& record, PathTable& paths, FactsWriter& facts) {
+  facts.Table("sources", {"source", "name", "path"}, SourcesOf(record), [&](const auto& entry) {
+    const auto& [source, event] = entry;
+    return Json::array({source, event->name, paths.NumberOf(event->path)});
+  });
+}
+
+void WriteEvents(const host::TargetInput& input, FactsWriter& facts) {
+  const std::vector<EventState> states = StatesOf(input);
+  std::size_t place = 0;
+  facts.Table("events",
+              {"entry", "kind", "state", "source", "track", "position", "end", "fadeIn", "fadeOut",
+               "gainDb"},
+              input.record.events, [&](const host::RecordedEvent& event) {
+                Json row = {event.entry, event.kind, NameOf(states[place++])};
+                if (!event.IsCut()) return row;
+                row.insert(row.end(), {OrNull(event.source), input.record.TrackNumber(event.track),
+                                       event.position, event.end});
+                AppendShape({event.fadeIn, event.fadeOut, event.gainDb}, row);
+                return row;
+              });
+}
+
+void WriteRegions(const host::TargetInput& input, PathTable& paths, FactsWriter& facts) {
+  facts.Table("regions",
+              {"name", "path", "track", "position", "start", "stop", "event", "piece", "fadeIn",
+               "fadeOut", "gainDb"},
+              input.session.Regions(), [&](const host::SessionRegion& region) {
+                const std::optional<host::RegionOrigin>& origin = region.origin;
+                Json row = {region.name,
+                            paths.NumberOf(region.path),
+                            input.record.TrackNumber(region.track),
+                            region.position,
+                            region.start,
+                            region.stop,
+                            origin ? Json(origin->event) : Json(),
+                            origin ? Json(NameOf(origin->piece)) : Json()};
+                AppendShape(region.shape, row);
+                return row;
+              });
+}
+
+void WriteFiles(const ReportData& data, PathTable& paths, FactsWriter& facts) {
+  facts.Table("files", {"what", "state", "event", "path", "folder", "bytes", "sha256"}, data.files,
+              [&](const FileRow& file) {
+                Json row = {file.what, file.state, OrNull(file.event), paths.NumberOf(file.path),
+                            file.isFolder};
+                if (!file.sum.sha256.empty()) {
+                  row.insert(row.end(), {file.sum.bytes, file.sum.sha256});
+                }
+                return row;
+              });
+}
+
+void WriteMessages(const ReportData& data, FactsWriter& facts) {
+  facts.Table("messages",
+              {"weight", "kind", "code", "line", "event", "entry", "text", "effect", "remedy"},
+              data.messages, [](const MessageRow& row) {
+                return Json{NameOf(row.weight), row.kind,           OrNull(row.code),
+                            OrNull(row.line),   OrNull(row.event),  OrNull(row.entry),
+                            row.text,           OrNull(row.effect), OrNull(row.remedy)};
+              });
+}
 
 }  // namespace
 
 void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ostream& out) {
   const host::SpotRecord& record = input.record;
-  const std::vector<host::SessionRegion>& regions = input.session.Regions();
-  const std::vector<EventState> states = StatesOf(input);
   FactsWriter facts(out);
+  PathTable paths;
   facts.Member("project", ProjectJson(record));
   facts.Member("rates", RatesJson(input));
   facts.Member("plan", record.isPlan);
   facts.Member("options", OptionsJson(record.options));
   facts.Member("summary", SummaryJson(input.session.Summary()));
-  facts.Member("tracks", TracksJson(input));
-  facts.Array("regions", regions.size(), [&](std::size_t i) {
-    Json region = RegionJson(i, regions[i]);
-    region["track"] = regions[i].track;
-    return region;
-  });
-  facts.Member("sources", SourcesJson(record));
-  facts.Array("events", record.events.size(),
-              [&](std::size_t i) { return EventJson(record.events[i], record, states[i]); });
-  facts.Array("files", data.files.size(), [&](std::size_t i) { return FileJson(data.files[i]); });
-  facts.Array("messages", data.messages.size(),
-              [&](std::size_t i) { return MessageJson(data.messages[i]); });
+  facts.Table("tracks", {"track", "cuts", "regions", "first", "end"}, TracksOf(input),
+              [](const TrackRow& row) {
+                Json json = {row.number, row.cuts, row.regions};
+                if (row.regions > 0) json.insert(json.end(), {row.first, row.end});
+                return json;
+              });
+  WriteSources(record, paths, facts);
+  WriteEvents(input, facts);
+  WriteRegions(input, paths, facts);
+  WriteFiles(data, paths, facts);
+  WriteMessages(data, facts);
+  facts.Table("paths", {"folder", "name"}, std::views::iota(std::size_t{0}, paths.Size()),
+              [&](std::size_t path) { return paths.Row(path); });
+  facts.Member("folders", paths.Folders());
   facts.End();
 }
 

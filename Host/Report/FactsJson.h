@@ -13,16 +13,16 @@ namespace velmora::report {
 ///     plan       true if nothing was made but the page
 ///     options    bitDepth, fades, gain, native, copyTo (null for none), position, timelineOffset
 ///     summary    as the session's JSON has it
-///     tracks     track (from 0), number (the project's), regions
-///     regions    as the session's JSON has them, each with `track`, in order of arrival
-///     sources    source, file (null for a missing one), of those that events name
-///     events     event, entry, kind, name, state (as the page has it), source, track (the
-///                project's number), position, end, source, track, position and end are null for
-///                what is no cut; fadeIn, fadeOut, gainDb stand there unless 0
-///     files      what, state, path; event, folder (true), bytes, sha256 where they apply
-///     messages   weight, kind, code, line, event, entry, text, effect, remedy
+///     tracks, sources, events, regions, files, messages, paths
+///                tables: arrays of rows, a row being an array of values
+///     columns    by table: what the values of a row are. What a row is too short for is null, of
+///                fades and gain 0
+///     folders    texts, each with its closing slash
 ///
-/// Positions and lengths are in samples of the session, ends exclusive.
+/// An `event` is a place in `events`, a `track` the project's number, a `path` a place in `paths`,
+/// a `folder` of `paths` one in `folders`; a source has no `path` if its file is missing. Positions
+/// and lengths are in samples of the session, `start` and `stop` inside a file, ends exclusive.
+/// Words are those of the page.
 void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ostream& out);
 
 }  // namespace velmora::report

@@ -15,6 +15,17 @@ bool IsNoCharacter(char32_t character) {
   return (character & 0xFFFE) == 0xFFFE || (character >= 0xFDD0 && character <= 0xFDEF);
 }
 
+/// Embeddings, overrides and isolates: a name can look like another one by them. The marks that
+/// texts in Arabic or Hebrew need are no such characters.
+bool TurnsDirection(char32_t character) {
+  return (character >= 0x202A && character <= 0x202E) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
+bool IsShown(char32_t character) {
+  return !IsControl(character) && !IsNoCharacter(character) && !TurnsDirection(character);
+}
+
 }  // namespace
 
 std::string Html(std::string_view text) {
@@ -40,11 +51,24 @@ std::string Html(std::string_view text) {
         html += "&#39;";
         break;
       default:
-        AppendUtf8(html,
-                   IsControl(character) || IsNoCharacter(character) ? kReplacement : character);
+        if (character >= 0x20 && character < 0x7F) {  // nearly all there is
+          html += static_cast<char>(character);
+          break;
+        }
+        AppendUtf8(html, IsShown(character) ? character : kReplacement);
     }
   }
   return html;
+}
+
+std::string Shortened(std::string_view text, std::size_t bytes) {
+  if (text.size() <= bytes) return std::string(text);
+  std::size_t at = 0, end = 0;
+  while (at <= bytes) {
+    end = at;
+    static_cast<void>(NextCharacter(text, at));
+  }
+  return std::string(text.substr(0, end)) + "… (" + std::to_string(text.size()) + " bytes)";
 }
 
 std::string ScriptJson(std::string_view json) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "Report/Markup.h"
 #include "Report/ReportData.h"
 #include "Session/RegionLabel.h"
 
@@ -95,6 +96,12 @@ std::vector<MessageRow> MessagesOf(const host::TargetInput& input) {
     row.entry = finding.entry;
     row.effect = finding.effect;
     rows.push_back(std::move(row));
+  }
+  // A name of 100 KB may stand in the message of each event.
+  constexpr std::size_t kLongestBytes = 1000;
+  for (MessageRow& row : rows) {
+    row.text = Shortened(row.text, kLongestBytes);
+    row.effect = Shortened(row.effect, kLongestBytes);
   }
   std::stable_sort(rows.begin(), rows.end(), [](const MessageRow& one, const MessageRow& other) {
     return one.weight < other.weight;

@@ -4,8 +4,9 @@
 
 namespace velmora::report {
 
-// The page's style and script, from Page.css and Page.js. Neither holds "</": a page could not hold
-// it between its own tags.
+// The page's style, from Page.css, and its script, from Tables.js with Picture.js after it. None
+// holds
+// "</": a page could not hold it between its own tags.
 extern const std::string_view kPageStyle;
 extern const std::string_view kPageScript;
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <ostream>
-#include <set>
 #include <string>
 
 #include "Report/Markup.h"
@@ -61,68 +61,103 @@ bool IsShown(EventState state) {
   return state == EventState::Missing || state == EventState::Off || state == EventState::LeftOut;
 }
 
-/// Bars around the middle of a box, each one unit wide.
-void WriteWave(const Peaks& peaks, std::ostream& out) {
+/// Appends the outline of a waveform from `left` on, mirrored at the middle of its row.
+void AppendWave(const Peaks& peaks, double left, double width, std::string& path) {
   constexpr int kMiddle = kRegionHeight / 2;
   constexpr float kReach = kMiddle - 2;
-  int place = kMiddle;  // of the pen, from the top
-  out << "M-.5 " << place;
-  for (const float peak : peaks) {
-    const auto up = static_cast<int>(std::lround(peak * kReach));
-    if (up == 0) {  // silence has no bar
-      out << "m1 0";
-      continue;
-    }
-    const int move = kMiddle - up - place;
-    out << "m1" << (move < 0 ? "" : " ") << move << 'v' << 2 * up;
-    place = kMiddle + up;
+  struct Stretch {
+    std::int64_t units;
+    int reach;
+  };
+  std::vector<Stretch> stretches;  // neighbours of one height are one
+  std::int64_t edge = std::llround(left);
+  path += 'M' + std::to_string(edge) + ' ' + std::to_string(kMiddle);
+  for (std::size_t i = 0; i < peaks.size(); ++i) {
+    const double share = static_cast<double>(i + 1) / static_cast<double>(peaks.size());
+    const std::int64_t next = std::llround(left + width * share);
+    const auto reach = static_cast<int>(std::lround(peaks[i] * kReach));
+    if (stretches.empty() || stretches.back().reach != reach) stretches.push_back({0, reach});
+    stretches.back().units += next - edge;
+    edge = next;
   }
+  int reach = 0;
+  for (const Stretch& stretch : stretches) {
+    if (stretch.reach != reach) path += 'v' + std::to_string(reach - stretch.reach);
+    path += 'h' + std::to_string(stretch.units);
+    reach = stretch.reach;
+  }
+  if (stretches.size() == 1 && reach == 0) return;  // silence is a line
+  reach = -reach;
+  for (auto stretch = stretches.rbegin(); stretch != stretches.rend(); ++stretch) {
+    if (stretch->reach != reach) path += 'v' + std::to_string(stretch->reach - reach);
+    path += 'h' + std::to_string(-stretch->units);
+    reach = stretch->reach;
+  }
+  path += 'z';
 }
 
 enum class Ramp { Up, Down };
+
+/// A row of the picture.
+struct Lane {
+  std::int64_t track = 0;
+  std::size_t place = 0;             ///< from the top
+  std::vector<std::size_t> events;   ///< places in SpotRecord::events, of cuts that are not there
+  std::vector<std::size_t> regions;  ///< in order of arrival
+};
+
+/// Waveforms and fades of regions that do not overlap: one element each, however many they are.
+struct Drawing {
+  std::string waves;
+  std::string fades;
+  double begin =
+      std::numeric_limits<double>::infinity();  ///< of the regions, in the picture's units
+  double end = -std::numeric_limits<double>::infinity();
+};
 
 class PictureWriter {
  public:
   PictureWriter(const host::TargetInput& input, const std::vector<EventState>& states,
                 const std::vector<Peaks>& peaks, std::ostream& out)
       : input_(input), states_(states), peaks_(peaks), out_(out) {
-    std::set<std::int64_t> tracks;
-    for (const host::SessionRegion& region : input.session.Regions()) {
-      tracks.insert(region.track);
-      view_.Include(region.position, std::max(region.End(), region.position));
+    const std::vector<host::SessionRegion>& regions = input.session.Regions();
+    std::map<std::int64_t, Lane> lanes;
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+      lanes[regions[i].track].regions.push_back(i);
+      view_.Include(regions[i].position, std::max(regions[i].End(), regions[i].position));
     }
     for (std::size_t i = 0; i < states.size(); ++i) {
       const host::RecordedEvent& event = input.record.events[i];
       if (!IsShown(states[i])) continue;
-      tracks.insert(event.track);
+      lanes[event.track].events.push_back(i);
       view_.Include(event.position, std::max(event.end, event.position));
     }
-    for (const std::int64_t track : tracks) lanes_.emplace(track, lanes_.size());
+    for (auto& [track, lane] : lanes) {
+      lane.track = track;
+      lane.place = lanes_.size();
+      lanes_.push_back(std::move(lane));
+    }
   }
 
   void Write() {
     out_ << "<div class=\"picture\" id=\"picture\" data-ticks=\"2\" tabindex=\"0\" role=\"group\" "
             "aria-label=\"Timeline\" aria-describedby=\"picture-text\">\n<div class=\"names\" "
             "aria-hidden=\"true\">";
-    for (const auto& [track, lane] : lanes_) {
-      out_ << "<div>Track " << input_.record.TrackNumber(track) << "</div>";
+    for (const Lane& lane : lanes_) {
+      out_ << "<div>Track " << input_.record.TrackNumber(lane.track) << "</div>";
     }
     const std::size_t height = kRulerHeight + lanes_.size() * kLaneHeight;
     out_ << "</div>\n<svg class=\"lanes\" id=\"lanes\" width=\"100%\" height=\"" << height
-         << "\" aria-hidden=\"true\">\n";
+         << "\">\n";
     WriteTicks(height);
-    for (const auto& [track, lane] : lanes_) {
-      const std::size_t line = kRulerHeight + lane * kLaneHeight;
+    for (const Lane& lane : lanes_) {
+      const std::size_t line = TopOf(lane);
       out_ << "<line class=\"l\" x2=\"100%\" y1=\"" << line << "\" y2=\"" << line << "\"/>\n";
     }
     // Without an aspect ratio: it is stretched, and lines and texts are not in it.
     out_ << "<svg width=\"100%\" height=\"" << height << "\" viewBox=\"0 0 " << Number(kWidth)
          << ' ' << height << "\" preserveAspectRatio=\"none\">\n";
-    // Under the regions: a cut that is off may lie where another one plays.
-    for (std::size_t i = 0; i < states_.size(); ++i) {
-      if (IsShown(states_[i])) WriteEvent(input_.record.events[i], states_[i]);
-    }
-    for (std::size_t i = 0; i < input_.session.Regions().size(); ++i) WriteRegion(i);
+    for (const Lane& lane : lanes_) WriteLane(lane);
     out_ << "</svg>\n</svg>\n</div>\n";
   }
 
@@ -131,6 +166,7 @@ class PictureWriter {
     const double limit = std::ldexp(1.0, 62);
     if (view_.isEmpty || view_.first < -limit || view_.end > limit) return;
     const host::SessionClock clock(input_.rates);
+    out_ << "<g aria-hidden=\"true\">\n";
     for (const TimeTick& tick : TicksBetween(clock, static_cast<std::int64_t>(view_.first),
                                              static_cast<std::int64_t>(view_.end))) {
       const std::string x = Number(100 * view_.Place(tick.sample) / kWidth, 4) + '%';
@@ -138,75 +174,80 @@ class PictureWriter {
            << "\" y1=\"16\" y2=\"" << height << "\"/><text x=\"" << x << "\" y=\"13\">"
            << Html(tick.label) << "</text></g>\n";
     }
+    out_ << "</g>\n";
   }
 
-  [[nodiscard]] std::size_t TopOf(std::int64_t track) const {
-    return kRulerHeight + lanes_.at(track) * kLaneHeight + kRegionTop;
+  [[nodiscard]] static std::size_t TopOf(const Lane& lane) {
+    return kRulerHeight + lane.place * kLaneHeight;
   }
 
-  void WriteBox(std::int64_t track, std::int64_t position, double length) {
-    out_ << " x=" << Number(view_.Place(position)) << " y=" << TopOf(track)
+  void WriteLane(const Lane& lane) {
+    out_ << "<g class=\"lane\" transform=\"translate(0 " << TopOf(lane) + kRegionTop << ")\">";
+    // Under the regions: a cut that is off may lie where another one plays.
+    for (const std::size_t event : lane.events) {
+      WriteEvent(input_.record.events[event], states_[event]);
+    }
+    for (const std::size_t region : lane.regions) WriteRegion(region);
+    FlushDrawing();
+    out_ << "</g>\n";
+  }
+
+  void WriteBox(std::int64_t position, double length) {
+    out_ << " x=" << Number(view_.Place(position))
          << " width=" << Number(std::max(view_.Units(length), 1.0)) << " />";
   }
 
   void WriteEvent(const host::RecordedEvent& event, EventState state) {
     const double length = static_cast<double>(event.end) - static_cast<double>(event.position);
-    out_ << "<rect class=\"e " << (state == EventState::Off ? "off" : "gone")
-         << "\" data-e=" << event.event;
-    WriteBox(event.track, event.position, std::max(length, 0.0));
-    out_ << '\n';
+    out_ << "<rect class=" << (state == EventState::Off ? "off" : "gone") << " id=e" << event.event;
+    WriteBox(event.position, std::max(length, 0.0));
   }
 
   void WriteRegion(std::size_t index) {
     const host::SessionRegion& region = input_.session.Regions()[index];
     const auto length = static_cast<double>(std::max<std::int64_t>(region.Length(), 0));
     const RegionPiece piece = region.origin ? region.origin->piece : RegionPiece::Main;
-    out_ << "<rect class=\"r";
-    if (piece != RegionPiece::Main) out_ << ' ' << NameOf(piece);
-    out_ << "\" data-r=" << index;
-    WriteBox(region.track, region.position, length);
     const double left = view_.Place(region.position), width = view_.Units(length);
-    const std::size_t top = TopOf(region.track);
+    // What lies under this region must be drawn before it.
+    if (left < drawing_.end && left + width > drawing_.begin) FlushDrawing();
+    out_ << "<rect";
+    if (piece != RegionPiece::Main) out_ << " class=" << NameOf(piece);
+    out_ << " id=r" << index;
+    WriteBox(region.position, length);
     const Peaks& peaks = peaks_[index];
-    if (!peaks.empty()) {
-      out_ << "<path transform=\"matrix(" << Number(width / static_cast<double>(peaks.size()), 2)
-           << " 0 0 1 " << Number(left) << ' ' << top << ")\" d=\"";
-      WriteWave(peaks, out_);
-      out_ << "\"/>";
-    }
-    WriteFades(index, length);
-    out_ << '\n';
+    if (!peaks.empty()) AppendWave(peaks, left, width, drawing_.waves);
+    AppendFades(index, left, length);
+    drawing_.begin = std::min(drawing_.begin, left);
+    drawing_.end = std::max(drawing_.end, left + width);
+  }
+
+  void FlushDrawing() {
+    if (!drawing_.waves.empty()) out_ << "<path d=\"" << drawing_.waves << "\"/>";
+    if (!drawing_.fades.empty()) out_ << "<path class=f d=\"" << drawing_.fades << "\"/>";
+    drawing_ = {};
   }
 
   /// A rendered piece is a fade from end to end.
-  void WriteFades(std::size_t index, double length) {
+  void AppendFades(std::size_t index, double left, double length) {
     const host::SessionRegion& region = input_.session.Regions()[index];
     const RegionPiece piece = region.origin ? region.origin->piece : RegionPiece::Main;
-    if (piece == RegionPiece::FadeIn || piece == RegionPiece::Crossfade) {
-      WriteRamp(region, 0, length, Ramp::Up);
-    }
-    if (piece == RegionPiece::FadeOut || piece == RegionPiece::Crossfade) {
-      WriteRamp(region, 0, length, Ramp::Down);
-    }
     const host::AppliedShape& shape = input_.heard.Shapes()[index];
-    const auto fadeIn = static_cast<double>(shape.fadeIn);
-    const auto fadeOut = static_cast<double>(shape.fadeOut);
-    if (fadeIn > 0) WriteRamp(region, 0, fadeIn, Ramp::Up);
-    if (fadeOut > 0) WriteRamp(region, length - fadeOut, length, Ramp::Down);
+    const bool rises = piece == RegionPiece::FadeIn || piece == RegionPiece::Crossfade;
+    const bool falls = piece == RegionPiece::FadeOut || piece == RegionPiece::Crossfade;
+    const double fadeIn = rises ? length : static_cast<double>(shape.fadeIn);
+    const double fadeOut = falls ? length : static_cast<double>(shape.fadeOut);
+    if (fadeIn > 0) AppendRamp(left, view_.Units(fadeIn), Ramp::Up);
+    if (fadeOut > 0)
+      AppendRamp(left + view_.Units(length - fadeOut), view_.Units(fadeOut), Ramp::Down);
   }
 
-  /// The shade over what a fade takes away, between two samples of a region.
-  void WriteRamp(const host::SessionRegion& region, double from, double to, Ramp ramp) {
-    const double start = view_.Place(region.position);
-    const std::string left = Number(start + view_.Units(from));
-    const std::string width = Number(std::max(view_.Units(to - from), 0.0));
-    out_ << "<path class=f d=\"M" << left << ' ' << TopOf(region.track);
-    if (ramp == Ramp::Up) {
-      out_ << 'v' << kRegionHeight << 'l' << width << '-' << kRegionHeight;
-    } else {
-      out_ << 'l' << width << ' ' << kRegionHeight << "v-" << kRegionHeight;
-    }
-    out_ << "z\"/>";
+  /// The shade over what a fade takes away.
+  void AppendRamp(double left, double width, Ramp ramp) {
+    const std::string height = std::to_string(kRegionHeight), across = Number(width);
+    drawing_.fades += 'M' + Number(left) + " 0";
+    drawing_.fades += ramp == Ramp::Up ? 'v' + height + 'l' + across + '-' + height
+                                       : 'l' + across + ' ' + height + "v-" + height;
+    drawing_.fades += 'z';
   }
 
   const host::TargetInput& input_;
@@ -214,10 +255,15 @@ class PictureWriter {
   const std::vector<Peaks>& peaks_;
   std::ostream& out_;
   View view_;
-  std::map<std::int64_t, std::size_t> lanes_;  ///< by track, from the top
+  std::vector<Lane> lanes_;
+  Drawing drawing_;  ///< of the regions that were written last
 };
 
 }  // namespace
+
+bool HasPicture(const std::vector<EventState>& states, const host::Session& session) {
+  return !session.Regions().empty() || std::any_of(states.begin(), states.end(), IsShown);
+}
 
 void WritePicture(const host::TargetInput& input, const std::vector<EventState>& states,
                   const std::vector<Peaks>& peaks, std::ostream& out) {

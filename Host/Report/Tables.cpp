@@ -8,6 +8,7 @@
 #include "Base/FileNames.h"
 #include "Base/Wrapping.h"
 #include "Report/Markup.h"
+#include "Report/Tracks.h"
 #include "Session/SessionClock.h"
 
 namespace velmora::report {
@@ -20,39 +21,52 @@ struct Column {
   Sort sort = Sort::Text;
 };
 
+/// A name that a project gives may be of any length, and stand in each row.
+constexpr std::size_t kLongestBytes = 500;
+
+enum class Search { Offered, None };
+
+struct TableTexts {
+  const char* id;
+  const char* noun;  ///< of its rows, in the plural
+  const char* caption;
+  const char* nothing;  ///< in place of the caption, if there are no rows
+  Search search = Search::Offered;
+};
+
 /// A table's frame, and its rows cell by cell.
 class TableWriter {
  public:
-  TableWriter(std::ostream& out, const char* id, const char* noun, const char* caption,
+  template <std::size_t Count>
+  TableWriter(std::ostream& out, const TableTexts& texts, const std::array<Column, Count>& columns,
               std::size_t rows)
       : out_(out) {
-    out << "<div class=\"tools\"><label>Search " << noun << " <input type=\"search\" data-table=\""
-        << id << "\" autocomplete=\"off\" spellcheck=\"false\"></label> <output data-count=\"" << id
-        << "\" data-noun=\"" << noun << "\">" << rows << ' ' << noun << "</output></div>\n"
-        << "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Table of " << noun
-        << "\"><table id=\"" << id << "\">\n<caption>" << caption << "</caption>\n<thead><tr>";
+    if (rows > 0 && texts.search == Search::Offered) WriteSearch(texts, rows);
+    out << "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Table of " << texts.noun
+        << "\"><table id=\"" << texts.id << '"' << (rows == 0 ? " class=\"empty\"" : "")
+        << ">\n<caption>" << (rows == 0 ? texts.nothing : texts.caption)
+        << "</caption>\n<thead><tr>";
+    for (const Column& column : columns) {
+      const bool isNumber = column.sort == Sort::Number;
+      out << "<th scope=\"col\" aria-sort=\"none\"" << (isNumber ? " class=\"n\"" : "")
+          << "><button type=\"button\">" << column.heading << "</button></th>";
+    }
+    out << "</tr></thead>\n<tbody>\n";
   }
-  ~TableWriter() { out_ << "</tbody></table></div>\n"; }
+  ~TableWriter() { out_ << "\n</tbody></table></div>\n"; }
   TableWriter(const TableWriter&) = delete;
   TableWriter& operator=(const TableWriter&) = delete;
 
-  template <std::size_t Count>
-  void Head(const std::array<Column, Count>& columns) {
-    for (const Column& column : columns) {
-      const bool isNumber = column.sort == Sort::Number;
-      out_ << "<th scope=\"col\" aria-sort=\"none\"" << (isNumber ? " class=\"n\"" : "")
-           << "><button type=\"button\">" << column.heading << "</button></th>";
-    }
-    out_ << "</tr></thead>\n<tbody>\n";
-  }
   void Begin(const char* look = "") {
     out_ << "<tr";
     if (*look != '\0') out_ << " class=\"" << look << '"';
     out_ << '>';
   }
-  void End() { out_ << "</tr>\n"; }
+  void End() { out_ << "</tr>"; }
 
-  void Text(std::string_view text) { out_ << "<td>" << Html(text) << "</td>"; }
+  void Text(std::string_view text) {
+    out_ << "<td>" << Html(Shortened(text, kLongestBytes)) << "</td>";
+  }
   /// Our own markup, its texts escaped.
   void Markup(std::string_view html) { out_ << "<td>" << html << "</td>"; }
   void Number(std::int64_t number) { out_ << "<td>" << number << "</td>"; }
@@ -75,6 +89,15 @@ class TableWriter {
   void Nothing() { out_ << "<td></td>"; }
 
  private:
+  void WriteSearch(const TableTexts& texts, std::size_t rows) {
+    out_ << "<div class=\"tools\"><label>Search " << texts.noun
+         << " <input type=\"search\" data-table=\"" << texts.id
+         << "\" autocomplete=\"off\" spellcheck=\"false\"></label> <output data-count=\""
+         << texts.id << "\" data-noun=\"" << texts.noun << "\">" << rows << ' ' << texts.noun
+         << "</output><button type=\"button\" data-all=\"" << texts.id
+         << "\" hidden>Show all rows</button></div>\n";
+  }
+
   std::ostream& out_;
 };
 
@@ -133,24 +156,50 @@ std::string KindWord(const std::string& kind) {
 
 void WriteMessages(const ReportData& data, std::ostream& out) {
   constexpr auto kColumns = std::to_array<Column>({{"Weight"},
+                                                   {"Message"},
+                                                   {"What helps"},
                                                    {"From"},
                                                    {"Line", Sort::Number},
                                                    {"Entry", Sort::Number},
-                                                   {"Event", Sort::Number},
-                                                   {"Message"},
-                                                   {"What helps"}});
-  TableWriter table(out, "messages", "messages",
-                    "Warnings, findings and failures, the gravest first", data.messages.size());
-  table.Head(kColumns);
+                                                   {"Event", Sort::Number}});
+  TableWriter table(out,
+                    {"messages", "messages", "Failures, warnings and notes, the gravest first.",
+                     "Nothing to tell: no failure, no warning, no note."},
+                    kColumns, data.messages.size());
   for (const MessageRow& row : data.messages) {
     table.Begin();
     table.Markup(Sign(row));
+    table.Markup(MessageText(row));
+    table.Text(row.remedy);
     table.Text(row.code.empty() ? row.kind : row.kind + ": " + row.code);
     table.Number(row.line);
     table.Number(Wide(row.entry));
     table.Number(Wide(row.event));
-    table.Markup(MessageText(row));
-    table.Text(row.remedy);
+    table.End();
+  }
+}
+
+void WriteTracks(const host::TargetInput& input, std::ostream& out) {
+  constexpr auto kColumns = std::to_array<Column>({{"Track", Sort::Number},
+                                                   {"Cuts", Sort::Number},
+                                                   {"Regions", Sort::Number},
+                                                   {"Begins"},
+                                                   {"Ends"}});
+  const host::SessionClock clock(input.rates);
+  const std::vector<TrackRow> rows = TracksOf(input);
+  TableWriter table(out,
+                    {"tracks", "tracks",
+                     "Tracks by the project's numbers: cuts of the project, and "
+                     "what the session has of them.",
+                     "The project has no track.", Search::None},
+                    kColumns, rows.size());
+  for (const TrackRow& row : rows) {
+    table.Begin(row.regions == 0 ? "off" : "");
+    table.Number(row.number);
+    table.Number(static_cast<std::int64_t>(row.cuts));
+    table.Number(static_cast<std::int64_t>(row.regions));
+    table.Text(row.regions > 0 ? clock.Timecode(row.first) : "");
+    table.Text(row.regions > 0 ? clock.Timecode(row.end) : "");
     table.End();
   }
 }
@@ -171,11 +220,12 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
                                                    {"Fades and gain"}});
   const host::SessionClock clock(input.rates);
   const std::vector<host::RecordedEvent>& events = input.record.events;
-  TableWriter table(out, "events", "events",
-                    "Events of the project, where a spot puts them. Position, length and fades in "
-                    "samples.",
-                    events.size());
-  table.Head(kColumns);
+  TableWriter table(out,
+                    {"events", "events",
+                     "Events of the project, where a spot puts them. Position, length and fades in "
+                     "samples.",
+                     "The project has no event."},
+                    kColumns, events.size());
   for (std::size_t i = 0; i < events.size(); ++i) {
     const host::RecordedEvent& event = events[i];
     table.Begin(LookOf(states[i]));
@@ -214,11 +264,12 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
                                                    {"Event", Sort::Number}});
   const host::SessionClock clock(input.rates);
   const std::vector<host::SessionRegion>& regions = input.session.Regions();
-  TableWriter table(out, "regions", "regions",
-                    "Regions of the session, in order of arrival. Position, length, start inside "
-                    "the file and fades in samples.",
-                    regions.size());
-  table.Head(kColumns);
+  TableWriter table(out,
+                    {"regions", "regions",
+                     "Regions of the session, in order of arrival. Position, length, start inside "
+                     "the file and fades in samples.",
+                     "No region was placed."},
+                    kColumns, regions.size());
   for (std::size_t i = 0; i < regions.size(); ++i) {
     const host::SessionRegion& region = regions[i];
     table.Begin();
@@ -238,28 +289,33 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
   }
 }
 
-void WriteFiles(const ReportData& data, std::ostream& out) {
-  constexpr auto kColumns = std::to_array<Column>({{"What"},
-                                                   {"State"},
-                                                   {"Event", Sort::Number},
-                                                   {"Path"},
-                                                   {"Bytes", Sort::Number},
-                                                   {"SHA-256"}});
-  TableWriter table(out, "files", "files", "Files of this spot, with sizes and checksums",
-                    data.files.size());
-  table.Head(kColumns);
+void WriteFiles(const ReportData& data, bool isPlan, std::ostream& out) {
+  constexpr auto kPlanned =
+      std::to_array<Column>({{"What"}, {"State"}, {"Event", Sort::Number}, {"Source or target"}});
+  constexpr auto kMade = std::to_array<Column>({{"What"},
+                                                {"State"},
+                                                {"Event", Sort::Number},
+                                                {"Path"},
+                                                {"Bytes", Sort::Number},
+                                                {"SHA-256"}});
+  const TableTexts texts = {
+      "files", "files",
+      isPlan ? "Files that a spot with these options would make."
+             : "Files that this spot made, with their sizes in bytes and SHA-256 checksums.",
+      isPlan ? "A spot with these options would make no file: regions play their sources."
+             : "No file was made: regions play their sources."};
+  TableWriter table = isPlan ? TableWriter(out, texts, kPlanned, data.files.size())
+                             : TableWriter(out, texts, kMade, data.files.size());
   for (const FileRow& file : data.files) {
     table.Begin(file.state == "failed" ? "gone" : "");
     table.Text(file.what);
     table.Text(file.isFolder ? file.state + " (folder)" : file.state);
     table.Number(Wide(file.event));
     table.Text(file.path);
-    const bool isKnown = !file.sum.sha256.empty();
-    table.Number(isKnown ? std::optional<std::int64_t>(file.sum.bytes) : std::nullopt);
-    if (isKnown) {
-      table.Markup("<code>" + file.sum.sha256 + "</code>");
-    } else {
-      table.Text(file.sum.trouble);
+    if (!isPlan) {
+      const bool isKnown = !file.sum.sha256.empty();
+      table.Number(isKnown ? std::optional<std::int64_t>(file.sum.bytes) : std::nullopt);
+      table.Text(isKnown ? file.sum.sha256 : file.sum.trouble);
     }
     table.End();
   }

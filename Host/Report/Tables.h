@@ -8,8 +8,8 @@
 
 namespace velmora::report {
 
-// The page's tables, each with its caption, its search field and buttons for sorting. Their ids are
-// those of the elements.
+// The page's tables, each with its caption, its search field and buttons for sorting; one without
+// rows says so. Their ids are those of the elements.
 
 /// "messages"
 void WriteMessages(const ReportData& data, std::ostream& out);
@@ -19,6 +19,8 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
 /// "regions". A row's first cell is the region's index.
 void WriteRegions(const host::TargetInput& input, std::ostream& out);
 /// "files"
-void WriteFiles(const ReportData& data, std::ostream& out);
+void WriteFiles(const ReportData& data, bool isPlan, std::ostream& out);
+/// "tracks"
+void WriteTracks(const host::TargetInput& input, std::ostream& out);
 
 }  // namespace velmora::report

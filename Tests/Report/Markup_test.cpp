@@ -22,6 +22,22 @@ TEST(Markup, showsWhatIsNoTextAsReplacementCharacters) {
             "b\uFFFD\uFFFD\uFFFD");
 }
 
+TEST(Markup, showsWhatTurnsTheDirectionOfWriting) {
+  EXPECT_EQ(Html("a\u202Egnp.exe\u2066\u2069\u202A"), "a\uFFFDgnp.exe\uFFFD\uFFFD\uFFFD");
+  EXPECT_EQ(Html("\u05E9\u200F \u0639"), "\u05E9\u200F \u0639");
+}
+
+TEST(Markup, showsHalvesOfSurrogatePairsAsReplacementCharacters) {
+  EXPECT_EQ(Html("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(Markup, shortensAtAWholeCharacter) {
+  EXPECT_EQ(Shortened("音音", 6), "音音");
+  EXPECT_EQ(Shortened("音音音", 8), "音音… (9 bytes)");
+  EXPECT_EQ(Shortened("\xff\xff\xff", 2), "\xff\xff… (3 bytes)");
+  EXPECT_EQ(Shortened("", 0), "");
+}
+
 TEST(Markup, jsonInAScriptCannotEndIt) {
   const nlohmann::json value = {{"name", "</script><!--<script>&"}};
   const std::string safe = ScriptJson(value.dump());

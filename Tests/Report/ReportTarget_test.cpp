@@ -41,8 +41,12 @@ TEST_F(ReportTargetTest, tellsAlsoOfASessionWithoutRegions) {
   const nlohmann::json facts = Facts();
   EXPECT_TRUE(facts["regions"].empty());
   ASSERT_EQ(facts["messages"].size(), 1U);
-  EXPECT_EQ(facts["messages"][0]["text"], "the file is gone");
-  EXPECT_EQ(facts["messages"][0]["remedy"], "bring it back");
+  const nlohmann::json &columns = facts["columns"]["messages"], &message = facts["messages"][0];
+  ASSERT_EQ(columns.size(), message.size());
+  EXPECT_EQ(columns[6], "text");
+  EXPECT_EQ(message[6], "the file is gone");
+  EXPECT_EQ(columns[8], "remedy");
+  EXPECT_EQ(message[8], "bring it back");
 }
 
 TEST_F(ReportTargetTest, holdsNoTextAsMarkup) {
@@ -62,7 +66,24 @@ TEST_F(ReportTargetTest, holdsNoTextAsMarkup) {
   material_.Place(material_.Wave("a.wav"), 0, 100, {}, 0, 0, evil);
   EXPECT_EQ(Write().trouble, "");
   EXPECT_EQ(Page().find("<script>alert"), std::string::npos);
-  EXPECT_EQ(Facts()["regions"][0]["name"], "</script><script>alert(1)</script>\"'\uFFFD");
+  EXPECT_EQ(Facts()["regions"][0][0], "</script><script>alert(1)</script>\"'\uFFFD");
+}
+
+TEST_F(ReportTargetTest, holdsALongNameInEachEventAndStaysSmall) {
+  const std::string name(100'000, 'n');
+  for (int i = 0; i < 1000; ++i) {
+    host::RecordedEvent event;
+    event.event = i;
+    event.kind = "cut";
+    event.name = name;
+    event.source = 1;
+    event.isOn = event.isMissing = true;
+    material_.record.events.push_back(event);
+    material_.record.leftOut.push_back({i, i, 0, 0, name + " is not there", "bring it"});
+  }
+  EXPECT_EQ(Write().trouble, "");
+  EXPECT_LT(Page().size(), 4'000'000U);
+  EXPECT_EQ(Facts()["sources"][0][1], name);
 }
 
 TEST_F(ReportTargetTest, standsPositionsThatAreNoTimes) {

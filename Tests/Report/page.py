@@ -24,6 +24,17 @@ class Page(html.parser.HTMLParser):
         facts = [text for attributes, text in self.scripts if attributes.get("id") == "facts"]
         self.facts = json.loads(facts[0])
 
+    def facts_of(self, table):
+        """A table of the facts as one object a row, paths whole."""
+        names = self.facts["columns"][table]
+        rows = [dict(zip(names, row + [None] * (len(names) - len(row)))) for row in self.facts[table]]
+        for row in rows:
+            if row.get("path") is not None:
+                folder, name = self.facts["paths"][row["path"]]
+                row["path"] = self.facts["folders"][folder] + name
+            row.update({name: row[name] or 0 for name in ("fadeIn", "fadeOut", "gainDb") if name in row})
+        return rows
+
     def handle_starttag(self, tag, attrs):
         attributes = dict(attrs)
         self.elements.append((tag, attributes))

@@ -29,32 +29,34 @@ class Report(ProgramTest):
     def test_the_facts_are_the_sessions(self):
         for how in (["--fades", "--gain"], ["--native"]):
             with self.subTest(how[0]):
-                facts, session = self.spot(*how).facts, self.session()
-                self.assertEqual(facts["summary"], session["summary"])
-                regions = [region | {"track": track["track"]} for track in session["tracks"]
+                page, session = self.spot(*how), self.session()
+                self.assertEqual(page.facts["summary"], session["summary"])
+                number = {row[0] - 1: row[0] for row in page.facts["tracks"]}  # the first track is 1
+                regions = [region | {"track": number[track["track"]]} for track in session["tracks"]
                            for region in track["regions"]]
-                self.assertEqual(sorted(facts["regions"], key=lambda region: region["index"]),
-                                 sorted(regions, key=lambda region: region["index"]))
+                regions.sort(key=lambda region: region["index"])
+                told = page.facts_of("regions")
+                self.assertEqual(told, [{name: region[name] for name in told[0]} for region in regions])
                 for made in (self.page, self.folder / "session.json"):
                     made.unlink()
 
     def test_each_table_tells_what_the_facts_tell(self):
         page = self.spot("--fades", "--gain", "--bounce", self.folder / "b.wav")
-        facts = page.facts
         self.assertEqual(page.column("events", "State"),
                          ["placed", "placed", "missing", "placed", "off", "not a cut"])
-        self.assertEqual(page.column("events", "State"), [event["state"] for event in facts["events"]])
-        self.assertEqual(page.column("regions", "Name"), [region["name"] for region in facts["regions"]])
-        self.assertEqual(page.column("regions", "Position"), [str(region["position"]) for region in facts["regions"]])
-        self.assertEqual(page.column("files", "Path"), [file["path"] for file in facts["files"]])
-        self.assertEqual(page.column("messages", "What helps"),
-                         [message["remedy"] or "" for message in facts["messages"]])
+        for table, heading, name in (("events", "State", "state"), ("events", "Source", "source"),
+                                     ("regions", "Name", "name"), ("regions", "Position", "position"),
+                                     ("files", "Path", "path"), ("files", "SHA-256", "sha256"),
+                                     ("messages", "What helps", "remedy"), ("tracks", "Regions", "regions")):
+            with self.subTest(f"{table} {heading}"):
+                facts = [row[name] for row in page.facts_of(table)]
+                self.assertEqual(page.column(table, heading), ["" if fact is None else str(fact) for fact in facts])
         self.assertTrue(any("gone.wav" in text for text in page.column("messages", "Message")))
-        self.assertNotIn("", [message["remedy"] or "" for message in facts["messages"] if message["weight"] != "note"])
+        self.assertFalse([row for row in page.facts_of("messages") if row["weight"] != "note" and not row["remedy"]])
 
     def test_files_have_size_and_checksum(self):
-        facts = self.spot("--fades", "--gain", "--bounce", self.folder / "b.wav").facts
-        made = [file for file in facts["files"] if not file["path"].endswith(".json")]
+        page = self.spot("--fades", "--gain", "--bounce", self.folder / "b.wav")
+        made = [file for file in page.facts_of("files") if not file["path"].endswith(".json")]
         self.assertEqual({file["what"] for file in made}, {"depth", "gain", "fade", "bounce"})
         for file in made:
             data = pathlib.Path(file["path"]).read_bytes()
@@ -85,7 +87,7 @@ class Report(ProgramTest):
 
     def test_tables_can_be_read_by_ear(self):
         page = self.spot()
-        self.assertEqual([name for name in page.heads], ["messages", "events", "regions", "files", "constants"])
+        self.assertEqual([name for name in page.heads], ["messages", "tracks", "events", "regions", "files", "constants"])
         for table, caption in page.captions.items():
             self.assertTrue(caption, table)
         for tag, attributes in page.elements:
@@ -101,17 +103,18 @@ class Report(ProgramTest):
             with self.subTest(name):
                 done = run("spot", self.adl, *events, "--quiet", "--bounce", self.folder / "b.wav", "--report", self.page)
                 self.assert_status(done, LEFT_OUT)
-                facts = pages.Page(self.page).facts
-                self.assertEqual((facts["regions"], len(facts["events"])), ([], 6))
+                page = pages.Page(self.page)
+                self.assertEqual((page.rows["regions"], len(page.facts["events"])), ([], 6))
+                self.assertIn("No region was placed.", page.captions["regions"])
                 self.assertFalse((self.folder / "b.wav").exists())
-                self.assertTrue(any("b.wav" in message["text"] for message in facts["messages"]))
+                self.assertTrue(any("b.wav" in message["text"] for message in page.facts_of("messages")))
                 self.page.unlink()
 
     def test_a_project_without_a_cut_has_one_too(self):
         (self.folder / "none.adl").write_bytes(b"<ADL>\n<EVENT_LIST>\n(Entry) 1 (Silence) 1 1 _ _ _\n</EVENT_LIST>\n</ADL>\n")
         done = run("spot", self.folder / "none.adl", "--report", self.page)
         self.assert_status(done, LEFT_OUT)
-        self.assertTrue(any("no cut" in message["text"] for message in pages.Page(self.page).facts["messages"]))
+        self.assertTrue(any("no cut" in text for text in pages.Page(self.page).column("messages", "Message")))
 
     def test_a_full_disk_leaves_no_page(self):
         done = run("report", self.adl, "-o", self.page, before=limit_file_size(4096))
@@ -134,9 +137,9 @@ class ReportAlone(ProgramTest):
         self.assertEqual(self.files(), sorted([*before, "page.html"]))
         for name, data in before.items():
             self.assertEqual((self.folder / name).read_bytes(), data)
-        facts = pages.Page(self.page).facts
-        self.assertTrue(facts["plan"])
-        self.assertEqual({file["state"] for file in facts["files"]}, {"planned"})
+        page = pages.Page(self.page)
+        self.assertTrue(page.facts["plan"])
+        self.assertEqual({file["state"] for file in page.facts_of("files")}, {"planned"})
 
     def test_it_plans_what_a_spot_does(self):
         """Every region of the spot stands in the plan at its place, though its file is another."""
@@ -145,15 +148,16 @@ class ReportAlone(ProgramTest):
                 plan = self.folder / "plan.html"
                 run("report", self.adl, *how, "-o", plan)
                 run("spot", self.adl, "--quiet", "--copy-to", self.folder / "made", *how, "--report", self.page)
-                planned, made = pages.Page(plan).facts, pages.Page(self.page).facts
+                planned, made = pages.Page(plan), pages.Page(self.page)
 
-                def places(facts):
-                    return [[region[key] for key in ("event", "piece", "track", "position", "length", "fadeIn", "gainDb")]
-                            for region in facts["regions"]]
+                def places(page):
+                    return [[region["stop"] - region["start"]] +
+                            [region[key] for key in ("event", "piece", "track", "position", "fadeIn", "gainDb")]
+                            for region in page.facts_of("regions")]
 
                 self.assertTrue(places(made))
                 self.assertEqual(places(planned), places(made))
-                self.assertEqual(planned["events"], made["events"])
+                self.assertEqual(planned.facts["events"], made.facts["events"])
                 for page in (plan, self.page):
                     page.unlink()
 
