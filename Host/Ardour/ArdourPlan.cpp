@@ -47,7 +47,14 @@ PlannedFile Probe(const std::string& path) {
 struct Part {
   std::int64_t begin = 0;
   std::int64_t end = 0;
+  [[nodiscard]] bool IsEmpty() const { return end <= begin; }
 };
+
+/// What a region's file has of it.
+Part SoundingPart(const SessionRegion& region, const PlannedFile& file) {
+  return {std::max<std::int64_t>(-region.start, 0),
+          region.Length() - std::max<std::int64_t>(region.stop - file.frames, 0)};
+}
 
 double Share(std::int64_t part, std::int64_t whole) {
   return static_cast<double>(part) / static_cast<double>(whole);
@@ -107,11 +114,15 @@ std::vector<ArdourPlan::Candidate> ArdourPlan::TakeCandidates(const TargetInput&
     }
     std::size_t file = 0;
     const std::string cause = WhyNot(regions[i], file);
-    if (cause.empty()) {
-      candidates.push_back({i, file});
-    } else {
+    if (!cause.empty()) {
       leftOut_.push_back(RegionLabel(input, i) + ": " + cause);
+      continue;
     }
+    if (SoundingPart(regions[i], files_[file]).IsEmpty()) {
+      leftOut_.push_back(RegionLabel(input, i) + ": no part of it lies in " + regions[i].path +
+                         ", which has " + std::to_string(files_[file].frames) + " samples");
+    }
+    candidates.push_back({i, file});
   }
   return candidates;
 }
@@ -129,11 +140,7 @@ std::string ArdourPlan::WhyNot(const SessionRegion& region, std::size_t& file) {
     return region.path + " is of " + std::to_string(facts.sampleRate) + " Hz and the session of " +
            std::to_string(sampleRate_) + " Hz";
   }
-  if (facts.frames <= 0 || region.start >= facts.frames || region.stop <= 0) {
-    return "no part of it lies in " + region.path + ", which has " + std::to_string(facts.frames) +
-           " samples";
-  }
-  return {};
+  return facts.frames > 0 ? "" : region.path + " has no samples";
 }
 
 std::size_t ArdourPlan::FileOf(const std::string& path) {
@@ -199,15 +206,18 @@ void ArdourPlan::Place(const TargetInput& input, const Candidate& candidate,
       place({at, std::min(at + file.frames, missing.end)}, 0, 0, " (silence)");
     }
   };
-  const Part sounding = {std::max<std::int64_t>(-region.start, 0),
-                         length - std::max<std::int64_t>(region.stop - file.frames, 0)};
+  track.channels = std::max(track.channels, file.channels);
+  const Part sounding = SoundingPart(region, file);
+  if (sounding.IsEmpty()) {
+    placeSilence({0, length});
+    return;
+  }
   placeSilence({0, sounding.begin});
   placeSilence({sounding.end, length});
   place(sounding, region.start + sounding.begin, shape.gain, "");
   NoteWhatIsOdd(input, track.regions.back(), sounding.begin, length - sounding.end);
   track.first = std::min(track.first, region.position);
   track.end = std::max(track.end, region.End());
-  track.channels = std::max(track.channels, file.channels);
 }
 
 void ArdourPlan::NoteWhatIsOdd(const TargetInput& input, const PlannedRegion& planned,

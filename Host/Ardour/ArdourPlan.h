@@ -56,7 +56,8 @@ struct PlannedTrack {
 /// Left out are regions before the timeline's start or beyond its end, and those whose file Ardour
 /// could not open, or would play at a wrong speed, or whose path its file cannot tell: it would say
 /// nothing, or refuse the whole session. Regions that reach beyond their files are cut to what is
-/// there. Where such a region hides others by what it lacks, regions without volume hide them.
+/// there, and left out if that is nothing. Where such a region hides others by what it lacks,
+/// regions without volume hide them.
 class ArdourPlan {
  public:
   /// Opens every audio file once.

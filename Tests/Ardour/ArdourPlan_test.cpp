@@ -33,7 +33,7 @@ TEST_F(ArdourPlanning, whatArdourWouldTakeWithoutAWordIsLeftOut) {
        "beyond Ardour's timeline"},
       {"after the file's end", wave, 0, 1000, 10, "no part of it"},
       {"before the file's start", wave, 0, -10, 10, "no part of it"},
-      {"an empty file", Wave("empty.wav", 0), 0, -5, 10, "no part of it"},
+      {"an empty file", Wave("empty.wav", 0), 0, -5, 10, "has no samples"},
       {"another rate", Wave("b.wav", 100, 44100), 0, 0, 10, "44100 Hz"},
       {"no file", folder.Path("none.wav"), 0, 0, 10, "none.wav"},
       {"no audio", folder.Write("text.wav", "text"), 0, 0, 10, "text.wav"},
@@ -103,16 +103,18 @@ TEST_F(ArdourPlanning, fadesKeepTheirPlaceInWhatIsLeft) {
 TEST_F(ArdourPlanning, silenceHidesWhereAFileIsTooShort) {
   const std::string wave = Wave("a.wav"), tiny = Wave("tiny.wav", 1);
   Place(Wave("long.wav", 4500), 0, 4500);
-  Place(wave, 500, 3500);        // two whole files and a half are missing
-  Place(wave, 5000, 1200);       // nothing lies under it
-  Place(tiny, 100, 200, {}, 0);  // too short to hide anything with
+  Place(wave, 500, 3500);               // two whole files and a half are missing
+  Place(wave, 5000, 1200);              // nothing lies under it
+  Place(tiny, 100, 200, {}, 0);         // too short to hide anything with
+  Place(wave, 3800, 300, {}, 0, 1000);  // all of it is missing
+  Place(wave, 9000, 300, {}, 0, 1000);  // the same where nothing lies under it
   const ArdourPlan plan = Plan();
   const std::vector<PlannedRegion>& regions = plan.Tracks().at(0).regions;
   const struct {
     std::int64_t position, length;
     double gain;
   } rows[] = {{0, 4500, 1},   {1500, 1000, 0}, {2500, 1000, 0}, {3500, 500, 0},
-              {500, 1000, 1}, {5000, 1000, 1}, {100, 1, 1}};
+              {500, 1000, 1}, {5000, 1000, 1}, {100, 1, 1},     {3800, 300, 0}};
   ASSERT_EQ(regions.size(), std::size(rows));
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     EXPECT_EQ(regions[i].position, rows[i].position) << i;
@@ -120,6 +122,7 @@ TEST_F(ArdourPlanning, silenceHidesWhereAFileIsTooShort) {
     EXPECT_EQ(regions[i].gain, rows[i].gain) << i;
   }
   EXPECT_EQ(plan.End(), 6200);
+  EXPECT_EQ(plan.LeftOut().size(), 2u);
   EXPECT_NE(plan.Notes().at(2).find("too short to hide"), std::string::npos) << plan.Notes()[2];
 }
 

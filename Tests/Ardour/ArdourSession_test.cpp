@@ -113,6 +113,7 @@ TEST_F(ArdourSession, oddNamesAreKeptAndWhatCannotBeIsNamed) {
   Place(1, 0, under, 0, 5000);
   Place(1, 1000, over, 100, 1500);  // 300 samples sound, 1200 are missing
   Place(1, 4000, over, -50, 200);
+  Place(1, 4500, over, 400, 100);  // all of it is missing
   const TestSource other = MakeSource("other.wav", {24, 1, false, 44100}, 1000);
   const std::string noise = folder_.Write("noise.wav", std::string(5000, 'n'));
   Place(0, 2000, other, 0, 1000);
@@ -122,10 +123,11 @@ TEST_F(ArdourSession, oddNamesAreKeptAndWhatCannotBeIsNamed) {
   const host::TargetOutcome outcome = Make(path);
   EXPECT_EQ(outcome.trouble, "");
   EXPECT_EQ(outcome.notes.size(), 2u);
-  ASSERT_EQ(outcome.leftOut.size(), 3u);
-  EXPECT_NE(outcome.leftOut[0].find("44100"), std::string::npos) << outcome.leftOut[0];
-  EXPECT_NE(outcome.leftOut[1].find("missing.wav"), std::string::npos) << outcome.leftOut[1];
-  EXPECT_NE(outcome.leftOut[2].find("noise.wav"), std::string::npos) << outcome.leftOut[2];
+  ASSERT_EQ(outcome.leftOut.size(), 4u);
+  EXPECT_NE(outcome.leftOut[0].find("over.wav"), std::string::npos) << outcome.leftOut[0];
+  EXPECT_NE(outcome.leftOut[1].find("44100"), std::string::npos) << outcome.leftOut[1];
+  EXPECT_NE(outcome.leftOut[2].find("missing.wav"), std::string::npos) << outcome.leftOut[2];
+  EXPECT_NE(outcome.leftOut[3].find("noise.wav"), std::string::npos) << outcome.leftOut[3];
   EXPECT_EQ(LargestDifference(path, 64), 0);
   const pugi::xml_document xml = Xml(path);
   std::vector<std::string> names;
