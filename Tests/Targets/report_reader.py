@@ -116,7 +116,24 @@ def read(path):
     check_policy(parser)
     facts = [body for values, body in parser.inline["script"] if values.get("id") == "facts"]
     require(len(facts) == 1, "one element of facts")
-    return Page(parser.title, parser.tables, parser.heads, strict_json(facts[0]), parser.shape)
+    return Page(parser.title, parser.tables, parser.heads, expanded(strict_json(facts[0])), parser.shape)
+
+
+def expanded(facts):
+    """The tables of the facts as objects by column, with paths in place of their numbers."""
+    columns = facts["columns"]
+    require(set(columns) <= set(facts), f"columns {columns}")
+    for table, names in columns.items():
+        require(all(len(row) <= len(names) for row in facts[table]), f"a row longer than {names}")
+        facts[table] = [dict(zip(names, row + [None] * (len(names) - len(row)))) for row in facts[table]]
+    paths = [facts["folders"][path["folder"]] + path["name"] for path in facts["paths"]]
+    for table in ("regions", "files", "sources"):
+        for row in facts[table]:
+            row["path"] = None if row["path"] is None else paths[row["path"]]
+    for table in ("regions", "events"):
+        for number, row in enumerate(facts[table]):
+            row.update({"index": number}, **{key: row[key] or 0 for key in ("fadeIn", "fadeOut", "gainDb")})
+    return facts
 
 
 def check_policy(parser):

@@ -37,15 +37,14 @@ class Facts(ReportTest):
         page = report_reader.read(spot.folder / "r.html")
         facts = page.facts
         self.assertEqual(facts["summary"], spot.session["summary"])
-        self.assertEqual(facts["regions"], sorted(({**region, "track": track["track"]} for track in spot.session["tracks"]
-                                                   for region in track["regions"]), key=lambda region: region["index"]))
-        self.assertEqual([track["number"] for track in facts["tracks"]],
-                         [track["track"] + project.lowest_track for track in spot.session["tracks"]])
+        self.assertEqual(facts["regions"], self.told(spot.session, project))
+        placed_tracks = {track["track"]: track["regions"] for track in facts["tracks"] if track["regions"]}
+        self.assertEqual(placed_tracks, {track["track"] + project.lowest_track: len(track["regions"])
+                                         for track in spot.session["tracks"]})
         info = run("info", project.path, "--json").json
         self.assertEqual(facts["project"]["constants"], {key: bare(text) for key, text in info["constants"].items()})
         self.assertEqual((facts["project"]["path"], facts["rates"]["sampleRate"]), (str(project.path), project.rate))
-        self.assertEqual([(event["event"], event["entry"]) for event in facts["events"]],
-                         [(number, event["entryNumber"]) for number, event in enumerate(info["events"])])
+        self.assertEqual([event["entry"] for event in facts["events"]], [event["entryNumber"] for event in info["events"]])
         self.assert_events(facts, project, way)
         self.assert_files(facts, spot)
         self.assert_messages(facts, spot)
@@ -58,10 +57,17 @@ class Facts(ReportTest):
                           for row, message in zip(page.tables["messages"], facts["messages"])], [True] * len(facts["messages"]))
         return page
 
+    @staticmethod
+    def told(session, project):
+        """The regions of a session's JSON in the words of a report."""
+        names = ("index", "name", "path", "position", "start", "stop", "event", "piece", "fadeIn", "fadeOut", "gainDb")
+        return sorted(({**{name: region[name] for name in names}, "track": track["track"] + project.lowest_track}
+                       for track in session["tracks"] for region in track["regions"]), key=lambda region: region["index"])
+
     def assert_events(self, facts, project, way):
         where = {region.event: (region.position, region.position + region.length) for region in placed(project, *way)
                  if region.piece == "main"}
-        self.assertEqual({event["event"]: (event["position"], event["end"]) for event in facts["events"]}, where)
+        self.assertEqual({event["index"]: (event["position"], event["end"]) for event in facts["events"]}, where)
         self.assertEqual({event["track"] for event in facts["events"]}, {cut.track for cut in project.cuts})
         self.assertEqual({event["state"] for event in facts["events"]}, {"placed"})
 
@@ -191,9 +197,9 @@ class Planned(ReportTest):
                 spot = self.spot(self.made.path, *way, into=f"out {way}", targets=("report",))
                 done = report_reader.read(spot.folder / "r.html").facts
                 # Where a piece of its own file would begin at 0, the plan names the place in the source.
-                keys = ("index", "position", "length", "fadeIn", "fadeOut", "gainDb", "event", "entry", "source", "piece", "track")
-                self.assertEqual([[region[key] for key in keys] for region in planned["regions"]],
-                                 [[region[key] for key in keys] for region in done["regions"]])
+                keys = ("index", "position", "event", "piece", "fadeIn", "fadeOut", "gainDb", "track")
+                self.assertEqual([[region["stop"] - region["start"], *(region[key] for key in keys)] for region in planned["regions"]],
+                                 [[region["stop"] - region["start"], *(region[key] for key in keys)] for region in done["regions"]])
                 self.assertEqual((planned["plan"], done["plan"]), (True, False))
                 self.assertEqual({**planned["summary"], "files": 0}, {**done["summary"], "files": 0})
 
