@@ -105,7 +105,7 @@ void DrawShape(const velmora::host::SessionRegion& region, NSRect box, const Tim
 
 // A region's name, which stays readable while the region's beginning is scrolled out to the left of
 // `viewLeft`.
-void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* ink) {
+void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, const TrackColors& colors) {
   NSRect text = NSInsetRect(box, 5, 3);
   const CGFloat edge = viewLeft + 4;
   if (NSMinX(text) < edge) {
@@ -113,7 +113,15 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
     text.origin.x = edge;
   }
   if (NSWidth(text) < kNameWidth - 10) return;
-  [StringFromText(name) drawInRect:text withAttributes:TextAttributes(ink, kDetailSize)];
+  NSString* string = StringFromText(name);
+  NSDictionary* attributes = TextAttributes(colors.ink, kDetailSize);
+  NSRect lit = NSInsetRect(text, -1, 0);  // so that the wave does not run through the letters
+  const NSSize size = [string sizeWithAttributes:attributes];
+  lit.size.width = std::min(NSWidth(lit), size.width + 2);
+  lit.size.height = std::min(NSHeight(lit), size.height);
+  [[colors.fill colorWithAlphaComponent:0.7] set];
+  NSRectFillUsingOperation(lit, NSCompositeSourceOver);
+  [string drawInRect:text withAttributes:attributes];
 }
 
 }  // namespace
@@ -244,7 +252,7 @@ void DrawName(const std::string& name, NSRect box, CGFloat viewLeft, NSColor* in
   [(isSelected ? ColorOf(Tone::Accent) : colors.edge) set];
   NSFrameRectWithWidth(box, isSelected || isHovered ? 2 : 1);
   if (kind == PieceKind::Region && NSWidth(box) >= kNameWidth) {
-    DrawName(region.name, box, NSMinX([timeline lanesRect]), colors.ink);
+    DrawName(region.name, box, NSMinX([timeline lanesRect]), colors);
   }
 }
 
