@@ -81,7 +81,7 @@ FoundArdour FindNamed(const std::string& wanted) {
   std::string cause = isPath ? WhyNoProgram(wanted) : "PATH has no such program";
   if (cause.empty()) return {Absolute(wanted), {}};
   for (const std::string& folder : isPath ? std::vector<std::string>() : FoldersOfPath()) {
-    const std::string path = folder + "/" + wanted;
+    const std::string path = fs::path(folder) / wanted;
     if (WhyNoProgram(path).empty()) return {Absolute(path), {}};
   }
   return {{},
