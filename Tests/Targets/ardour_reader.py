@@ -7,15 +7,7 @@ import xml.etree.ElementTree
 from fractions import Fraction
 
 import playing
-
-
-class BrokenRule(AssertionError):
-    pass
-
-
-def require(holds, what):
-    if not holds:
-        raise BrokenRule(what)
+from rules import require
 
 
 @dataclasses.dataclass

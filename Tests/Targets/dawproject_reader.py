@@ -7,19 +7,11 @@ import zipfile
 from fractions import Fraction
 
 import playing
+from rules import require
 
 # Attributes that the lanes and clips of audio may have; another would be one that this reader passes over unheard.
 CLIP_ATTRIBUTES = {"time", "duration", "contentTimeUnit", "playStart", "fadeTimeUnit", "fadeInTime", "fadeOutTime", "name", "comment",
                    "color", "enable"}
-
-
-class BrokenRule(AssertionError):
-    pass
-
-
-def require(holds, what):
-    if not holds:
-        raise BrokenRule(what)
 
 
 @dataclasses.dataclass

@@ -6,15 +6,7 @@ import urllib.parse
 
 import playing
 from program import strict_json
-
-
-class BrokenRule(AssertionError):
-    pass
-
-
-def require(holds, what):
-    if not holds:
-        raise BrokenRule(what)
+from rules import require
 
 
 # By schema, the fields that an object must have, and no others.

@@ -6,24 +6,14 @@ import hashlib
 import html.parser
 
 from program import strict_json
+from rules import BrokenRule, require
 
 VOID = {"meta", "link", "br", "hr", "img", "input", "wbr", "col"}
-# Elements of the picture that may close themselves.
-EMPTY_OF_PICTURE = {"path", "rect", "line", "circle", "use", "stop", "polyline", "polygon", "ellipse"}
 # Attributes by which a page asks for something else than itself.
 REFERENCES = {"src", "href", "xlink:href", "action", "formaction", "data", "poster", "srcset", "background", "ping", "cite", "longdesc",
               "manifest", "codebase", "archive", "profile", "usemap", "imagesrcset"}
 FORBIDDEN = {"iframe", "frame", "object", "embed", "applet", "base", "link", "img", "image", "audio", "video", "source", "track", "form",
              "foreignobject", "portal", "animate", "set"}
-
-
-class BrokenRule(AssertionError):
-    pass
-
-
-def require(holds, what):
-    if not holds:
-        raise BrokenRule(what)
 
 
 @dataclasses.dataclass

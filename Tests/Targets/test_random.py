@@ -8,7 +8,6 @@ import dawproject_reader
 import otio_reader
 import playing
 import projects
-import waves
 from bounces import DEPTHS, BounceTest
 from layout import checksums
 from placing import Placed, placed
