@@ -153,7 +153,7 @@ TEST_F(BoundedTest, whatIsOnViewStaysAndTheRestIsTurnedAway) {
 }
 
 TEST_F(BoundedTest, namesOfMissingFilesAreBoundedToo) {
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 8000; ++i) {
     parts_.NewView();
     parts_.Put({"/nowhere/" + std::to_string(i), 0, 0}, {}, Time());
   }
