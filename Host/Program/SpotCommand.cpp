@@ -7,7 +7,9 @@
 #include <ostream>
 #include <utility>
 
+#include "Base/FileNames.h"
 #include "Base/SystemLog.h"
+#include "Model/ProjectSummary.h"
 #include "Model/Tables.h"
 #include "Program/CopyFolder.h"
 #include "Program/ExitStatus.h"
@@ -159,6 +161,33 @@ void RecordNothingPlaced(const SpotArguments& arguments, const ViewModel& model,
   static_cast<void>(targets.WriteRecords({session, heard, rates, record}, arguments.json, false));
 }
 
+/// A project that was read and does not load, told to the page that somebody asked for by
+/// `velmora report`: it says where the trouble is and what helps. No other target tells of a spot
+/// that could not begin.
+void RecordLoadFailure(const SpotArguments& arguments, const ViewModel& model,
+                       const SpotTargets& targets) {
+  constexpr std::int64_t kFileAsAWhole = 0;
+  if (!arguments.plan || !model.loadFailure || model.loadFailure->line == kFileAsAWhole) return;
+  const host::SessionRates rates =
+      host::SessionRatesFor(nullptr, arguments.sessionRate, arguments.sessionFrameRate);
+  const host::Session session;
+  const host::HeardSession heard(session);
+  check::CheckOptions reading;
+  reading.sessionRate = arguments.sessionRate;
+  reading.sessionFrameRate = arguments.sessionFrameRate;
+  host::SpotRecord record;
+  record.projectPath = arguments.project;
+  record.title = FileNameOf(arguments.project);
+  record.isPlan = true;
+  record.messages.push_back({Kind::Trouble,
+                             "The project does not load: " + FailureText(*model.loadFailure),
+                             "Export the project again, or let velmora prepare make one that "
+                             "loads."});
+  record.findings = FindingsOf(arguments.project, reading);
+  // It ends with the same status either way.
+  static_cast<void>(targets.WriteRecords({session, heard, rates, record}, arguments.json, false));
+}
+
 /// Spots a loaded project. Returns the exit status.
 int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTargets& targets) {
   SetBoxes(model, arguments);
@@ -235,6 +264,7 @@ int RunSpotCommand(const SpotArguments& given) {
   ViewModel model;
   if (!model.LoadFile(arguments.project)) {
     ComplainAboutLoad(arguments.project, model);
+    RecordLoadFailure(arguments, model, targets);
     return WithHint(arguments, model, kDoesNotLoad);
   }
   if (!model.HasCuts()) {

@@ -68,7 +68,7 @@ void WriteTop(const host::TargetInput& input, const ReportData& data,
   const Weight weight = data.messages.empty() ? Weight::Note : data.messages.front().weight;
   out << "<p class=\"verdict " << NameOf(weight) << "\"><a href=\"#h-messages\">"
       << MessageCounts(data) << "</a> · " << EventCounts(states) << "</p>\n";
-  if (record.isPlan) {
+  if (record.isPlan && !states.empty()) {
     out << "<p class=\"dim\">No file was made but this page. Regions stand where a spot with these "
            "options would put them and show their sources; the table of files lists what it would "
            "make.</p>\n";
@@ -93,7 +93,7 @@ void WriteOverview(const host::TargetInput& input, std::ostream& out) {
   if (summary.regions > 0) {
     fact("Span", clock.Timecode(summary.first) + " to " + clock.Timecode(summary.end));
   }
-  fact("Position", PositionText(record.options));
+  if (!record.options.position.empty()) fact("Position", PositionText(record.options));
   fact("Audio", AudioText(record.options));
   out << "</dl>\n";
 }

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <map>
 #include <memory>
 #include <utility>
 
-#include "Media/SoundFile.h"
+#include "Peaks/PeakSource.h"
 
 namespace velmora::report {
 namespace {
@@ -41,54 +40,30 @@ std::vector<std::size_t> Shares(const std::vector<host::SessionRegion>& regions,
   return shares;
 }
 
-/// Reads peaks out of one file.
-class PeakReader {
- public:
-  explicit PeakReader(const std::string& path) {
-    std::string trouble;
-    file_ = media::SoundFile::Open(path, trouble);
-    if (file_ != nullptr && file_->Info().seekable == 0) file_.reset();
-  }
+/// Lengths are 32-bit numbers, so that nothing overflows.
+std::int64_t EdgeOf(const host::SessionRegion& region, std::size_t i, std::size_t points) {
+  return region.start +
+         region.Length() * static_cast<std::int64_t>(i) / static_cast<std::int64_t>(points);
+}
 
-  [[nodiscard]] Peaks Read(const host::SessionRegion& region, std::size_t points,
-                           std::int64_t samplesPerPeak) {
-    if (file_ == nullptr || points == 0) return {};
-    const std::int64_t channels = file_->Info().channels;
-    const std::int64_t most = std::max<std::int64_t>(samplesPerPeak / channels, 16);
-    Peaks peaks;
-    for (std::size_t i = 0; i < points; ++i) {
-      const std::int64_t from = EdgeOf(region, i, points);
-      const std::int64_t to = EdgeOf(region, i + 1, points);
-      peaks.push_back(Loudest(from, std::min(to - from, most)));
-    }
-    return peaks;
-  }
+float Loudest(peaks::PeakSource& source, std::int64_t from, std::int64_t count) {
+  constexpr float kFullScale = 32768;
+  if (from < 0 || count <= 0 || from >= source.Frames()) return 0;
+  peaks::Peak peak;
+  if (source.Read(from, from + count, count, &peak, {}) == 0 || peak.IsEmpty()) return 0;
+  return static_cast<float>(std::max(-peak.lowest, +peak.highest)) / kFullScale;
+}
 
- private:
-  /// Lengths are 32-bit numbers, so that nothing overflows.
-  static std::int64_t EdgeOf(const host::SessionRegion& region, std::size_t i, std::size_t points) {
-    return region.start +
-           region.Length() * static_cast<std::int64_t>(i) / static_cast<std::int64_t>(points);
+Peaks Read(peaks::PeakSource& source, const host::SessionRegion& region, std::size_t points,
+           std::int64_t samplesPerPeak) {
+  const std::int64_t most = std::max<std::int64_t>(samplesPerPeak / source.Channels(), 16);
+  Peaks peaks;
+  for (std::size_t i = 0; i < points; ++i) {
+    const std::int64_t from = EdgeOf(region, i, points);
+    peaks.push_back(Loudest(source, from, std::min(EdgeOf(region, i + 1, points) - from, most)));
   }
-
-  float Loudest(std::int64_t from, std::int64_t count) {
-    count = std::min(count, file_->Info().frames - from);
-    if (from < 0 || count <= 0 || sf_seek(file_->Handle(), from, SEEK_SET) != from) return 0;
-    block_.resize(static_cast<std::size_t>(count * file_->Info().channels));
-    const sf_count_t got = sf_readf_float(file_->Handle(), block_.data(), count);
-    float peak = 0;
-    const auto samples = static_cast<std::size_t>(std::max<sf_count_t>(got, 0)) *
-                         static_cast<std::size_t>(file_->Info().channels);
-    for (std::size_t i = 0; i < samples; ++i) {
-      const float size = std::fabs(block_[i]);
-      if (size > peak) peak = size;  // a sample that is no number is passed over
-    }
-    return std::min(peak, 1.0F);
-  }
-
-  std::unique_ptr<media::SoundFile> file_;
-  std::vector<float> block_;
-};
+  return peaks;
+}
 
 }  // namespace
 
@@ -104,15 +79,16 @@ std::vector<Peaks> PeaksOf(const std::vector<host::SessionRegion>& regions, std:
   const std::int64_t samplesPerPeak =
       kMostSamples / static_cast<std::int64_t>(std::max<std::size_t>(total, 1));
   const Clock::time_point deadline = Clock::now() + kMostTime;
-  std::vector<Peaks> peaks(regions.size());
+  std::vector<Peaks> byRegion(regions.size());
   for (const auto& [path, users] : byPath) {
-    PeakReader reader(path);
+    const std::unique_ptr<peaks::PeakSource> source = peaks::PeakSource::Open(path);
+    if (source == nullptr) continue;
     for (const std::size_t region : users) {
-      if (Clock::now() > deadline || (goOn && !goOn())) return peaks;
-      peaks[region] = reader.Read(regions[region], shares[region], samplesPerPeak);
+      if (Clock::now() > deadline || (goOn && !goOn())) return byRegion;
+      byRegion[region] = Read(*source, regions[region], shares[region], samplesPerPeak);
     }
   }
-  return peaks;
+  return byRegion;
 }
 
 }  // namespace velmora::report

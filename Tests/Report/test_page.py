@@ -3,12 +3,13 @@
 import base64
 import hashlib
 import json
+import os
 import pathlib
 import time
 import unittest
 
 import page as pages
-from program import ALL_DONE, BAD_USAGE, LEFT_OUT, SANITIZED, ProgramTest, limit_file_size, run
+from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT, SANITIZED, ProgramTest, limit_file_size, run
 
 
 class Report(ProgramTest):
@@ -160,6 +161,38 @@ class ReportAlone(ProgramTest):
                 self.assertEqual(planned.facts["events"], made.facts["events"])
                 for page in (plan, self.page):
                     page.unlink()
+
+    def test_a_project_that_does_not_load_has_a_page_that_says_why(self):
+        bad = pages.Adl().source(1, "URL:file://localhost/a/plain.wav").cut(1, more="(Infade) 00:00:01:00 LIN _ _ _")
+        adl = bad.write(self.folder / "bad.adl")
+        done = run("report", adl, "-o", self.page)
+        self.assert_status(done, DOES_NOT_LOAD)
+        page = pages.Page(self.page)
+        weights = page.column("messages", "Weight")
+        self.assertEqual(weights[0], "failure")
+        self.assertIn("(Infade)", page.column("messages", "Message")[0])
+        self.assertTrue(all(page.column("messages", "What helps")[:weights.count("failure")]))
+        self.assertIn("No region was placed.", page.captions["regions"])
+        self.page.unlink()
+        # A spot that does not begin makes nothing; nor is there anything to tell of what is no file.
+        for command, project, option in (("spot", adl, "--report"), ("report", self.folder / "gone.adl", "-o"),
+                                         ("report", self.folder, "-o")):
+            with self.subTest(f"{command} {project.name}"):
+                self.assert_status(run(command, project, option, self.page), DOES_NOT_LOAD)
+                self.assertFalse(self.page.exists())
+
+    def test_a_place_that_takes_no_page(self):
+        (self.folder / "link.html").symlink_to("nowhere.html")
+        (self.folder / "closed").mkdir(mode=0o555)
+        self.addCleanup((self.folder / "closed").chmod, 0o755)
+        places = [self.folder / "link.html", self.folder / "no" / "page.html"]
+        if os.geteuid() != 0:
+            places.append(self.folder / "closed" / "page.html")
+        for place in places:
+            with self.subTest(place.name):
+                before = self.files()
+                self.assert_bad_usage(run("report", self.adl, "-o", place), str(place.parent if "no" in place.parts else place))
+                self.assertEqual(self.files(), before)
 
     def test_bad_usage(self):
         self.page.write_text("mine")
