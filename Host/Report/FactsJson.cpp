@@ -3,7 +3,6 @@
 #include <initializer_list>
 #include <map>
 #include <ostream>
-#include <ranges>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -68,16 +67,16 @@ class PathTable {
     return entry->second;
   }
 
-  [[nodiscard]] std::size_t Size() const { return paths_.size(); }
+  /// By number.
+  [[nodiscard]] const std::vector<const std::string*>& Paths() const { return paths_; }
   /// Folder by number, and name.
-  [[nodiscard]] Json Row(std::size_t path) {
-    const std::string& text = *paths_[path];
+  [[nodiscard]] Json Row(const std::string& text) {
     const std::string folder = text.substr(0, text.rfind('/') + 1);
     const auto [entry, isNew] = folderNumbers_.try_emplace(folder, folders_.size());
     if (isNew) folders_.push_back(folder);
     return Json::array({entry->second, text.substr(folder.size())});
   }
-  /// After the rows, which name them.
+  /// Those that rows named so far.
   [[nodiscard]] const Json& Folders() const { return folders_; }
 
  private:
@@ -227,8 +226,8 @@ void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ost
   WriteRegions(input, paths, facts);
   WriteFiles(data, paths, facts);
   WriteMessages(data, facts);
-  facts.Table("paths", {"folder", "name"}, std::views::iota(std::size_t{0}, paths.Size()),
-              [&](std::size_t path) { return paths.Row(path); });
+  facts.Table("paths", {"folder", "name"}, paths.Paths(),
+              [&](const std::string* path) { return paths.Row(*path); });
   facts.Member("folders", paths.Folders());
   facts.End();
 }

@@ -12,7 +12,7 @@ from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
 import page as pages
-from program import SANITIZED, ProgramTest, run
+from program import ProgramTest, run
 
 
 # For each element with a text of its own that is shown: the contrast and the text.
@@ -247,13 +247,14 @@ class Browser(ProgramTest):
     def test_5000_events(self):
         path = self.folder / "long.html"
         run("report", pages.long_project(self.folder), "-o", path, seconds=30)
-        began = time.monotonic()
+        # In the page's own time of the processor, so that a busy machine does not change it.
+        self.browser.execute_cdp_cmd("Performance.enable", {"timeDomain": "threadTicks"})
         self.show(path)
         field = self.at("input[data-table=events]")
         field.send_keys("SCENE 07.wav")
         self.assertEqual(len(self.column("events", 0)), 250)
-        if not SANITIZED:
-            self.assertLess(time.monotonic() - began, 10)  # the rule is 1 s, on a machine that is not busy
+        worked = {row["name"]: row["value"] for row in self.browser.execute_cdp_cmd("Performance.getMetrics", {})["metrics"]}
+        self.assertLess(worked["TaskDuration"], 4)  # the rule is 1 s until it can be used; this types twelve letters, too
         field.clear()
         field.send_keys(" ")
         self.at("#events th:nth-child(1) button").click()
