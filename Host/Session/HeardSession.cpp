@@ -5,14 +5,6 @@
 #include <string>
 
 namespace velmora::host {
-namespace {
-
-/// Not more than the region sounds, however far its message says that it reaches.
-std::int64_t SoundingLength(const SessionRegion& region) {
-  return region.End() - region.position;
-}
-
-}  // namespace
 
 FadeFactor AppliedShape::FactorAt(std::int64_t sample, std::int64_t length) const {
   if (sample < fadeIn) return {sample, fadeIn};
@@ -26,7 +18,7 @@ HeardSession::HeardSession(const Session& session)
   for (std::size_t i = 0; i < shapes_.size(); ++i) {
     CutToLength(i);
     const SessionRegion& region = session.Regions()[i];
-    if (SoundingLength(region) > 0) byTrack_[region.track].push_back(i);
+    if (region.SoundingLength() > 0) byTrack_[region.track].push_back(i);
   }
   for (const auto& [track, regions] : byTrack_) DropCoveredFadeOuts(regions);
 }
@@ -34,8 +26,13 @@ HeardSession::HeardSession(const Session& session)
 void HeardSession::CutToLength(std::size_t index) {
   const SessionRegion& region = session_.Regions()[index];
   AppliedShape& shape = shapes_[index];
-  if (region.shape.gainDb != 0) shape.gain = std::pow(10.0, region.shape.gainDb / 20);
-  const std::int64_t length = std::max<std::int64_t>(SoundingLength(region), 0);
+  const double gain = std::pow(10.0, region.shape.gainDb / 20);
+  if (std::isfinite(gain)) {
+    shape.gain = gain;
+  } else {
+    remarks_.push_back({index, "its gain is no number that can be applied; it is left as it is"});
+  }
+  const std::int64_t length = std::max<std::int64_t>(region.SoundingLength(), 0);
   const auto cut = [&](const char* name, std::int64_t wanted, std::int64_t most) {
     if (wanted > most) {
       remarks_.push_back({index, std::string("its ") + name + " of " + std::to_string(wanted) +

@@ -45,9 +45,9 @@ struct HeardStretch {
 ///
 /// - later regions lie over earlier ones, and a region without fades hides what is under it;
 /// - a fade-out that ends together with the fade-in of a later region on its track, and is not
-/// longer
-///   than that, is dropped: the later region's fade-in makes the crossfade alone;
-/// - a fade-in longer than its region is cut to it, a fade-out to what the fade-in leaves.
+///   longer than that, is dropped: the later region's fade-in makes the crossfade alone;
+/// - a fade-in longer than its region is cut to it, a fade-out to what the fade-in leaves;
+/// - a gain that is no finite factor is none.
 ///
 ///     earlier  =============\           the fade-out is dropped
 ///     later              /===========   the fade-in fades over what is under it
@@ -60,7 +60,7 @@ class HeardSession {
 
   /// By region.
   [[nodiscard]] const std::vector<AppliedShape>& Shapes() const { return shapes_; }
-  /// Names the fades that were cut.
+  /// Names the fades that were cut and the gains that are none.
   [[nodiscard]] const std::vector<Remark>& Remarks() const { return remarks_; }
 
   /// Calls `visit` for each stretch of a track that is not silent, in rising position, until it

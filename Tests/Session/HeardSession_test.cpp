@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -178,6 +179,22 @@ TEST(HeardSession, gainIsTenToTheTwentieth) {
   EXPECT_DOUBLE_EQ(heard.Shapes()[0].gain, 0.50118723362727224);
   EXPECT_EQ(heard.Shapes()[1].gain, 1.0);
   EXPECT_EQ(heard.Shapes()[2].gain, 10.0);
+}
+
+TEST(HeardSession, aGainThatIsNoNumberIsNoneAndNamed) {
+  using Limits = std::numeric_limits<double>;
+  const double gains[] = {Limits::quiet_NaN(), Limits::infinity(), Limits::max(),
+                          -Limits::infinity()};
+  std::vector<Placed> regions;
+  for (const double gain : gains) regions.push_back({0, 10, {0, 0, gain}});
+  const Session session = SessionOf(regions);
+  const HeardSession heard(session);
+  ASSERT_EQ(heard.Remarks().size(), 3u);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(heard.Shapes()[i].gain, 1.0);
+    EXPECT_EQ(heard.Remarks()[i].region, i);
+  }
+  EXPECT_EQ(heard.Shapes()[3].gain, 0.0);  // silence is a gain
 }
 
 }  // namespace
