@@ -8,6 +8,7 @@
 
 #include "Bounce/SourceFiles.h"
 #include "Session/HeardSession.h"
+#include "Session/PartialSession.h"
 #include "Session/SessionTarget.h"
 
 namespace velmora::bounce {
@@ -44,30 +45,26 @@ class BouncePlan {
   [[nodiscard]] const std::vector<BounceTrack>& Tracks() const { return tracks_; }
 
   /// The session without what was left out.
-  [[nodiscard]] const host::Session& Sounding() const { return kept_ ? *kept_ : input_.session; }
-  [[nodiscard]] const host::HeardSession& Heard() const {
-    return keptHeard_ ? *keptHeard_ : input_.heard;
-  }
+  [[nodiscard]] const host::Session& Sounding() const { return kept_->Regions(); }
+  [[nodiscard]] const host::HeardSession& Heard() const { return kept_->Heard(); }
   [[nodiscard]] SourceFiles& Sources() { return sources_; }
   /// The number in Sources() of a region of Sounding() that has a length.
-  [[nodiscard]] std::size_t FileOf(std::size_t region) const { return fileOf_[region]; }
+  [[nodiscard]] std::size_t FileOf(std::size_t region) const {
+    return fileOf_[kept_->Original(region)];
+  }
 
  private:
   [[nodiscard]] bool TakeRate();
   [[nodiscard]] bool TakeSpan();
   void TakeRegions();
-  /// Why the regions of a file are left out; empty if they are not.
-  [[nodiscard]] std::string WhyNot(std::size_t file) const;
-  void NoteWhatIsOdd(const host::SessionRegion& region, std::size_t file);
-  void LeaveOut(const std::vector<bool>& isLeftOut);
+  /// Why a region is left out; empty if it is not.
+  [[nodiscard]] std::string WhyNot(const host::SessionRegion& region, std::size_t file) const;
   void TakeTracks();
-  [[nodiscard]] std::string NameOf(const host::SessionRegion& region) const;
 
   const host::TargetInput& input_;
   SourceFiles sources_;
-  std::optional<host::Session> kept_;
-  std::optional<host::HeardSession> keptHeard_;
-  std::vector<std::size_t> fileOf_;
+  std::optional<host::PartialSession> kept_;
+  std::vector<std::size_t> fileOf_;  ///< by region of the input's session
   std::vector<BounceTrack> tracks_;
   std::int64_t first_ = 0;
   std::int64_t end_ = 0;

@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -34,8 +33,7 @@ TargetOutcome OutcomeOf(const BouncePlan& plan) {
 /// Path and cause.
 std::string TroubleOf(const BounceStop& stop, const std::string& path) {
   if (stop.isCancelled || stop.error == ECANCELED) return path + " is not made: it was cancelled";
-  if (stop.error == EEXIST) return path + " has appeared meanwhile; it is not written over";
-  if (stop.error != 0) return path + " cannot be written: " + std::strerror(stop.error);
+  if (stop.error != 0) return StagedFile(path).Trouble(stop.error);
   return path + " is not made: " + stop.trouble;
 }
 

@@ -54,7 +54,7 @@ SourceFacts FactsOf(const SoundFile& sound) {
   facts.channels = static_cast<std::size_t>(sound.Info().channels);
   facts.frames = sound.Info().frames;
   facts.isFloat = IsFraction(sound.Encoding());
-  facts.isUnsigned8 = IsWave(sound.Container()) && sound.Encoding() == SF_FORMAT_PCM_U8;
+  facts.isWaveOf8Bits = IsWave(sound.Container()) && sound.Encoding() == SF_FORMAT_PCM_U8;
   facts.sameBytesAs = SameBytes(sound);
   return facts;
 }

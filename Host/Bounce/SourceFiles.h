@@ -20,8 +20,8 @@ struct SourceFacts {
   std::int32_t sampleRate = 0;
   std::size_t channels = 1;
   std::int64_t frames = 0;
-  bool isFloat = false;      ///< its samples are fractions, not integers
-  bool isUnsigned8 = false;  ///< 8-bit samples in a wave file, which have no sign by its rule
+  bool isFloat = false;  ///< its samples are fractions, not integers
+  bool isWaveOf8Bits = false;
   /// The depth of a bounce into which its bytes go as they are, if there is one.
   std::optional<host::BounceDepth> sameBytesAs;
 };

@@ -15,10 +15,6 @@ using host::SessionRegion;
 // memory than others.
 constexpr std::int64_t kSamplesAtOnce = 1 << 17;
 
-std::int64_t SoundingLength(const SessionRegion& region) {
-  return region.End() - region.position;
-}
-
 }  // namespace
 
 TrackRenderer::TrackRenderer(BouncePlan& plan, const BounceTrack& track, host::BounceDepth depth,
@@ -144,7 +140,7 @@ bool TrackRenderer::AddLayer(std::size_t index, std::int64_t position, std::int6
   if (part.count > 0 && !plan_.Sources().ReadFractions(file, part.frame, part.count, inFile)) {
     return false;
   }
-  const std::int64_t length = SoundingLength(region);
+  const std::int64_t length = region.SoundingLength();
   for (std::int64_t i = 0; i < count; ++i) {
     const FadeFactor factor = shape.FactorAt(position + i - region.position, length);
     const auto a = static_cast<double>(factor.numerator);

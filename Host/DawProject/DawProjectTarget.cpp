@@ -122,15 +122,15 @@ void NoteWhatIsOdd(const host::TargetInput& input, const UsableSession& usable,
                    media::FactsByPath& media, std::vector<std::string>& notes) {
   const std::vector<host::SessionRegion>& regions = usable.Regions().Regions();
   for (std::size_t i = 0; i < regions.size(); ++i) {
-    const std::string label = host::RegionLabel(input, usable.Original(i)) + ": ";
+    const auto label = [&] { return host::RegionLabel(input, usable.Original(i)) + ": "; };
     if (regions[i].Length() <= 0) {
-      notes.push_back(label + "it has no length and is left out");
+      notes.push_back(label() + host::kHasNoLength);
       continue;
     }
-    const std::int64_t frames = media.Of(regions[i].path).facts->frames;
-    if (regions[i].start >= 0 && regions[i].stop <= frames) continue;
-    notes.push_back(label + "it runs past " + regions[i].path + ", which has " +
-                    std::to_string(frames) + " samples; the rest is silence");
+    const media::AudioFacts& facts = *media.Of(regions[i].path).facts;
+    for (const std::string& odd : host::OddAbout(regions[i], facts.frames, facts.IsWaveOf8Bits())) {
+      notes.push_back(label() + odd);
+    }
   }
   for (const host::Remark& remark : usable.Heard().Remarks()) {
     notes.push_back(host::RegionLabel(input, usable.Original(remark.region)) + ": " + remark.text);

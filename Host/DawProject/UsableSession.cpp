@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Session/RegionLabel.h"
 #include "Session/SessionClock.h"
 #include "Session/XmlText.h"
 
@@ -16,8 +17,7 @@ std::string WhyUnusable(const host::SessionRegion& region, long sessionRate, Med
   const media::FactsOrTrouble& file = media.Of(region.path);
   if (!file.facts) return region.path + " cannot be read: " + file.trouble;
   if (file.facts->sampleRate != sessionRate) {
-    return region.path + " is of " + std::to_string(file.facts->sampleRate) +
-           " Hz and the session of " + std::to_string(sessionRate) + " Hz";
+    return host::OfAnotherRate(region, file.facts->sampleRate, sessionRate);
   }
   if (place == MediaPlace::Outside && host::XmlText(region.path) != region.path) {
     return region.path + " has a name that XML cannot tell; with --embed-media it goes inside";
@@ -25,33 +25,29 @@ std::string WhyUnusable(const host::SessionRegion& region, long sessionRate, Med
   return {};
 }
 
-}  // namespace
-
-UsableSession::UsableSession(const host::TargetInput& input, MediaPlace place,
-                             media::FactsByPath& media)
-    : session_(&input.session), heard_(&input.heard) {
+std::vector<UnusableRegion> UnusableOf(const host::TargetInput& input, MediaPlace place,
+                                       media::FactsByPath& media) {
+  std::vector<UnusableRegion> unusable;
   const std::vector<host::SessionRegion>& regions = input.session.Regions();
   const long rate = std::lround(host::SessionClock(input.rates).SampleRate());
   for (std::size_t i = 0; i < regions.size(); ++i) {
     std::string cause = WhyUnusable(regions[i], rate, place, media);
-    if (!cause.empty()) unusable_.push_back({i, std::move(cause)});
+    if (!cause.empty()) unusable.push_back({i, std::move(cause)});
   }
-  if (unusable_.empty()) return;
-
-  ownSession_ = std::make_unique<host::Session>();
-  auto unusable = unusable_.begin();
-  for (std::size_t i = 0; i < regions.size(); ++i) {
-    if (unusable != unusable_.end() && unusable->region == i) {
-      ++unusable;
-      continue;
-    }
-    // The region brings its shape and origin along.
-    ownSession_->Place(regions[i]);
-    originals_.push_back(i);
-  }
-  ownHeard_ = std::make_unique<host::HeardSession>(*ownSession_);
-  session_ = ownSession_.get();
-  heard_ = ownHeard_.get();
+  return unusable;
 }
+
+std::vector<bool> FlagsOf(const std::vector<UnusableRegion>& unusable, std::size_t regions) {
+  std::vector<bool> flags(regions);
+  for (const UnusableRegion& row : unusable) flags[row.region] = true;
+  return flags;
+}
+
+}  // namespace
+
+UsableSession::UsableSession(const host::TargetInput& input, MediaPlace place,
+                             media::FactsByPath& media)
+    : unusable_(UnusableOf(input, place, media)),
+      kept_(input, FlagsOf(unusable_, input.session.Regions().size())) {}
 
 }  // namespace velmora::dawproject

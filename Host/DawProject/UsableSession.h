@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "Media/FactsByPath.h"
+#include "Session/PartialSession.h"
 #include "Session/SessionTarget.h"
 
 namespace velmora::dawproject {
@@ -27,22 +27,15 @@ class UsableSession {
   /// `input` must outlive this.
   UsableSession(const host::TargetInput& input, MediaPlace place, media::FactsByPath& media);
 
-  [[nodiscard]] const host::Session& Regions() const { return *session_; }
-  [[nodiscard]] const host::HeardSession& Heard() const { return *heard_; }
+  [[nodiscard]] const host::Session& Regions() const { return kept_.Regions(); }
+  [[nodiscard]] const host::HeardSession& Heard() const { return kept_.Heard(); }
   /// The index in the input's session of a region here.
-  [[nodiscard]] std::size_t Original(std::size_t region) const {
-    return originals_.empty() ? region : originals_[region];
-  }
+  [[nodiscard]] std::size_t Original(std::size_t region) const { return kept_.Original(region); }
   [[nodiscard]] const std::vector<UnusableRegion>& Unusable() const { return unusable_; }
 
  private:
-  const host::Session* session_;
-  const host::HeardSession* heard_;
   std::vector<UnusableRegion> unusable_;
-  /// Only where something is left out; else the input's own are used as they are.
-  std::unique_ptr<host::Session> ownSession_;
-  std::unique_ptr<host::HeardSession> ownHeard_;
-  std::vector<std::size_t> originals_;
+  host::PartialSession kept_;
 };
 
 }  // namespace velmora::dawproject

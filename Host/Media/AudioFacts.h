@@ -22,6 +22,11 @@ struct AudioFacts {
   std::int64_t frames = 0;
   std::optional<std::int64_t> timeReference;  ///< bext, samples since midnight; none without bext
   std::string originatorReference;            ///< bext, up to its first NUL; empty without
+
+  [[nodiscard]] bool IsWaveOf8Bits() const {
+    return (kind == FileKind::Pcm || kind == FileKind::Extensible || kind == FileKind::Rf64) &&
+           bitsPerSample == 8;
+  }
 };
 
 struct FactsOrTrouble {

@@ -25,7 +25,7 @@ void TellOfFiles(const host::TargetInput& input, media::FactsByPath& media,
     const host::SessionRegion& region = regions[i];
     const auto label = [&] { return host::RegionLabel(input, i) + ": "; };
     if (region.Length() <= 0) {
-      outcome.notes.push_back(label() + "it has no length and is left out");
+      outcome.notes.push_back(label() + host::kHasNoLength);
       continue;
     }
     const media::FactsOrTrouble& file = media.Of(region.path);
@@ -35,13 +35,13 @@ void TellOfFiles(const host::TargetInput& input, media::FactsByPath& media,
       continue;
     }
     if (file.facts->sampleRate != sessionRate) {
-      outcome.notes.push_back(label() + region.path + " is of " +
-                              std::to_string(file.facts->sampleRate) +
-                              " Hz; its samples are counted at the session's rate");
+      outcome.notes.push_back(label() +
+                              host::OfAnotherRate(region, file.facts->sampleRate, sessionRate) +
+                              "; its samples are counted at the session's rate");
     }
-    if (region.start < 0 || region.stop > file.facts->frames) {
-      outcome.notes.push_back(label() + "it runs past " + region.path + ", which has " +
-                              std::to_string(file.facts->frames) + " samples");
+    for (const std::string& odd :
+         host::OddAbout(region, file.facts->frames, file.facts->IsWaveOf8Bits())) {
+      outcome.notes.push_back(label() + odd);
     }
   }
   for (const host::Remark& remark : input.heard.Remarks()) {

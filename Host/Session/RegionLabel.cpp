@@ -11,4 +11,24 @@ std::string RegionLabel(const TargetInput& input, std::size_t region) {
          SessionClock(input.rates).Timecode(facts.position) + ")";
 }
 
+std::string OfAnotherRate(const SessionRegion& region, std::int64_t fileRate,
+                          std::int64_t sessionRate) {
+  return region.path + " is of " + std::to_string(fileRate) + " Hz and the session of " +
+         std::to_string(sessionRate) + " Hz";
+}
+
+std::vector<std::string> OddAbout(const SessionRegion& region, std::int64_t frames,
+                                  bool isWaveOf8Bits) {
+  std::vector<std::string> odd;
+  if (region.start < 0 || region.stop > frames) {
+    odd.push_back("it runs past " + region.path + ", which has " + std::to_string(frames) +
+                  " samples; the rest is silence");
+  }
+  if (isWaveOf8Bits && region.origin && region.origin->piece != RegionPiece::Main) {
+    odd.push_back("it is a fade piece of 8 bits, " + region.path +
+                  ", whose samples have signs where a wave file has none; it does not sound right");
+  }
+  return odd;
+}
+
 }  // namespace velmora::host

@@ -56,6 +56,8 @@ struct SessionRegion {
     if (samples < 0 && position < Limits::min() - samples) return Limits::min();
     return position + samples;
   }
+  /// Samples of the timeline that it takes, 0 or negative for none: as far as 64 bits reach.
+  [[nodiscard]] std::int64_t SoundingLength() const { return End() - position; }
 };
 
 /// What is heard of one region: later regions cover what lies under them.

@@ -15,9 +15,9 @@ class OddRegions : public BounceFixture {
   [[nodiscard]] TargetOutcome BounceIt(BounceDepth depth = BounceDepth::Bits24) const {
     return Bounce(kBounceKind, folder_.Path("out.wav"), depth);
   }
-  /// How a region is named.
-  static std::string Named(const std::string& path, const char* place) {
-    return "region \"name\" of " + path + " (" + place + "): ";
+  /// How a region is named. `place` is its track and its timecode.
+  static std::string Named(int region, const char* place) {
+    return "region " + std::to_string(region) + " \"name\" (" + place + "): ";
   }
 };
 
@@ -31,10 +31,10 @@ TEST_F(OddRegions, anotherRateIsLeftOutAndWhatLiesUnderItIsHeard) {
   const TargetOutcome outcome = BounceIt();
   EXPECT_EQ(outcome.trouble, "");
   EXPECT_EQ(outcome.leftOut, (std::vector<std::string>{
-                                 Named(other.path, "track 6, sample 1100") +
-                                     "its file has 44100 Hz and the session 48000 Hz",
-                                 Named(other.path, "track 7, sample 1000") +
-                                     "its file has 44100 Hz and the session 48000 Hz",
+                                 Named(1, "track 6, 00:00:00:00") + other.path +
+                                     " is of 44100 Hz and the session of 48000 Hz",
+                                 Named(2, "track 7, 00:00:00:00") + other.path +
+                                     " is of 44100 Hz and the session of 48000 Hz",
                              }));
   EXPECT_EQ(outcome.notes, std::vector<std::string>{});
   // The track that lost its only region keeps its place, with one channel.
@@ -66,15 +66,14 @@ TEST_F(OddRegions, aSourceThatIsGoneOrBrokenIsLeftOut) {
   Place(0, 200, folder, 0, 50);
   const TargetOutcome outcome = BounceIt();
   EXPECT_EQ(outcome.trouble, "");
-  EXPECT_EQ(
-      outcome.leftOut,
-      (std::vector<std::string>{
-          Named(gone.path, "track 1, sample 10") +
-              "its file cannot be read: No such file or directory",
-          Named(broken.path, "track 1, sample 100") +
-              "its file cannot be read: this is no sound file, or a damaged one",
-          Named(folder.path, "track 1, sample 200") + "its file cannot be read: this is a folder",
-      }));
+  EXPECT_EQ(outcome.leftOut, (std::vector<std::string>{
+                                 Named(1, "track 1, 00:00:00:00") + gone.path +
+                                     " cannot be read: No such file or directory",
+                                 Named(2, "track 1, 00:00:00:00") + broken.path +
+                                     " cannot be read: this is no sound file, or a damaged one",
+                                 Named(3, "track 1, 00:00:00:00") + folder.path +
+                                     " cannot be read: this is a folder",
+                             }));
   EXPECT_TRUE(AudioOf(folder_.Path("out.wav")) == alone);
 }
 
@@ -91,19 +90,19 @@ TEST_F(OddRegions, whatIsHeardOtherwiseThanItIsPlacedIsNamed) {
   const TargetOutcome outcome = BounceIt();
   EXPECT_EQ(outcome.trouble, "");
   EXPECT_EQ(outcome.leftOut, std::vector<std::string>{});
-  EXPECT_EQ(outcome.notes,
-            (std::vector<std::string>{
-                Named(a.path, "track 1, sample 0") +
-                    "ends at sample 600 of a file of 500; it is silent where the file has ended",
-                Named(a.path, "track 1, sample 700") +
-                    "begins at sample -5 of its file; it is silent up to the first",
-                Named(a.path, "track 1, sample 900") + "has no length; it is left out",
-                Named(eight.path, "track 2, sample 2000") +
-                    "is a fade piece of 8 bits, whose samples have signs where a wave file has "
-                    "none; it does not sound right",
-                Named(a.path, "track 1, sample 1000") +
-                    "its fade-out of 80 samples is longer than what it has; it is cut to 30",
-            }));
+  const std::string past =
+      "it runs past " + a.path + ", which has 500 samples; the rest is silence";
+  EXPECT_EQ(
+      outcome.notes,
+      (std::vector<std::string>{
+          Named(0, "track 1, 00:00:00:00") + past,
+          Named(1, "track 1, 00:00:00:00") + past,
+          Named(2, "track 1, 00:00:00:00") + "it has no length and is left out",
+          Named(5, "track 2, 00:00:00:01") + "it is a fade piece of 8 bits, " + eight.path +
+              ", whose samples have signs where a wave file has none; it does not sound right",
+          Named(3, "track 1, 00:00:00:00") +
+              "its fade-out of 80 samples is longer than what it has; it is cut to 30",
+      }));
 }
 
 TEST_F(OddRegions, aSessionThatNoBounceCanTellIsRefused) {

@@ -70,7 +70,7 @@ TEST_F(SourceFilesTest, tellWhatTheirBytesAre) {
     SourceForm form;
     std::optional<BounceDepth> same;
     bool isFloat;
-    bool isUnsigned8;
+    bool isWaveOf8Bits;
   };
   const Row rows[] = {
       {"8 bits", {8}, {}, false, true},
@@ -87,7 +87,7 @@ TEST_F(SourceFilesTest, tellWhatTheirBytesAre) {
     EXPECT_EQ(facts.trouble, "") << row.rule;
     EXPECT_EQ(facts.sameBytesAs, row.same) << row.rule;
     EXPECT_EQ(facts.isFloat, row.isFloat) << row.rule;
-    EXPECT_EQ(facts.isUnsigned8, row.isUnsigned8) << row.rule;
+    EXPECT_EQ(facts.isWaveOf8Bits, row.isWaveOf8Bits) << row.rule;
     EXPECT_EQ(facts.frames, 20) << row.rule;
     EXPECT_EQ(facts.channels, row.form.channels) << row.rule;
     EXPECT_EQ(facts.sampleRate, static_cast<std::int32_t>(row.form.rate)) << row.rule;

@@ -187,16 +187,20 @@ TEST_F(DawProjectTest, whatIsNotThereIsMarked) {
   material_.Place(other, 100, 50, {}, 0, 0, "Other");
   material_.Place(none, 200, 50);
   material_.Place(good, 250, 0);
+  const std::size_t piece = material_.Place(material_.WaveOf8Bits("eight.wav"), 400, 60);
+  material_.session.Describe(piece, {0, 1, 1, RegionPiece::FadeIn});
   const TargetOutcome outcome = WriteAndRead();
   ASSERT_EQ(outcome.leftOut.size(), 2u);
   EXPECT_EQ(outcome.leftOut[0], "region 1 \"Other\" (track 1, 00:00:00:00): " + other +
                                     " is of 44100 Hz and the session of 48000 Hz");
   EXPECT_NE(outcome.leftOut[1].find(none + " cannot be read: "), std::string::npos);
-  ASSERT_EQ(outcome.notes.size(), 1u);
+  ASSERT_EQ(outcome.notes.size(), 3u);
   EXPECT_NE(outcome.notes[0].find("region 3 "), std::string::npos);
   EXPECT_NE(outcome.notes[0].find("it has no length"), std::string::npos);
+  EXPECT_NE(outcome.notes[1].find("it runs past "), std::string::npos);
+  EXPECT_NE(outcome.notes[2].find("it is a fade piece of 8 bits"), std::string::npos);
   // What lies under them is heard.
-  ASSERT_EQ(Clips().size(), 1u);
+  ASSERT_EQ(Clips().size(), 2u);
   EXPECT_EQ(Text(Clips()[0]), "0+300@0 0/0");
 
   const pugi::xml_node markers = project_.child("Arrangement").child("Markers");

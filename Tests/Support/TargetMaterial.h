@@ -26,6 +26,13 @@ class TargetMaterial {
     return folder.Write(name, PlainWave(format, samples));
   }
 
+  /// The same of 8 bits, mono, of 50 frames.
+  std::string WaveOf8Bits(std::string_view name) const {
+    WaveFormat format;
+    format.bits = 8;
+    return folder.Write(name, PlainWave(format, std::vector<std::int32_t>(50, 7)));
+  }
+
   /// Puts a region of `length` samples, from sample `start` of its file on. Returns its index.
   std::size_t Place(const std::string& path, std::int64_t position, std::int64_t length,
                     host::RegionShape shape = {}, std::int64_t track = 0, std::int64_t start = 0,
