@@ -11,9 +11,10 @@ const host::TargetKind kBounceKind = {
     .extension = ".wav",
     .title = "Bounce",
     .help =
-        "The audio as the session plays it: one Broadcast Wave,\ntracks side by side; - is "
+        "The audio as the session plays it: one Broadcast\nWave file, tracks side by side; - is "
         "standard output",
     .use = host::TargetKind::Use::Regions,
+    .canStream = true,
     .claim =
         [](const std::string& path, const host::TargetChoices& choices) {
           return BounceTarget::Claim(path, choices.bounceDepth);

@@ -207,8 +207,9 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
 
   const std::string complaint = host::ParseHost(host::Hosts(), raw.host, arguments.host);
   if (!complaint.empty()) return "--host: " + complaint;
+  if (arguments.host.target == kStandardOutput) return NoStandardOutput("--host");
   arguments.host.target = AbsolutePath(arguments.host.target);
-  std::string wrong = FinishTargets(raw.targets, arguments.host.target, arguments.targets);
+  std::string wrong = FinishTargets(raw.targets, arguments.targets);
   if (!wrong.empty()) return wrong;
   if (arguments.targets.native && (arguments.fades || arguments.gain)) {
     return "--native excludes --fades and --gain: they render what it leaves to the workstation";
@@ -248,6 +249,7 @@ std::string FinishReport(SpotArguments& arguments, const std::string& page,
                          const CLI::App& report) {
   if (report.count("-o") == 0) return "-o is missing: name the page to make";
   if (page.empty()) return "-o: the name is empty";
+  if (page == kStandardOutput) return NoStandardOutput("-o");
   if (arguments.prepare) {
     return "--prepare does not go with report, for it makes files: make the report of what velmora "
            "prepare has made";
@@ -334,10 +336,12 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   RawOptions rawReport;
   std::string page;
   CLI::App* const report = app.add_subcommand(
-      "report", "Make a page of what a spot would place, make and leave out,\nand nothing else");
-  AddSpotOptions(*report, reportArguments, rawReport);
+      "report",
+      "Make a page of what a spot would place, make and leave out,\nand nothing else: what the "
+      "options name is planned, not made");
   report->add_option("-o,--output", page, "The page to make, which must not exist")
       ->type_name("FILE.html");
+  AddSpotOptions(*report, reportArguments, rawReport);
 
   CheckArguments checkArguments;
   RawCheckOptions rawCheck;

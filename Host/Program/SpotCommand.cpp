@@ -142,10 +142,10 @@ host::SpotRecord FullRecord(const SpotArguments& arguments, const SpotOptions& o
   return record;
 }
 
-/// A project without a cut, told to those that tell of a spot.
-void RecordNothingPlaced(const SpotArguments& arguments, const ViewModel& model,
-                         const SpotTargets& targets) {
-  if (!targets.TellOfTheSpot()) return;
+/// Ends a run without a cut: tells the targets that nothing was placed. Returns the exit status.
+int PlaceNothing(const SpotArguments& arguments, const ViewModel& model, SpotTargets& targets) {
+  std::cerr << "velmora: " << Printable(arguments.project) << ": there is no cut to place\n";
+  targets.ForgetSession();
   const host::SessionRates rates =
       host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
   host::Session session;
@@ -154,11 +154,13 @@ void RecordNothingPlaced(const SpotArguments& arguments, const ViewModel& model,
   recording.Message(Kind::Trouble, "There is no cut to place.",
                     "Export the project again with its cuts; velmora check says what it holds.");
   const SpotOptions options = OptionsFor(arguments, model, rates);
-  const host::SpotRecord record =
-      FullRecord(arguments, options, recording,
-                 recording.RecordOf(arguments.project, options, LeftOut(model)));
+  host::SpotRecord record = recording.RecordOf(arguments.project, options, LeftOut(model));
+  if (targets.TellOfTheSpot()) {
+    record = FullRecord(arguments, options, recording, std::move(record));
+  }
   // It ends with the same status either way.
-  static_cast<void>(targets.WriteRecords({session, heard, rates, record}, arguments.json, false));
+  static_cast<void>(targets.Write({session, heard, rates, record}, arguments.json, false));
+  return kLeftOut;
 }
 
 /// A project that was read and does not load, told to the page that somebody asked for by
@@ -268,9 +270,7 @@ int RunSpotCommand(const SpotArguments& given) {
     return WithHint(arguments, model, kDoesNotLoad);
   }
   if (!model.HasCuts()) {
-    std::cerr << "velmora: " << arguments.project << ": there is no cut to place\n";
-    RecordNothingPlaced(arguments, model, targets);
-    return WithHint(arguments, model, kLeftOut);
+    return WithHint(arguments, model, PlaceNothing(arguments, model, targets));
   }
   const int status = SpotModel(arguments, model, targets);
   return WithHint(arguments, model, status == kAllDone && !prepared ? kLeftOut : status);

@@ -1,7 +1,9 @@
 #include "Program/SpotTargets.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 #include <utility>
 
 #include "Program/ProgressBar.h"
@@ -52,13 +54,26 @@ std::string SpotTargets::Add(const host::TargetKind& kind, const std::string& pa
                              const std::string& option, const host::TargetChoices& choices) {
   host::ClaimedTarget claimed = kind.claim(path, choices);
   if (!claimed.complaint.empty()) return option + ": " + claimed.complaint;
+  if (!TakePlace(path)) return option + ": " + path + " is given twice";
   rows_.push_back({&kind, path, std::move(claimed.target)});
   return {};
+}
+
+bool SpotTargets::TakePlace(const std::string& path) {
+  std::filesystem::path place = path;
+  if (!place.has_filename()) place = place.parent_path();  // "DIR/" is "DIR"
+  // The last name is new, so that no link can stand there. Without the folder nothing can be made.
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::canonical(place.parent_path(), error);
+  return places_.insert(error ? path : (folder / place.filename()).string()).second;
 }
 
 std::string SpotTargets::Claim(const SpotArguments& arguments) {
   const TargetRequests& requests = arguments.targets;
   if (arguments.plan) return Add(*arguments.plan->kind, arguments.plan->path, "-o", {});
+  for (const std::string& folder : {arguments.copyFolder, arguments.preparation.into}) {
+    static_cast<void>(TakePlace(folder));
+  }
   if (!arguments.host.target.empty()) {
     std::string complaint =
         Add(*arguments.host.kind->target, arguments.host.target, "--host", requests.choices);
@@ -95,23 +110,26 @@ host::TargetOutcome SpotTargets::WriteOne(const Row& row, const host::TargetInpu
 bool SpotTargets::Write(const host::TargetInput& input, bool json, bool showsBar) const {
   bool whole = true;
   host::SpotRecord record = input.record;
+  const host::TargetInput withRecord = {input.session, input.heard, input.rates, record};
+  const auto write = [&](const Row& row) {
+    host::TargetOutcome outcome = WriteOne(row, withRecord, json, showsBar);
+    whole = whole && ReasonOf(outcome).empty();
+    return outcome;
+  };
   for (const Row& row : rows_) {
     if (row.kind->use == Use::Record) continue;
-    host::TargetOutcome outcome = WriteOne(row, input, json, showsBar);
-    whole = whole && ReasonOf(outcome).empty();
+    host::TargetOutcome outcome = write(row);
     record.targets.push_back({row.kind->name, row.path, false, std::move(outcome.trouble),
                               std::move(outcome.leftOut), std::move(outcome.notes)});
   }
-  return WriteRecords({input.session, input.heard, input.rates, record}, json, showsBar) && whole;
-}
-
-bool SpotTargets::WriteRecords(const host::TargetInput& input, bool json, bool showsBar) const {
-  bool whole = true;
   for (const Row& row : rows_) {
-    if (row.kind->use != Use::Record) continue;
-    whole = ReasonOf(WriteOne(row, input, json, showsBar)).empty() && whole;
+    if (row.kind->use == Use::Record) static_cast<void>(write(row));
   }
   return whole;
+}
+
+void SpotTargets::ForgetSession() {
+  std::erase_if(rows_, [](const Row& row) { return row.kind->use == Use::SessionRecord; });
 }
 
 bool SpotTargets::TellOfTheSpot() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,8 @@ namespace velmora::program {
 /// The targets of one spot: claimed before it begins, written when its last region has arrived.
 class SpotTargets {
  public:
-  /// Claims the host's target and all others; of a plan its page alone.
+  /// Claims the host's target and all others; of a plan its page alone. No two may have one place,
+  /// whatever way the links lead to it, nor may one have that of a folder that the spot makes.
   /// @return an empty text, or the option and what stands against its target
   [[nodiscard]] std::string Claim(const SpotArguments& arguments);
 
@@ -22,8 +24,8 @@ class SpotTargets {
   /// the others, too.
   /// @return true if all were made and lack nothing
   [[nodiscard]] bool Write(const host::TargetInput& input, bool json, bool showsBar) const;
-  /// The same for a project that was not spotted at all: writes those that tell of the spot.
-  [[nodiscard]] bool WriteRecords(const host::TargetInput& input, bool json, bool showsBar) const;
+  /// Drops the host's own session: a project that was not spotted leaves an earlier one alone.
+  void ForgetSession();
 
   /// True if one of them tells of the spot and wants the whole of the record.
   [[nodiscard]] bool TellOfTheSpot() const;
@@ -39,7 +41,11 @@ class SpotTargets {
   [[nodiscard]] std::string Add(const host::TargetKind& kind, const std::string& path,
                                 const std::string& option, const host::TargetChoices& choices);
 
+  /// False if something has the place already.
+  [[nodiscard]] bool TakePlace(const std::string& path);
+
   std::vector<Row> rows_;
+  std::set<std::string> places_;
 };
 
 }  // namespace velmora::program

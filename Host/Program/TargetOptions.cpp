@@ -1,7 +1,6 @@
 #include "Program/TargetOptions.h"
 
 #include <algorithm>
-#include <set>
 
 #include "Destinations/Destinations.h"
 #include "Program/AbsolutePath.h"
@@ -10,14 +9,16 @@
 namespace velmora::program {
 namespace {
 
-constexpr const char* kStandardOutput = "-";
-
 host::BounceDepth DepthOf(const std::string& text) {
   if (text == "16") return host::BounceDepth::Bits16;
   return text == "32f" ? host::BounceDepth::Float32 : host::BounceDepth::Bits24;
 }
 
 }  // namespace
+
+std::string NoStandardOutput(const std::string& option) {
+  return option + ": only a bounce goes to standard output; a file of that name is ./-";
+}
 
 bool TargetRequests::TakeStandardOutput() const {
   return std::any_of(targets.begin(), targets.end(),
@@ -41,23 +42,17 @@ void AddTargetOptions(CLI::App& spot, RawTargets& raw) {
                 "workstation, in\nplace of rendered pieces");
 }
 
-std::string FinishTargets(const RawTargets& raw, const std::string& hostTarget,
-                          TargetRequests& requests) {
+std::string FinishTargets(const RawTargets& raw, TargetRequests& requests) {
   requests.choices = raw.choices;
   requests.choices.bounceDepth = DepthOf(raw.bounceDepth);
   requests.native = raw.native;
-  std::set<std::string> seen;
-  if (!hostTarget.empty()) seen.insert(hostTarget);
   for (const host::TargetKind* const kind : host::Targets()) {
     const auto paths = raw.paths.find(kind->name);
     if (paths == raw.paths.end()) continue;
     for (const std::string& given : paths->second) {
       if (given.empty()) return std::string(kind->option) + ": the name is empty";
-      const std::string path = given == kStandardOutput ? given : AbsolutePath(given);
-      if (!seen.insert(path).second) {
-        return std::string(kind->option) + ": " + path + " is given twice";
-      }
-      requests.targets.push_back({kind, path});
+      if (given == kStandardOutput && !kind->canStream) return NoStandardOutput(kind->option);
+      requests.targets.push_back({kind, given == kStandardOutput ? given : AbsolutePath(given)});
     }
   }
   return {};

@@ -9,6 +9,12 @@
 
 namespace velmora::program {
 
+/// What stands for standard output in place of a path, where a target can write there.
+inline constexpr const char* kStandardOutput = "-";
+
+/// The complaint where it cannot.
+[[nodiscard]] std::string NoStandardOutput(const std::string& option);
+
 /// One target that was asked for.
 struct TargetRequest {
   const host::TargetKind* kind;
@@ -37,7 +43,6 @@ struct RawTargets {
 void AddTargetOptions(CLI::App& spot, RawTargets& raw);
 
 /// Takes over what the validators have let through; an empty answer, or what is wrong.
-[[nodiscard]] std::string FinishTargets(const RawTargets& raw, const std::string& hostTarget,
-                                        TargetRequests& requests);
+[[nodiscard]] std::string FinishTargets(const RawTargets& raw, TargetRequests& requests);
 
 }  // namespace velmora::program

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Program/ExitStatus.h"
+#include "Program/TextTable.h"
 
 namespace velmora::program {
 namespace {
@@ -67,7 +68,7 @@ std::string CommandComplaint(const CLI::App& program, const CLI::App& command,
 }  // namespace
 
 int BadUsage(const std::string& what, const std::string& command) {
-  std::fprintf(stderr, "velmora: %s\nTry 'velmora %s--help'.\n", what.c_str(),
+  std::fprintf(stderr, "velmora: %s\nTry 'velmora %s--help'.\n", Printable(what).c_str(),
                command.empty() ? "" : (command + " ").c_str());
   return kBadUsage;
 }

@@ -76,7 +76,9 @@ struct TargetKind {
   const char* title;      ///< for a menu: "DAWproject"
   const char* help;       ///< one or more lines
   Use use;
-  /// Looks at a target before the spot begins. `path` is absolute. Makes nothing there.
+  bool canStream = false;  ///< "-" in place of a path is standard output
+  /// Looks at a target before the spot begins. `path` is absolute, or "-" where that can be. Makes
+  /// nothing there.
   ClaimedTarget (*claim)(const std::string& path, const TargetChoices& choices);
 };
 

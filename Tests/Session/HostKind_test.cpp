@@ -13,9 +13,10 @@ ClaimedTarget ClaimNothing(const std::string& /*path*/, const TargetChoices& /*c
 }
 
 constexpr TargetKind kReel = {
-    "reel", nullptr, "REEL", ".reel", "Reel", "Tape", TargetKind::Use::Regions, ClaimNothing};
+    "reel", nullptr,     "REEL", ".reel", "Reel", "Tape", TargetKind::Use::Regions,
+    false,  ClaimNothing};
 constexpr TargetKind kPress = {
-    "press", nullptr, "DIR", "", "Press", "Discs", TargetKind::Use::Regions, ClaimNothing};
+    "press", nullptr, "DIR", "", "Press", "Discs", TargetKind::Use::Regions, false, ClaimNothing};
 constexpr HostKind kTape = {"tape", &kReel, TargetUse::Optional, "Plays back.", ConnectNothing};
 constexpr HostKind kDisc = {"disc", &kPress, TargetUse::Required, "Engraves", ConnectNothing};
 constexpr const HostKind* kHosts[] = {&kTape, &kDisc};
