@@ -187,7 +187,7 @@ void RecordLoadFailure(const SpotArguments& arguments, const ViewModel& model,
                              "loads."});
   record.findings = FindingsOf(arguments.project, reading);
   // It ends with the same status either way.
-  static_cast<void>(targets.WriteRecords({session, heard, rates, record}, arguments.json, false));
+  static_cast<void>(targets.Write({session, heard, rates, record}, arguments.json, false));
 }
 
 /// Spots a loaded project. Returns the exit status.
