@@ -47,11 +47,13 @@ class Refused(OptionTest):
     def test_aPathGivenTwice(self):
         (self.folder / "sub").mkdir()
         (self.folder / "link").symlink_to("sub")
-        spellings = (("x", "x"), ("x", "./x"), ("x", str(self.folder / "x")), ("x", "x/"), ("sub/x", "sub//x"), ("sub/x", "./sub/./x"))
+        spellings = (("x", "x"), ("x", "./x"), ("x", str(self.folder / "x")), ("x", "x/"), ("sub/x", "sub//x"), ("sub/x", "./sub/./x"),
+                     ("x", "sub/../x"), ("sub/x", "link/x"), ("link/../x", "x"))
         for one, other in spellings:
             self.refuse(("--bounce-tracks", one, "--otio", other.rstrip("/")), "given twice")
             self.refuse(("--report", one.rstrip("/"), "--host", f"embedded:{other.rstrip('/')}"), "given twice")
         for pair in (("--otio", "x", "--otio", "x"), ("--bounce", "x", "--dawproject", "x"),
+                     ("--copy-to", "x", "--bounce-tracks", "x"), ("--prepare=x", "--bounce-tracks", "x"),
                      ("--host", "ardour:x", "--bounce-tracks", "x")):
             self.refuse(pair, "given twice")
 
