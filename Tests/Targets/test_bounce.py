@@ -109,7 +109,7 @@ class Edges(HandMade):
                                Cut(2, 2, 0, HOUR + 200, -50), Cut(2, 3, 0, HOUR + 500, 0))
         spot = self.bounced(project, status=(ALL_DONE, LEFT_OUT))
         self.assertEqual([region.length for region in spot.regions], [200, 0, -50, 0])
-        notes = [line for line in spot.run.err.splitlines() if line.startswith("velmora: bounce: ") and "b.wav" in line]
+        notes = [line for line in spot.run.err.splitlines() if line.startswith("velmora: bounce: ") and '"b"' in line]
         self.assertEqual(len(notes), 3, spot.run.err)
 
     def test_regionsOfAnotherRate(self):
@@ -190,8 +190,8 @@ class Shapes(HandMade):
     def test_cutFadesAreNamed(self):
         project = self.project(self.FILES, Cut(1, 1, 0, HOUR, 100, 130, 7))
         spot = self.bounced(project, "--native", into="out")
-        self.assertRegex(spot.run.err, r"velmora: bounce: note: .*a\.wav.*130 ")
-        self.assertRegex(spot.run.err, r"velmora: bounce: note: .*a\.wav.*fade-out of 7 ")
+        self.assertRegex(spot.run.err, r'velmora: bounce: note: .*"a".*fade-in of 130 ')
+        self.assertRegex(spot.run.err, r'velmora: bounce: note: .*"a".*fade-out of 7 ')
 
 
 class Pipe(HandMade):

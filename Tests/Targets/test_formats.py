@@ -138,6 +138,14 @@ class Contents(FormatTest):
         for name in ("dawproject", "otio"):
             self.assertRegex(spot.run.err, rf"velmora: {name}: .*b\.wav.*44100")
 
+    def test_fadePiecesOf8Bits(self):
+        """Their samples have signs, which no wave file of 8 bits has: every target that refers to them says so."""
+        project = self.project({"a.wav": noise(900, 8)}, Cut(1, 1, 0, HOUR, 900, 100, 50))
+        spot = self.spot(project.path, "--fades", targets=("dawproject", "otio", "bounce"))
+        for target in ("dawproject", "otio", "bounce"):
+            for piece in ("a_FadeIn", "a_FadeOut"):
+                self.assertRegex(spot.run.err, rf'velmora: {target}: note: .*"{piece}".*8 bits')
+
     def test_theProjectsConstants(self):
         project = self.project({"a.wav": noise(900)}, Cut(1, 1, 0, HOUR, 900))
         text = project.path.read_bytes().replace(

@@ -85,6 +85,13 @@ class Refused(OptionTest):
         for option in ("--bounce", "--bounce-tracks", "--dawproject", "--otio", "--report"):
             self.refuse((option, "locked/x"), option, "locked/x", before=give_up_root)
 
+    def test_standardOutputIsForABounceAlone(self):
+        for options in (("--otio", "-"), ("--report", "-"), ("--dawproject", "-"), ("--bounce-tracks", "-"), ("--host", "embedded:-"),
+                        ("--host", "ardour:-")):
+            self.refuse(options, options[0], "standard output")
+        result = run("report", self.adl, "-o", "-", cwd=self.folder)
+        self.assert_bad_usage(result, "-o", "standard output")
+
     def test_whatDoesNotGoTogether(self):
         self.refuse(("--native", "--fades", "--otio", "x"), "--native")
         self.refuse(("--gain", "--native"), "--native")
