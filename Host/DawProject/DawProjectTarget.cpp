@@ -103,7 +103,7 @@ class MediaCopier {
   bool isCancelled_ = false;
 };
 
-/// What the spot left out and what this target leaves out, in that order.
+/// What the spot left out and what this target leaves out, in rising position.
 std::vector<Absence> AbsencesOf(const host::TargetInput& input, const UsableSession& usable,
                                 std::vector<std::string>& leftOut) {
   std::vector<Absence> absences;
@@ -114,6 +114,10 @@ std::vector<Absence> AbsencesOf(const host::TargetInput& input, const UsableSess
     leftOut.push_back(host::RegionLabel(input, unusable.region) + ": " + unusable.cause);
     absences.push_back({input.session.Regions()[unusable.region].position, leftOut.back()});
   }
+  // Some programs read markers in a row and expect rising times.
+  std::stable_sort(absences.begin(), absences.end(), [](const Absence& one, const Absence& other) {
+    return one.position < other.position;
+  });
   return absences;
 }
 

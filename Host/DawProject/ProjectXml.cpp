@@ -1,7 +1,7 @@
 #include "DawProject/ProjectXml.h"
 
 #include <algorithm>
-#include <map>
+#include <optional>
 #include <unordered_map>
 
 #include "ADL/ProjectConstants.h"
@@ -107,8 +107,13 @@ class ProjectMaker {
     Set(lane, "timeUnit", "seconds");
     pugi::xml_node clips = lane.append_child("Clips");
     Set(clips, "timeUnit", "seconds");
-    const host::HeardClips told =
-        host::ClipsOf(parts_.usable.Regions(), parts_.usable.Heard(), track);
+    host::HeardClips told = host::ClipsOf(parts_.usable.Regions(), parts_.usable.Heard(), track);
+    host::CutToFiles(
+        parts_.usable.Regions(),
+        [this](const host::SessionRegion& region) {
+          return std::optional(parts_.media.Of(region.path).facts->frames);
+        },
+        told.clips);
     for (const host::HeardClip& clip : told.clips) AddClip(clips, clip);
     for (const host::Remark& remark : told.remarks) Note(remark.region, remark.text);
   }

@@ -99,7 +99,10 @@ class TimelineWriter {
          << JsonText(OtioObjects::Metadata(TrackFacts(track)))
          << ", \"source_range\": null, \"effects\": [], \"markers\": [], \"enabled\": true,\n"
             "\"children\": [";
-    const host::HeardClips told = host::ClipsOf(input_.session, input_.heard, track);
+    host::HeardClips told = host::ClipsOf(input_.session, input_.heard, track);
+    host::CutToFiles(
+        input_.session, [this](const host::SessionRegion& region) { return FramesOf(region); },
+        told.clips);
     for (const host::Remark& remark : told.remarks) {
       outcome_.notes.push_back(host::RegionLabel(input_, remark.region) + ": " + remark.text);
     }
@@ -137,11 +140,13 @@ class TimelineWriter {
 
   [[nodiscard]] const Json& ClipObject(const host::HeardClip& clip) {
     const host::SessionRegion& region = input_.session.Regions()[clip.region];
+    return objects_.Clip({clip.region, region, region.start + (clip.position - region.position),
+                          clip.Length(), FramesOf(region)});
+  }
+
+  [[nodiscard]] std::optional<std::int64_t> FramesOf(const host::SessionRegion& region) {
     const media::FactsOrTrouble& file = media_.Of(region.path);
-    const ClipParts parts = {clip.region, region, region.start + (clip.position - region.position),
-                             clip.Length(),
-                             file.facts ? std::optional(file.facts->frames) : std::nullopt};
-    return objects_.Clip(parts);
+    return file.facts ? std::optional(file.facts->frames) : std::nullopt;
   }
 
   const host::TargetInput& input_;

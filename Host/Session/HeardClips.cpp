@@ -191,4 +191,26 @@ HeardClips ClipsOf(const Session& session, const HeardSession& heard, std::int64
   return ClipTeller(session, heard).Tell(heard, track);
 }
 
+void CutToFiles(const Session& session, const FramesOf& framesOf, std::vector<HeardClip>& clips) {
+  for (std::size_t i = 0; i < clips.size(); ++i) {
+    HeardClip& clip = clips[i];
+    const SessionRegion& region = session.Regions()[clip.region];
+    const std::optional<std::int64_t> frames = framesOf(region);
+    if (!frames) continue;
+    const std::int64_t crossOut = i + 1 < clips.size() ? clips[i + 1].crossfade : 0;
+    const std::int64_t start = region.start + (clip.position - region.position);  // in the file
+    const std::int64_t before = std::clamp<std::int64_t>(-start, 0, clip.Length());
+    const std::int64_t after =
+        std::clamp<std::int64_t>(start + clip.Length() - *frames, 0, clip.Length() - before);
+    if (clip.fadeOut == 0 && crossOut == 0 && after <= clip.Length() - clip.fadeIn) {
+      clip.end -= after;
+    }
+    if (clip.fadeIn == 0 && clip.crossfade == 0 &&
+        before <= clip.Length() - std::max(clip.fadeOut, crossOut)) {
+      clip.position += before;
+    }
+  }
+  std::erase_if(clips, [](const HeardClip& clip) { return clip.Length() == 0; });
+}
+
 }  // namespace velmora::host

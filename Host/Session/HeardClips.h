@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "Session/HeardSession.h"
@@ -45,5 +47,13 @@ struct HeardClips {
 /// same.
 [[nodiscard]] HeardClips ClipsOf(const Session& session, const HeardSession& heard,
                                  std::int64_t track);
+
+/// Samples of a region's file; none if that is not known.
+using FramesOf = std::function<std::optional<std::int64_t>(const SessionRegion& region)>;
+
+/// Cuts clips to what their files hold: what lies beyond them is silence either way, and some
+/// programs refuse a clip that is longer than its file, or fill it up with something else. An end
+/// of a clip at which it fades or crosses over stays, so that no ramp changes.
+void CutToFiles(const Session& session, const FramesOf& framesOf, std::vector<HeardClip>& clips);
 
 }  // namespace velmora::host

@@ -20,7 +20,11 @@ std::string OfAnotherRate(const SessionRegion& region, std::int64_t fileRate,
 std::vector<std::string> OddAbout(const SessionRegion& region, std::int64_t frames,
                                   bool isWaveOf8Bits) {
   std::vector<std::string> odd;
-  if (region.start < 0 || region.stop > frames) {
+  if (region.start < 0) {
+    odd.push_back("it begins " + std::to_string(-region.start) + " samples before " + region.path +
+                  "; these are silence");
+  }
+  if (region.stop > frames) {
     odd.push_back("it runs past " + region.path + ", which has " + std::to_string(frames) +
                   " samples; the rest is silence");
   }

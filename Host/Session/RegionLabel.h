@@ -22,9 +22,9 @@ inline constexpr const char* kHasNoLength = "it has no length and is left out";
 [[nodiscard]] std::string OfAnotherRate(const SessionRegion& region, std::int64_t fileRate,
                                         std::int64_t sessionRate);
 
-/// What is odd about how a region with a length sounds: that it runs past its file, which has
-/// `frames` samples, and that it is a fade piece of a wave file of 8 bits. The system writes these
-/// with signs, and wave files have none there.
+/// What is odd about how a region with a length sounds: that it begins before its file, that it
+/// runs past it, which has `frames` samples, and that it is a fade piece of a wave file of 8 bits.
+/// The system writes these with signs, and wave files have none there.
 [[nodiscard]] std::vector<std::string> OddAbout(const SessionRegion& region, std::int64_t frames,
                                                 bool isWaveOf8Bits);
 

@@ -96,7 +96,8 @@ TEST_F(OddRegions, whatIsHeardOtherwiseThanItIsPlacedIsNamed) {
       outcome.notes,
       (std::vector<std::string>{
           Named(0, "track 1, 00:00:00:00") + past,
-          Named(1, "track 1, 00:00:00:00") + past,
+          Named(1, "track 1, 00:00:00:00") + "it begins 5 samples before " + a.path +
+              "; these are silence",
           Named(2, "track 1, 00:00:00:00") + "it has no length and is left out",
           Named(5, "track 2, 00:00:00:01") + "it is a fade piece of 8 bits, " + eight.path +
               ", whose samples have signs where a wave file has none; it does not sound right",

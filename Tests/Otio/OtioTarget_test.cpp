@@ -221,7 +221,8 @@ INSTANTIATE_TEST_SUITE_P(
                  1},
         TrackRow{
             "aFadeThatWasCutIsNoted", {{0, 100, {150, 0, 0}}}, "gap 0, trans 0/100, clip 0+100", 1},
-        TrackRow{"aRegionThatRunsPastItsFileIsNoted", {{0, 100, {}, 950}}, "clip 950+100", 1}),
+        TrackRow{
+            "aRegionThatRunsPastItsFileIsCutToItAndNoted", {{0, 100, {}, 950}}, "clip 950+50", 1}),
     [](const auto& row) { return row.param.rule; });
 
 TEST_F(OtioTest, aSessionThatBeginsBefore0BeginsTheTimelineThere) {
@@ -258,7 +259,7 @@ TEST_F(OtioTest, filesThatAreNotAsTheyShouldBeAreTold) {
   const std::size_t piece = material_.Place(material_.WaveOf8Bits("eight.wav"), 100, 60);
   material_.session.Describe(piece, {0, 1, 1, RegionPiece::FadeIn});
   const TargetOutcome outcome = WriteAndRead();
-  EXPECT_EQ(Text(Track()), "clip 0+50, clip 0+50, clip 0+60");
+  EXPECT_EQ(Text(Track()), "clip 0+50, clip 0+50, clip 0+50");
   ASSERT_EQ(outcome.notes.size(), 4u);
   EXPECT_NE(outcome.notes[0].find(other + " is of 44100 Hz"), std::string::npos);
   ASSERT_EQ(outcome.leftOut.size(), 1u);

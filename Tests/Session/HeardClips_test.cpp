@@ -186,6 +186,48 @@ void ExpectInOrder(const std::vector<HeardClip>& clips) {
   }
 }
 
+TEST(HeardClips, areCutToTheirFilesWhereNoRampIsTouched) {
+  const struct {
+    const char* rule;
+    std::int64_t start, length, frames;
+    RegionShape shape;
+    const char* clips;
+  } rows[] = {
+      {"inside", 5, 100, 200, {}, "0:1000-1100"},
+      {"runsPast", 150, 100, 200, {}, "0:1000-1050"},
+      {"beginsBefore", -30, 100, 200, {}, "0:1030-1100"},
+      {"both", -30, 300, 200, {}, "0:1030-1230"},
+      {"whollyAfter", 200, 100, 200, {}, ""},
+      {"whollyBefore", -100, 100, 200, {}, ""},
+      {"fadeOutStays", 150, 100, 200, {0, 10, 0}, "0:1000-1100<10"},
+      {"fadeInStays", -30, 100, 200, {10, 0, 0}, "0:1000-1100>10"},
+      {"fadeAtTheOtherEnd", 150, 100, 200, {10, 0, 0}, "0:1000-1050>10"},
+      {"fadeBeyondTheFile", 195, 100, 200, {10, 0, 0}, "0:1000-1100>10"},
+      {"emptyFile", 0, 100, 0, {}, ""},
+  };
+  for (const auto& row : rows) {
+    Session session;
+    session.Shape(session.Place({0, 1000, row.start, row.start + row.length, 1, "/a.wav", "a"}),
+                  row.shape);
+    HeardClips told = ClipsOf(session, HeardSession(session), 0);
+    CutToFiles(
+        session, [&](const SessionRegion&) { return std::optional(row.frames); }, told.clips);
+    EXPECT_EQ(Text(told), row.clips) << row.rule;
+  }
+}
+
+TEST(HeardClips, aCrossfadeKeepsBothItsClips) {
+  Session session = SessionOf({{0, 100}, {80, 100, {20, 0, 0}}});  // from sample 1000 of the file
+  HeardClips told = ClipsOf(session, HeardSession(session), 0);
+  ASSERT_EQ(Text(told), "0:0-100 1:100-180x20");
+  CutToFiles(
+      session, [](const SessionRegion&) { return std::optional<std::int64_t>(1050); }, told.clips);
+  EXPECT_EQ(Text(told), "0:0-100 1:100-130x20");
+  CutToFiles(
+      session, [](const SessionRegion&) { return std::nullopt; }, told.clips);
+  EXPECT_EQ(Text(told), "0:0-100 1:100-130x20");
+}
+
 TEST(HeardClips, withoutRemarksSoundAsTheSession) {
   std::mt19937 random(8);
   std::size_t told = 0, crossfades = 0;

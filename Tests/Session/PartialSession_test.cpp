@@ -50,6 +50,7 @@ TEST_F(PartialSessionTest, ofASessionWithoutAnyRegionLeftThereIsAnEmptyOne) {
 
 TEST(RegionTexts, whatIsOddAboutARegionIsToldOnceForAllTargets) {
   const std::string past = "it runs past a.wav, which has 500 samples; the rest is silence";
+  const std::string early = "it begins 1 samples before a.wav; these are silence";
   const std::string eight =
       "it is a fade piece of 8 bits, a.wav, whose samples have signs where a wave file has none; "
       "it "
@@ -62,7 +63,7 @@ TEST(RegionTexts, whatIsOddAboutARegionIsToldOnceForAllTargets) {
     std::vector<std::string> odd;
   } rows[] = {
       {"inside", 0, 500, false, RegionPiece::Main, {}},
-      {"beforeTheFile", -1, 500, false, RegionPiece::Main, {past}},
+      {"beforeTheFile", -1, 500, false, RegionPiece::Main, {early}},
       {"afterTheFile", 0, 501, false, RegionPiece::Main, {past}},
       {"mainOf8Bits", 0, 500, true, RegionPiece::Main, {}},
       {"unknownOf8Bits", 0, 500, true, {}, {}},
