@@ -19,6 +19,7 @@ const host::TargetKind kBounceKind = {
         [](const std::string& path, const host::TargetChoices& choices) {
           return BounceTarget::Claim(path, choices.bounceDepth);
         },
+    .offers = {.bounceDepth = true},
 };
 
 const host::TargetKind kBounceTracksKind = {
@@ -33,6 +34,7 @@ const host::TargetKind kBounceTracksKind = {
         [](const std::string& path, const host::TargetChoices& choices) {
           return BounceTracksTarget::Claim(path, choices.bounceDepth);
         },
+    .offers = {.bounceDepth = true},
 };
 
 }  // namespace velmora::bounce

@@ -19,6 +19,7 @@ const TargetKind kDawProjectKind = {
         [](const std::string& path, const TargetChoices& choices) {
           return ClaimNewFile<dawproject::DawProjectTarget>(path, choices.embedMedia);
         },
+    .offers = {.embedMedia = true},
 };
 
 }  // namespace velmora::host

@@ -46,16 +46,4 @@ void HintAtFindings(const std::string& path, const std::optional<LoadFailure>& f
             << "; velmora check " << Printable(path) << " says why and what helps\n";
 }
 
-std::vector<host::RecordedFinding> FindingsOf(const std::string& path,
-                                              const check::CheckOptions& options) {
-  media::FolderListings listings;
-  std::vector<host::RecordedFinding> findings;
-  for (const check::Finding& finding : CheckProject(path, options, listings).findings) {
-    findings.push_back({check::NameOf(finding.severity), check::RowOf(finding.code).name,
-                        finding.line, finding.entry, finding.source, finding.text, finding.effect,
-                        finding.remedy});
-  }
-  return findings;
-}
-
 }  // namespace velmora::program

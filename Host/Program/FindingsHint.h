@@ -2,11 +2,9 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "ADL/LoadFailure.h"
 #include "Check/CheckProject.h"
-#include "Session/SpotRecord.h"
 
 namespace velmora::program {
 
@@ -18,9 +16,5 @@ namespace velmora::program {
 ///                again.
 void HintAtFindings(const std::string& path, const std::optional<LoadFailure>& failure,
                     check::CheckOptions options = {});
-
-/// What a check finds in a project, for a page that tells it: all, and not only what is serious.
-[[nodiscard]] std::vector<host::RecordedFinding> FindingsOf(const std::string& path,
-                                                            const check::CheckOptions& options);
 
 }  // namespace velmora::program

@@ -60,7 +60,7 @@ void JsonSpotReport::FileMade(FilePass pass, std::int32_t event, const std::stri
                               std::int32_t status) {
   SpotReport::FileMade(pass, event, path, status);
   Write({{"kind", "file"},
-         {"pass", NameOf(pass)},
+         {"pass", recording::NameOf(pass)},
          {"event", event},
          {"path", path},
          {"status", status}});

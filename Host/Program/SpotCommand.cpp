@@ -17,14 +17,15 @@
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
 #include "Program/PlannedSpot.h"
-#include "Program/SpotNotes.h"
 #include "Program/SpotPreparation.h"
-#include "Program/SpotRecording.h"
 #include "Program/SpotTargets.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
 #include "Program/TruePosition.h"
 #include "Program/Usage.h"
+#include "Recording/RecordedFindings.h"
+#include "Recording/SpotNotes.h"
+#include "Recording/SpotRecording.h"
 #include "Spot/SpotChoices.h"
 #include "Spot/SpotRequest.h"
 
@@ -60,18 +61,22 @@ SpotOptions OptionsFor(const SpotArguments& arguments, const ViewModel& model,
 }
 
 using Kind = host::RecordedMessage::Kind;
+using NativeParts = SpotRecording::NativeParts;
 
-constexpr const char* kRateRemedy =
-    "Spot into a session of the project's rates, or add --true-position, which places every cut "
-    "to the sample.";
+SpotProject ProjectOf(const ViewModel& model) {
+  return {model.project.get(), model.numEvents, model.minTrack, model.firstEvent};
+}
+
+NativeParts NativePartsOf(const SpotArguments& arguments) {
+  return {arguments.targets.native, arguments.targets.native};
+}
 
 void TellRemarks(const host::Session& session, const host::SessionHost& host,
                  SpotRecording& recording) {
   for (const host::Remark& remark : host.Remarks()) {
     std::cerr << "velmora: note: region of " << Printable(session.Regions()[remark.region].path)
               << ": " << remark.text << '\n';
-    recording.Message(Kind::Remark,
-                      "region of " + session.Regions()[remark.region].path + ": " + remark.text);
+    recording.Remark(remark);
   }
 }
 
@@ -79,12 +84,14 @@ void TellRemarks(const host::Session& session, const host::SessionHost& host,
 void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
           const SpotArguments& arguments, RegionHost& host, SpotReport& report,
           SpotRecording& recording) {
+  const SpotProject project = ProjectOf(model);
   for (const std::string& alert :
        SpotWarnings(model.firstEvent, session.sampleRate, session.frameRate)) {
     report.Warning(alert);
-    recording.Message(Kind::Warning, alert, kRateRemedy);
+    recording.Message(Kind::Warning, alert, recording::kRateRemedy);
   }
-  for (const std::string& note : SpotNotes(model, session, options, arguments.truePosition)) {
+  for (const std::string& note :
+       recording::SpotNotes(project, session, options, arguments.truePosition)) {
     std::cerr << "velmora: " << note << '\n';
     recording.Message(Kind::Note, note);
   }
@@ -96,8 +103,6 @@ void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
     recording.Message(Kind::Trouble, line, "See that the folder takes files and has room.");
   });
   StopOnInterrupt();
-  const SpotProject project = {model.project.get(), model.numEvents, model.minTrack,
-                               model.firstEvent};
   const bool finished = arguments.plan ? PlanSpot(project, options, host, report, recording)
                                        : RunSpot(project, options, host, report);
   SetSystemLog(nullptr);
@@ -138,7 +143,7 @@ host::SpotRecord FullRecord(const SpotArguments& arguments, const SpotOptions& o
   check::CheckOptions reading;
   reading.sessionRate = arguments.sessionRate;
   reading.sessionFrameRate = arguments.sessionFrameRate;
-  record.findings = FindingsOf(arguments.project, reading);
+  record.findings = recording::FindingsOf(arguments.project, reading);
   return record;
 }
 
@@ -150,11 +155,11 @@ int PlaceNothing(const SpotArguments& arguments, const ViewModel& model, SpotTar
       host::SessionRatesFor(model.firstEvent, arguments.sessionRate, arguments.sessionFrameRate);
   host::Session session;
   const host::HeardSession heard(session);
-  SpotRecording recording(model, session, arguments.targets.native);
+  SpotRecording recording(ProjectOf(model), session, NativePartsOf(arguments));
   recording.Message(Kind::Trouble, "There is no cut to place.",
                     "Export the project again with its cuts; velmora check says what it holds.");
   const SpotOptions options = OptionsFor(arguments, model, rates);
-  host::SpotRecord record = recording.RecordOf(arguments.project, options, LeftOut(model));
+  host::SpotRecord record = recording.RecordOf(arguments.project, options, LeftOut(*model.project));
   if (targets.TellOfTheSpot()) {
     record = FullRecord(arguments, options, recording, std::move(record));
   }
@@ -185,7 +190,7 @@ void RecordLoadFailure(const SpotArguments& arguments, const ViewModel& model,
                              "The project does not load: " + FailureText(*model.loadFailure),
                              "Export the project again, or let velmora prepare make one that "
                              "loads."});
-  record.findings = FindingsOf(arguments.project, reading);
+  record.findings = recording::FindingsOf(arguments.project, reading);
   // It ends with the same status either way.
   static_cast<void>(targets.Write({session, heard, rates, record}, arguments.json, false));
 }
@@ -200,9 +205,9 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTarget
   host::Session session;
   const std::unique_ptr<host::SessionHost> host = arguments.host.kind->connect(session);
   MessageTap tap(*host);
-  LeftOut leftOut(model);
-  FindSilentCuts(model, leftOut);
-  SpotRecording recording(model, session, arguments.targets.native);
+  LeftOut leftOut(*model.project);
+  recording::FindSilentCuts(ProjectOf(model), leftOut);
+  SpotRecording recording(ProjectOf(model), session, NativePartsOf(arguments));
   const host::SessionClock clock(rates);
   const bool showsBar = IsTerminal(STDERR_FILENO) && !arguments.quiet;
   std::unique_ptr<SpotReport> report;

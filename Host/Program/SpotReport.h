@@ -6,13 +6,16 @@
 #include <string>
 
 #include "Model/ViewModel.h"
-#include "Program/LeftOut.h"
-#include "Program/SpotRecording.h"
+#include "Recording/LeftOut.h"
+#include "Recording/SpotRecording.h"
 #include "Spot/RegionMessage.h"
 #include "Spot/SpotOptions.h"
 #include "Spot/SpotWorker.h"
 
 namespace velmora::program {
+
+using recording::LeftOut;
+using recording::SpotRecording;
 
 /// Keeps the message that goes to a host last, for a report.
 class MessageTap : public RegionHost {

@@ -9,8 +9,8 @@
 #include "Base/FileNames.h"
 #include "Base/Text.h"
 #include "Destinations/Destinations.h"
-#include "Program/SpotNotes.h"
 #include "Program/TextTable.h"
+#include "Recording/SpotNotes.h"
 
 namespace velmora::program {
 namespace {
@@ -41,7 +41,7 @@ void TextSpotReport::Start(const SpotOptions& options, std::int32_t steps) {
   out_ << "Project   " << Counted(model_.project->events.size(), "event") << ", "
        << Printable(model_.totalStartTime) << " to " << Printable(model_.totalEndTime) << '\n'
        << "Session   " << clock_.SampleRate() << " Hz, " << clock_.Rate().name << " frames\n"
-       << "Position  " << PositionText(arguments_.positionMode) << ", moved by "
+       << "Position  " << recording::PositionText(arguments_.positionMode) << ", moved by "
        << options.timelineOffset << " samples\n"
        << "Audio     " << AudioText(options) << "\n\n"
        << std::flush;

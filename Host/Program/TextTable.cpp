@@ -28,14 +28,6 @@ bool IsWide(char32_t character) {
   });
 }
 
-/// Control characters, those from 0x80 on too, which some terminals obey; and what turns the
-/// direction of a line or ends it, so that a name may not show as another one.
-bool IsHarmful(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x200E ||
-         character == 0x200F || (character >= 0x2028 && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069);
-}
-
 }  // namespace
 
 bool IsTerminal(int descriptor) {
@@ -52,17 +44,6 @@ std::size_t DisplayWidth(std::string_view utf8) {
   std::size_t width = 0;
   for (std::size_t at = 0; at < utf8.size();) width += IsWide(NextCharacter(utf8, at)) ? 2 : 1;
   return width;
-}
-
-std::string Printable(std::string_view text) {
-  std::string line;
-  line.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = NextCharacter(text, at);
-    AppendUtf8(line, IsHarmful(character) ? U' ' : character);
-  }
-  line.erase(line.find_last_not_of(' ') + 1);
-  return line;
 }
 
 void TextTable::Add(std::vector<std::string> cells, bool alarming) {

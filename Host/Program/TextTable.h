@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Session/Printable.h"
+
 namespace velmora::program {
 
 /// True if the standard stream (1 or 2) is a terminal that understands control sequences.
@@ -17,9 +19,7 @@ namespace velmora::program {
 /// Cells of a terminal that a UTF-8 text takes: East Asian wide characters take two.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);
 
-/// A text as one line that harms no terminal: control characters and those that turn a line's
-/// direction are blanks, what is not UTF-8 is U+FFFD.
-[[nodiscard]] std::string Printable(std::string_view text);
+using host::Printable;
 
 enum class Align { Left, Right };
 

@@ -94,6 +94,8 @@ class Session {
   void Describe(std::size_t region, const RegionOrigin& origin) {
     regions_[region].origin = origin;
   }
+  /// Takes that back: what was known no longer holds.
+  void ForgetOrigin(std::size_t region) { regions_[region].origin.reset(); }
   void Shape(std::size_t region, const RegionShape& shape) { regions_[region].shape = shape; }
 
   [[nodiscard]] const std::vector<SessionRegion>& Regions() const { return regions_; }

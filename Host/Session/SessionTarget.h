@@ -59,6 +59,12 @@ struct TargetChoices {
   BounceDepth bounceDepth = BounceDepth::Bits24;
 };
 
+/// Which of the choices mean something to a kind of target.
+struct OfferedChoices {
+  bool embedMedia = false;
+  bool bounceDepth = false;
+};
+
 /// One kind of target: a row of the table that help, command line, spot and the desktop's menu
 /// read. Each target defines its row in its own folder.
 struct TargetKind {
@@ -80,6 +86,7 @@ struct TargetKind {
   /// Looks at a target before the spot begins. `path` is absolute, or "-" where that can be. Makes
   /// nothing there.
   ClaimedTarget (*claim)(const std::string& path, const TargetChoices& choices);
+  OfferedChoices offers = {};  ///< that a person may make beside the name
 };
 
 }  // namespace velmora::host

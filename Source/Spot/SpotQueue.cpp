@@ -15,7 +15,8 @@ constexpr std::int32_t kGivenUp = -128;
 /// What RunSpot sees of the view.
 class SpotTask::Observer : public SpotObserver {
  public:
-  Observer(SpotTask& run, SpotDisplay& display) : run_(run), display_(display) {}
+  Observer(SpotTask& run, SpotDisplay& display, SpotFollower* follower)
+      : run_(run), display_(display), follower_(follower) {}
 
   bool Aborted() override { return run_.aborted_; }
   void Report(std::int32_t progress) override { run_.Report(progress, display_); }
@@ -23,10 +24,25 @@ class SpotTask::Observer : public SpotObserver {
     // Messages given up by a closing view are no failures of the host.
     if (!run_.closing_) display_.Log(line);
   }
+  void FileMade(FilePass pass, std::int32_t event, const std::string& path,
+                std::int32_t status) override {
+    if (follower_ != nullptr) follower_->FileMade(pass, event, path, status);
+  }
+  void RegionTried(std::int32_t event, RegionPiece piece, std::int32_t attempt,
+                   std::int32_t status) override {
+    if (follower_ != nullptr) follower_->RegionTried(event, piece, attempt, status);
+  }
+  void RegionGivenUp(std::int32_t event, RegionPiece piece, std::int32_t status) override {
+    if (follower_ != nullptr) follower_->RegionGivenUp(event, piece, status);
+  }
+  void CutLeftOut(std::int32_t event, const std::string& path) override {
+    if (follower_ != nullptr) follower_->CutLeftOut(event, path);
+  }
 
  private:
   SpotTask& run_;
   SpotDisplay& display_;
+  SpotFollower* follower_;
 };
 
 /// The view's host until the view closes. From then on each attempt fails at once, so that a worker
@@ -54,7 +70,7 @@ SpotTask::~SpotTask() {
   End();
 }
 
-bool SpotTask::Execute(RegionHost& host, SpotDisplay& display) {
+bool SpotTask::Execute(RegionHost& host, SpotDisplay& display, SpotFollower* follower) {
   if (!Start()) return false;
   struct Ending {
     SpotTask& run;
@@ -63,9 +79,12 @@ bool SpotTask::Execute(RegionHost& host, SpotDisplay& display) {
 
   if (!WaitForTurn()) return false;
   Host guardedHost(*this, host);
-  Observer observer(*this, display);
+  Observer observer(*this, display, follower);
   const SpotProject project{work_.project.get(), work_.numEvents, work_.minTrack, work_.firstEvent};
-  return RunSpot(project, options_, guardedHost, observer) && !closing_;
+  if (follower != nullptr) follower->Began(project, options_);
+  const bool finished = RunSpot(project, options_, guardedHost, observer) && !closing_;
+  if (follower != nullptr) follower->Ended(options_, finished);
+  return finished;
 }
 
 /// False if the queue has been closed before the thread came.

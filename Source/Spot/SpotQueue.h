@@ -55,6 +55,18 @@ class SpotDisplay {
   virtual void Log(const std::string& line) = 0;
 };
 
+/// Follows the runs of a view, for a shell that tells of them later. All calls come from the
+/// worker's thread, and none may wait for the main thread.
+class SpotFollower : public SpotEvents {
+ public:
+  /// A run begins its work. The project stays until `Ended`.
+  virtual void Began(const SpotProject& project, const SpotOptions& options) = 0;
+  /// It has ended, and reports no more.
+  /// @param options  as they were carried out
+  /// @param finished false if an abort or a close ended it
+  virtual void Ended(const SpotOptions& options, bool finished) = 0;
+};
+
 /// What a run works on: a SpotProject that owns its share of the project. `firstEvent` is a text of
 /// the project.
 struct SharedSpotProject {
@@ -83,7 +95,8 @@ class SpotTask {
   /// @return false if an abort or a close ended it, be it before its work began. A run that is
   ///         aborted after its last look at the abort has done all its work, and ends like any
   ///         other.
-  bool Execute(RegionHost& host, SpotDisplay& display);
+  /// @param follower may be null; is told of every run that begins its work, and of its end
+  bool Execute(RegionHost& host, SpotDisplay& display, SpotFollower* follower = nullptr);
 
   // The rest is for the main thread.
 

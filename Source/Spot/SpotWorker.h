@@ -23,13 +23,10 @@ enum class RegionPiece { Main, FadeIn, Crossfade, FadeOut };
 /// As JSON has it: "main", "infade", "crossfade", "outfade".
 [[nodiscard]] const char* NameOf(RegionPiece piece);
 
-/// What a run tells. All calls come from the worker's thread.
-class SpotObserver {
+/// What becomes of a run's files and regions. All calls come from the worker's thread.
+class SpotEvents {
  public:
-  virtual ~SpotObserver() = default;
-  virtual bool Aborted() = 0;                      ///< polled once an event, in most passes
-  virtual void Report(std::int32_t progress) = 0;  ///< steps done, or -1 at the end
-  virtual void Log(const std::string& line) = 0;   ///< for the system log, without a line feed
+  virtual ~SpotEvents() = default;
   /// A file was made, or could not be: `status` is CopyTo's, and 0 or 2 for a renderer.
   virtual void FileMade(FilePass, std::int32_t /*event*/, const std::string& /*path*/,
                         std::int32_t /*status*/) {}
@@ -40,6 +37,14 @@ class SpotObserver {
   virtual void RegionGivenUp(std::int32_t /*event*/, RegionPiece, std::int32_t /*status*/) {}
   /// A ticked cut gets no main region: its file is missing (`path` empty) or not valid.
   virtual void CutLeftOut(std::int32_t /*event*/, const std::string& /*path*/) {}
+};
+
+/// What a run tells. All calls come from the worker's thread.
+class SpotObserver : public SpotEvents {
+ public:
+  virtual bool Aborted() = 0;                      ///< polled once an event, in most passes
+  virtual void Report(std::int32_t progress) = 0;  ///< steps done, or -1 at the end
+  virtual void Log(const std::string& line) = 0;   ///< for the system log, without a line feed
 };
 
 /// The whole of a spot: five passes over the events, in which files are made and regions sent, each

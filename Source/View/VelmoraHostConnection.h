@@ -4,6 +4,7 @@
 
 namespace velmora {
 class RegionHost;
+class SpotFollower;
 }
 
 // The one place that knows where a spot sends its regions. On macOS they go to the host application
@@ -19,5 +20,10 @@ class RegionHost;
 
 // The receiver that a spot would use now; never null.
 + (velmora::RegionHost*)regionHost;
+
+// Names what is told of the spots to come, null for nothing. Not owned, and to live as the receiver
+// does.
++ (void)setSpotFollower:(velmora::SpotFollower*)follower;
++ (velmora::SpotFollower*)spotFollower;
 
 @end

@@ -36,6 +36,7 @@ class DefaultHost : public velmora::RegionHost {
 #endif
 
 velmora::RegionHost* chosenHost = nullptr;
+velmora::SpotFollower* chosenFollower = nullptr;
 
 }  // namespace
 
@@ -48,6 +49,14 @@ velmora::RegionHost* chosenHost = nullptr;
 + (velmora::RegionHost*)regionHost {
   static DefaultHost defaultHost;
   return chosenHost != nullptr ? chosenHost : &defaultHost;
+}
+
++ (void)setSpotFollower:(velmora::SpotFollower*)follower {
+  chosenFollower = follower;
+}
+
++ (velmora::SpotFollower*)spotFollower {
+  return chosenFollower;
 }
 
 @end

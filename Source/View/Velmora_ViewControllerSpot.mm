@@ -102,7 +102,8 @@ static std::int32_t SelectedTag(NSMatrix* matrix) {
   // The options are read here, from the controls that were just frozen, so that the worker touches
   // no view object.
   [spotThread setRun:runs->Request([self spotProject], [self spotOptions])
-                host:[VelmoraHostConnection regionHost]];
+                host:[VelmoraHostConnection regionHost]
+            follower:[VelmoraHostConnection spotFollower]];
   if (VelmoraDetachThread(@selector(spotProc:), spotThread, @"first")) return;
   [spotThread dropRun];  // a run without a thread would hold up those after it
   [self abortSpot];

@@ -7,6 +7,7 @@
 
 namespace velmora {
 class RegionHost;
+class SpotFollower;
 class SpotTask;
 }  // namespace velmora
 
@@ -21,7 +22,8 @@ class SpotTask;
   std::int32_t cancel;   // kept for its accessors; a spot is cancelled by its run's abort
   void* ViewController;  // the Velmora_ViewController, not retained
   std::shared_ptr<velmora::SpotTask> run;
-  velmora::RegionHost* host;  // not owned
+  velmora::RegionHost* host;        // not owned
+  velmora::SpotFollower* follower;  // not owned, null for none
 }
 
 // A new worker for a view controller; the caller owns it.
@@ -35,7 +37,9 @@ class SpotTask;
 - (std::int32_t)getCancel;
 
 // Hands over the work, before the thread starts.
-- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun host:(velmora::RegionHost*)newHost;
+- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun
+          host:(velmora::RegionHost*)newHost
+      follower:(velmora::SpotFollower*)newFollower;
 
 // Gives up the work, for a thread that could not be started.
 - (void)dropRun;

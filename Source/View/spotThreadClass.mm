@@ -70,9 +70,12 @@ struct ShowProgress {
   return cancel;
 }
 
-- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun host:(velmora::RegionHost*)newHost {
+- (void)setRun:(std::shared_ptr<velmora::SpotTask>)newRun
+          host:(velmora::RegionHost*)newHost
+      follower:(velmora::SpotFollower*)newFollower {
   run = std::move(newRun);
   host = newHost;
+  follower = newFollower;
 }
 
 - (void)dropRun {
@@ -91,7 +94,7 @@ struct ShowProgress {
 
 - (void)execute {
   WorkerDisplay display(self);
-  run->Execute(*host, display);
+  run->Execute(*host, display, follower);
 }
 
 - (void)abort {
@@ -99,6 +102,7 @@ struct ShowProgress {
 }
 
 - (void)report:(NSNumber*)progress {
+  if (run == nullptr) return;
   const ShowProgress show{(Velmora_ViewController*)ViewController, progress};
   run->DeliverReport(show);
 }

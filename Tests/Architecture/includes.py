@@ -25,8 +25,8 @@ TARGETS = ["Host/Bounce", "Host/DawProject", "Host/Otio", "Host/Report"]
 ARDOUR = [*TARGET, "Host/Embedded"]
 DESTINATIONS = ["Host/Session", "Host/Embedded", "Host/Ardour", *TARGETS]
 TASKS = ["Host/Field", "Host/Media", "Host/Check", "Host/Prepare"]
-PORTABLE = [*CORE, "Host/Session", "Host/Peaks", "Host/Timeline", "Host/Embedded", *TASKS, "Host/Ardour", *TARGETS,
-            "Host/Destinations"]
+PORTABLE = [*CORE, "Host/Session", "Host/Recording", "Host/Peaks", "Host/Timeline", "Host/Embedded", *TASKS,
+            "Host/Ardour", *TARGETS, "Host/Destinations"]
 
 # A room and the rooms that it may use beside itself.
 MAY_USE = {
@@ -45,10 +45,11 @@ MAY_USE = {
     "Host/Peaks": [*BASE, "Host/Media"],
     "Host/Check": CHECK,
     "Host/Prepare": PREPARE,
+    "Host/Recording": PREPARE,
     **dict.fromkeys(TARGETS, TARGET),
     "Host/Ardour": ARDOUR,
     "Host/Destinations": DESTINATIONS,
-    "Host/Program": [*CORE, "Host/Session", "Host/Embedded", *TASKS, "Host/Destinations"],
+    "Host/Program": [*CORE, "Host/Session", "Host/Embedded", "Host/Recording", *TASKS, "Host/Destinations"],
 }
 
 # The shell's own rooms, each of which uses none but those before it.

@@ -1,10 +1,10 @@
-#include "Program/LeftOut.h"
+#include "Recording/LeftOut.h"
 
 #include "BWF/AES31BWF.h"
 #include "Model/ProjectSummary.h"
-#include "Program/TextTable.h"
+#include "Session/Printable.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 namespace {
 
 std::string MissingText(const MissingSource& source) {
@@ -57,8 +57,8 @@ const char* CopyCause(std::int32_t status) {
 
 }  // namespace
 
-std::string EventName(const ViewModel& model, std::int32_t event) {
-  const AES31Event* const found = model.project->GetEvent(event);
+std::string EventName(AES31Project& project, std::int32_t event) {
+  const AES31Event* const found = project.GetEvent(event);
   std::string name = "event " + std::to_string(event);
   if (found == nullptr) return name;
   return name + " (entry " + std::to_string(found->entryNumber) + ", track " +
@@ -66,15 +66,15 @@ std::string EventName(const ViewModel& model, std::int32_t event) {
 }
 
 void LeftOut::Add(std::int32_t event, const std::string& what, const char* remedy) {
-  parts_.push_back({event, Printable(what), remedy});
+  parts_.push_back({event, host::Printable(what), remedy});
 }
 
 std::string LeftOut::LineOf(const Part& part) const {
-  return EventName(model_, part.event) + ": " + part.text;
+  return EventName(project_, part.event) + ": " + part.text;
 }
 
 void LeftOut::NotPcm(std::int32_t event) {
-  AES31BWF& file = *model_.project->GetEvent(event)->sourceFile;
+  AES31BWF& file = *project_.GetEvent(event)->sourceFile;
   Add(event,
       "its samples read as silence, for the file is not plain PCM (format tag " +
           std::to_string(file.GetFormat()->formatTag) + "): " + file.GetPath(),
@@ -83,8 +83,7 @@ void LeftOut::NotPcm(std::int32_t event) {
 
 void LeftOut::Cut(std::int32_t event, const std::string& path) {
   if (!path.empty()) return Add(event, "the file is no valid wave file: " + path, kPrepare);
-  AES31Project& project = *model_.project;
-  Add(event, MissingText(MissingSourceAt(project, project.GetEvent(event)->cut.sourceIndex)),
+  Add(event, MissingText(MissingSourceAt(project_, project_.GetEvent(event)->cut.sourceIndex)),
       "Put the file into the project's folder, or let velmora prepare --media DIR look for it.");
 }
 
@@ -101,4 +100,4 @@ void LeftOut::Region(std::int32_t event, RegionPiece piece, std::int32_t status)
       "--only-events.");
 }
 
-}  // namespace velmora::program
+}  // namespace velmora::recording

@@ -1,14 +1,14 @@
-#include "Program/SpotRecording.h"
+#include "Recording/SpotRecording.h"
 
 #include "ADL/ShiftJis.h"
 #include "BWF/AES31BWF.h"
 #include "Base/FileNames.h"
 #include "Base/Wrapping.h"
 #include "Model/ProjectSummary.h"
-#include "Program/SpotNotes.h"
+#include "Recording/SpotNotes.h"
 #include "Timecode/AdlTime.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 namespace {
 
 constexpr std::uint32_t kProjectTitle = 5;
@@ -104,7 +104,7 @@ void SpotRecording::FileMade(FilePass pass, std::int32_t event, const std::strin
 }
 
 void SpotRecording::FilePlanned(FilePass pass, std::int32_t event) {
-  AES31BWF* const source = model_.project->GetEvent(event)->sourceFile;
+  AES31BWF* const source = project_.project->GetEvent(event)->sourceFile;
   files_.push_back({host::RecordedFile::State::Planned, NameOf(pass), event,
                     source != nullptr ? source->GetPath() : ""});
 }
@@ -114,15 +114,24 @@ void SpotRecording::Message(host::RecordedMessage::Kind kind, const std::string&
   messages_.push_back({kind, text, remedy});
 }
 
+void SpotRecording::Remark(const host::Remark& remark) {
+  Message(host::RecordedMessage::Kind::Remark,
+          "region of " + session_.Regions()[remark.region].path + ": " + remark.text);
+}
+
 void SpotRecording::RegionLanded(std::int32_t index, RegionPiece piece) {
-  const AES31Event* const event = model_.project->GetEvent(index);
+  const AES31Event* const event = project_.project->GetEvent(index);
   if (event == nullptr || session_.Regions().empty()) return;
   const std::size_t region = session_.Regions().size() - 1;
   host::RegionOrigin origin{index, event->entryNumber, std::nullopt, piece};
   const std::int32_t source = event->cut.sourceIndex;
-  if (model_.project->sourceFiles.contains(source)) origin.source = source;
+  if (project_.project->sourceFiles.contains(source)) origin.source = source;
   session_.Describe(region, origin);
-  if (native_ && piece == RegionPiece::Main) session_.Shape(region, ShapeOf(*event));
+  if (piece != RegionPiece::Main) return;
+  host::RegionShape shape = ShapeOf(*event);
+  if (!native_.fades) shape.fadeIn = shape.fadeOut = 0;
+  if (!native_.gain) shape.gainDb = 0;
+  session_.Shape(region, shape);
 }
 
 host::SpotRecord SpotRecording::RecordOf(const std::string& projectPath, const SpotOptions& options,
@@ -130,14 +139,14 @@ host::SpotRecord SpotRecording::RecordOf(const std::string& projectPath, const S
   host::SpotRecord record;
   record.projectPath = projectPath;
   for (std::uint32_t id = 0; id < record.constants.size(); ++id) {
-    record.constants[id] = PlainText(model_.project->GetConstant(id));
+    record.constants[id] = PlainText(project_.project->GetConstant(id));
   }
   record.title = TitleOf(record);
-  record.firstTrackNumber = model_.minTrack;
+  record.firstTrackNumber = project_.minTrack;
   for (const LeftOut::Part& part : leftOut.Parts()) {
-    const AES31Event* const event = model_.project->GetEvent(part.event);
+    const AES31Event* const event = project_.project->GetEvent(part.event);
     if (event == nullptr) continue;
-    record.leftOut.push_back({part.event, event->entryNumber, HostTrack(*event, model_.minTrack),
+    record.leftOut.push_back({part.event, event->entryNumber, HostTrack(*event, project_.minTrack),
                               WrapAdd(AdlToSamples(event->cut.destIn), options.timelineOffset),
                               part.text, part.remedy});
   }
@@ -146,11 +155,11 @@ host::SpotRecord SpotRecording::RecordOf(const std::string& projectPath, const S
 
 void SpotRecording::AddDetails(const SpotOptions& options, std::int32_t positionMode,
                                host::SpotRecord& record) const {
-  const AES31Project& project = *model_.project;
-  record.projectRate = AdlSampleRate(model_.firstEvent);
+  const AES31Project& project = *project_.project;
+  record.projectRate = AdlSampleRate(project_.firstEvent);
   for (std::size_t i = 0; i < project.events.size(); ++i) {
     record.events.push_back(
-        RecordedEventOf(project, project.events[i], model_.minTrack, options.timelineOffset));
+        RecordedEventOf(project, project.events[i], project_.minTrack, options.timelineOffset));
     record.events.back().event = static_cast<std::int32_t>(i);
   }
   record.files = files_;
@@ -158,10 +167,10 @@ void SpotRecording::AddDetails(const SpotOptions& options, std::int32_t position
   record.options = {options.bitDepth,
                     options.doFades != 0,
                     options.doGain != 0,
-                    native_,
+                    native_.fades || native_.gain,
                     options.copySource != 0 ? options.copyFolder : "",
                     PositionText(positionMode),
                     options.timelineOffset};
 }
 
-}  // namespace velmora::program
+}  // namespace velmora::recording

@@ -4,18 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "Model/ViewModel.h"
 #include "Spot/SpotWorker.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 
 /// "event 12 (entry 13, track 2)".
-[[nodiscard]] std::string EventName(const ViewModel& model, std::int32_t event);
+[[nodiscard]] std::string EventName(AES31Project& project, std::int32_t event);
 
 /// What of the ticked cuts does not arrive as the project has it, each by itself.
 class LeftOut {
  public:
-  explicit LeftOut(const ViewModel& model) : model_(model) {}
+  /// `project` must outlive this.
+  explicit LeftOut(AES31Project& project) : project_(project) {}
 
   void NotPcm(std::int32_t event);
   /// `path` is empty for a file that was not found.
@@ -36,8 +36,8 @@ class LeftOut {
  private:
   void Add(std::int32_t event, const std::string& what, const char* remedy);
 
-  const ViewModel& model_;
+  AES31Project& project_;
   std::vector<Part> parts_;
 };
 
-}  // namespace velmora::program
+}  // namespace velmora::recording

@@ -1,13 +1,12 @@
-#include "Program/SpotNotes.h"
+#include "Recording/SpotNotes.h"
 
 #include "BWF/AES31BWF.h"
 #include "Base/Wrapping.h"
 #include "Model/ProjectSummary.h"
 #include "Session/SessionClock.h"
-#include "Spot/SpotWorker.h"
 #include "Timecode/AdlTime.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 namespace {
 
 using Relation = RateComparison::Relation;
@@ -43,11 +42,11 @@ std::string PositionText(std::int32_t positionMode) {
   }
 }
 
-std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRates& session,
+std::vector<std::string> SpotNotes(const SpotProject& project, const host::SessionRates& session,
                                    const SpotOptions& options, bool truePosition) {
   std::vector<std::string> notes;
   const RateComparison rates =
-      CompareRates(model.firstEvent, session.sampleRate, session.frameRate);
+      CompareRates(project.firstEvent, session.sampleRate, session.frameRate);
   if (rates.relation == Relation::AsCloseAsAHostTells) {
     notes.push_back("The session's rate is the project's, as closely as a host tells it.");
   } else if (rates.relation != Relation::Same) {
@@ -57,7 +56,7 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
         ", the session at " + host::SampleRateName(rates.sessionRate) + ".");
   }
   if (rates.movedSamples != 0) notes.push_back(MoveText(rates.movedSamples, options, truePosition));
-  const AES31Cut* const first = SpanOfCuts(*model.project, IsPlaced).earliest;
+  const AES31Cut* const first = SpanOfCuts(*project.project, IsPlaced).earliest;
   if (!notes.empty() && first != nullptr) {
     const std::int64_t position = WrapAdd(AdlToSamples(first->destIn), options.timelineOffset);
     const host::SessionClock clock(session);
@@ -67,12 +66,12 @@ std::vector<std::string> SpotNotes(const ViewModel& model, const host::SessionRa
   return notes;
 }
 
-void FindSilentCuts(const ViewModel& model, LeftOut& leftOut) {
-  for (std::int32_t i = 0; i < model.numEvents; ++i) {
-    const AES31Event& event = *model.project->GetEvent(i);
+void FindSilentCuts(const SpotProject& project, LeftOut& leftOut) {
+  for (std::int32_t i = 0; i < project.numEvents; ++i) {
+    const AES31Event& event = *project.project->GetEvent(i);
     if (!IsLive(event) || event.sourceFile == nullptr || !event.sourceFile->IsValid()) continue;
     if (event.sourceFile->GetFormat()->formatTag != kIntegerPcm) leftOut.NotPcm(i);
   }
 }
 
-}  // namespace velmora::program
+}  // namespace velmora::recording

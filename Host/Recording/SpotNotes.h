@@ -4,25 +4,30 @@
 #include <string>
 #include <vector>
 
-#include "Model/ViewModel.h"
-#include "Program/LeftOut.h"
+#include "Recording/LeftOut.h"
 #include "Session/SessionPreset.h"
 #include "Spot/SpotOptions.h"
+#include "Spot/SpotWorker.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 
 /// What the system's alerts do not say, in plain words: both sample rates if they differ, by how
 /// many samples the session's timebase moves everything, and where the first region lands then.
 /// @param truePosition the options take that move back
-[[nodiscard]] std::vector<std::string> SpotNotes(const ViewModel& model,
+[[nodiscard]] std::vector<std::string> SpotNotes(const SpotProject& project,
                                                  const host::SessionRates& session,
                                                  const SpotOptions& options, bool truePosition);
+
+/// What helps where the system warns of a session of other rates.
+inline constexpr const char* kRateRemedy =
+    "Spot into a session of the project's rates, or add --true-position, which places every cut "
+    "to the sample.";
 
 /// Where a project lands, in words. As it was asked for: what takes the compensation back is an
 /// offset, too.
 [[nodiscard]] std::string PositionText(std::int32_t positionMode);
 
 /// Notes each ticked cut whose file is not plain PCM, and so reads as silence.
-void FindSilentCuts(const ViewModel& model, LeftOut& leftOut);
+void FindSilentCuts(const SpotProject& project, LeftOut& leftOut);
 
-}  // namespace velmora::program
+}  // namespace velmora::recording

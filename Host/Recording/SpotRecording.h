@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "Model/ViewModel.h"
-#include "Program/LeftOut.h"
+#include "Recording/LeftOut.h"
 #include "Session/Session.h"
+#include "Session/SessionHost.h"
 #include "Session/SpotRecord.h"
 #include "Spot/SpotOptions.h"
 #include "Spot/SpotWorker.h"
 
-namespace velmora::program {
+namespace velmora::recording {
 
 /// The pass as JSON has it: "depth", "gain", "fade".
 [[nodiscard]] const char* NameOf(FilePass pass);
@@ -20,9 +20,15 @@ namespace velmora::program {
 /// spot.
 class SpotRecording {
  public:
-  /// @param native fades and gain become facts of the regions
-  SpotRecording(const ViewModel& model, host::Session& session, bool native)
-      : model_(model), session_(session), native_(native) {}
+  /// What the project has of these becomes a fact of its regions, where the spot does not render
+  /// it.
+  struct NativeParts {
+    bool fades = false;  ///< crossfades too
+    bool gain = false;
+  };
+  /// Project and session must outlive this.
+  SpotRecording(const SpotProject& project, host::Session& session, NativeParts native)
+      : project_(project), session_(session), native_(native) {}
 
   /// The session's newest region is this piece of this event.
   void RegionLanded(std::int32_t event, RegionPiece piece);
@@ -31,6 +37,8 @@ class SpotRecording {
   void FilePlanned(FilePass pass, std::int32_t event);
   void Message(host::RecordedMessage::Kind kind, const std::string& text,
                const std::string& remedy = {});
+  /// What the host says of a region of the session.
+  void Remark(const host::Remark& remark);
 
   [[nodiscard]] host::SpotRecord RecordOf(const std::string& projectPath,
                                           const SpotOptions& options, const LeftOut& leftOut) const;
@@ -40,11 +48,11 @@ class SpotRecording {
                   host::SpotRecord& record) const;
 
  private:
-  const ViewModel& model_;
+  const SpotProject project_;
   host::Session& session_;
-  const bool native_;
+  const NativeParts native_;
   std::vector<host::RecordedFile> files_;
   std::vector<host::RecordedMessage> messages_;
 };
 
-}  // namespace velmora::program
+}  // namespace velmora::recording
