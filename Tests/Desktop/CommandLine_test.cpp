@@ -46,6 +46,12 @@ TEST(CommandLine, bundleMayHaveOneDash) {
   EXPECT_EQ(Parse({"-bundle", "/b"}).options.bundle, "/b");
 }
 
+TEST(CommandLine, versionNamesTheProgramAndEnds) {
+  const Parsed parsed = Parse({"--version"});
+  EXPECT_EQ(parsed.status, 0);
+  EXPECT_EQ(parsed.out.find("velmora-desktop 0."), 0U) << parsed.out;
+}
+
 TEST(CommandLine, helpEndsWithSuccessAndExamples) {
   const Parsed parsed = Parse({"--help"});
   EXPECT_EQ(parsed.status, 0);

@@ -22,6 +22,7 @@ std::vector<Scenario> LookScenarios();
 std::vector<Scenario> ShellScenarios();
 std::vector<Scenario> WaveScenarios();
 std::vector<Scenario> FindingsScenarios();
+std::vector<Scenario> SaveScenarios();
 std::vector<Scenario> ProgramScenarios();
 
 const std::vector<Scenario>& AllScenarios();

@@ -100,7 +100,9 @@ std::string Message() {
 }
 
 std::string StatusText() {
-  return FieldText(Variable<NSTextField*>(Variable<id>(Shell(), "status"), "field"));
+  return Ask([] {
+    return TextOf([Variable<NSAttributedString*>(Variable<id>(Shell(), "status"), "full") string]);
+  });
 }
 
 std::string EntryText(TextView* entry) {

@@ -55,6 +55,8 @@ std::optional<int> ParseCommandLine(std::vector<std::string> arguments, ShellOpt
                "velmora-desktop");
   app.footer(kExamples);
   app.allow_extras();  // they are named one by one, in words of this program's
+  app.set_version_flag("--version", "velmora-desktop " VELMORA_VERSION,
+                       "Print the version and end");
   app.add_option("PROJECT.adl", options.project, "AES31-3 project to open");
   app.add_option("--bundle", options.bundle, "Take the view from this bundle")->type_name("PATH");
   app.add_option("--snapshot", options.snapshot, "Draw the window to a picture and end")
@@ -66,7 +68,7 @@ std::optional<int> ParseCommandLine(std::vector<std::string> arguments, ShellOpt
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
   try {
     app.parse(arguments);
-  } catch (const CLI::Success& request) {  // help was asked for
+  } catch (const CLI::Success& request) {  // help or the version was asked for
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
     return Complain(OptionText(app, error));

@@ -8,23 +8,14 @@
 #include "Base/FileNames.h"
 #include "Base/Text.h"
 #include "Desktop/Logic/FindingsReport.h"
+#include "Desktop/Logic/FreeName.h"
+#include "Desktop/Logic/TextGroup.h"
 
 namespace velmora::desktop {
 namespace {
 
 using prepare::Outcome;
 using prepare::Prepared;
-
-/// A group with a heading and `lines` of `count`, of which the first `most` are told.
-template <class LineAt>
-void AddGroup(std::string& text, const std::string& heading, std::size_t count, std::size_t most,
-              const LineAt& lineAt) {
-  if (count == 0) return;
-  if (!text.empty()) text += "\n";
-  text += heading + "\n";
-  for (std::size_t i = 0; i < std::min(count, most); ++i) text += "  " + lineAt(i) + "\n";
-  if (count > most) text += "  and " + std::to_string(count - most) + " more\n";
-}
 
 /// What heads the things of one kind: its title and their number.
 std::string Heading(const std::string& before, check::Code code, std::size_t count) {
@@ -88,19 +79,7 @@ void AddFiles(const Prepared& prepared, std::size_t most, std::string& text) {
 }
 
 std::string FreeNameIn(const std::string& folder, const std::string& projectPath) {
-  const std::string name = FileNameOf(projectPath);
-  const std::string stem = name.substr(0, name.rfind('.'));
-  const std::string base = folder + "/" + (stem.empty() ? "Project" : stem) + " prepared";
-  std::string target = base;
-  std::error_code error;
-  // A dangling link takes the name too.
-  for (int number = 2; std::filesystem::symlink_status(target, error).type() !=
-                       std::filesystem::file_type::not_found;
-       ++number) {
-    if (error) break;  // told when the folder is to be made
-    target = base + " " + std::to_string(number);
-  }
-  return target;
+  return FreeName(folder + "/" + StemOf(projectPath, "Project") + " prepared");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "Desktop/Logic/SessionReceiver.h"
 #include "Desktop/Logic/SessionSettings.h"
 #import "Desktop/Shell/FindingsDesk.h"
+#import "Desktop/Shell/SaveDesk.h"
 
 @class SessionBar;
 @class ShellSplit;
@@ -23,7 +24,7 @@
 // names with the bundle that it loads, whose classes begin with Velmora or have the names of its
 // interface, and with the toolkit, whose begin with NS and GS. The shell's say what they are
 // without a prefix, and a test compares them with all of the others.
-@interface ShellController : NSObject <FindingsDeskShell> {
+@interface ShellController : NSObject <FindingsDeskShell, SaveDeskShell> {
   velmora::desktop::ShellOptions options;
   velmora::desktop::SessionSettings settings;
   std::unique_ptr<velmora::desktop::SessionReceiver> receiver;
@@ -35,8 +36,10 @@
   TimelinePane* pane;
   StatusLine* status;
   FindingsDesk* desk;
+  SaveDesk* saveDesk;
   NSTimer* arrivalTimer;
   NSTimer* summaryTimer;
+  BOOL native;  // spots make fades and gain facts of the regions
   BOOL closing;
 }
 

@@ -1,5 +1,7 @@
 #import "Desktop/Shell/ShellController.h"
 
+#import <objc/runtime.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -49,6 +51,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 - (void)ratesChanged:(id)sender;
 - (void)showRates;
 - (void)showStatus;
+- (void)letGo;
 - (void)runRequests:(id)sender;
 - (void)finishSnapshot:(NSTimer*)timer;
 @end
@@ -61,11 +64,15 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   options = someOptions;
   // The receiver's notice comes from a spot's thread; the run loop of the main thread takes it
   // whenever it is free, so that a flood of regions cannot hold up the spot.
-  receiver = std::make_unique<SessionReceiver>([self] {
-    NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    [self performSelectorOnMainThread:@selector(regionsArrived:) withObject:nil waitUntilDone:NO];
-    [pool release];
-  });
+  receiver = std::make_unique<SessionReceiver>(
+      [self] {
+        NSAutoreleasePool* pool = [NSAutoreleasePool new];
+        [self performSelectorOnMainThread:@selector(regionsArrived:)
+                               withObject:nil
+                            waitUntilDone:NO];
+        [pool release];
+      },
+      &settings);
   return self;
 }
 
@@ -74,6 +81,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   [arrivalTimer invalidate];
   [summaryTimer invalidate];
   [desk release];
+  [saveDesk release];
   [view release];
   [bar release];
   [pane release];
@@ -86,13 +94,14 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 - (BOOL)openWindow {
   if (![self makeView]) return NO;
   desk = [[FindingsDesk alloc] initWithShell:self];
+  saveDesk = [[SaveDesk alloc] initWithShell:self receiver:receiver.get()];
   [[NSNotificationCenter defaultCenter] addObserver:self
                                            selector:@selector(didLoad:)
                                                name:[ViewConnection didLoadNotification]
                                              object:nil];
   [self makeWindow];
   [self fillWindow];
-  InstallShellMenu([pane timeline], self);
+  InstallShellMenu([pane timeline], self, saveDesk);
   [self showRates];
   [bar setSummary:@""];
   [self showStatus];
@@ -108,9 +117,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   // The controls of the view must not be pressed while its spot is being waited for.
   closing = YES;
   [window orderOut:nil];
-  [desk close];
-  [pane close];
-  [view close];
+  [self letGo];
   [NSApp terminate:self];
   return YES;
 }
@@ -119,9 +126,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
   closing = YES;
-  [desk close];
-  [pane close];
-  [view close];
+  [self letGo];
   return NSTerminateNow;
 }
 
@@ -144,6 +149,20 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   if (closing || [view isSpotRunning] || [NSApp modalWindow] != nil) return NO;
   [view loadFile:StringFromText(path)];
   return YES;
+}
+
+// The shell of the saves' desk
+
+- (void)saveChanged {
+  [self showStatus];
+}
+
+- (BOOL)isSpotRunning {
+  return [view isSpotRunning];
+}
+
+- (std::string)projectPath {
+  return facts.Loaded() ? facts.path : "";
 }
 
 // The menu's and the bar's actions
@@ -182,10 +201,17 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   [desk prepare:sender];
 }
 
+- (void)toggleNative:(id)sender {
+  native = !native;
+  receiver->SetNative(native);
+}
+
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
-  if ([item action] == @selector(showFindings:)) return [desk hasFindings];
-  if ([item action] == @selector(prepare:)) return [desk canPrepare];
-  if ([item action] == @selector(openProject:)) return ![view isSpotRunning];
+  if (sel_isEqual([item action], @selector(toggleNative:)))
+    [item setState:native ? NSOnState : NSOffState];
+  if (sel_isEqual([item action], @selector(showFindings:))) return [desk hasFindings];
+  if (sel_isEqual([item action], @selector(prepare:))) return [desk canPrepare];
+  if (sel_isEqual([item action], @selector(openProject:))) return ![view isSpotRunning];
   return YES;
 }
 
@@ -204,6 +230,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   view = [[ViewConnection alloc] initWithBundleAtPath:StringFromText(options.bundle)
                                              settings:&settings
                                                  host:receiver.get()
+                                             follower:receiver.get()
                                                 error:&error];
   if (view == nil) std::fprintf(stderr, "velmora-desktop: %s\n", error.c_str());
   return view != nil;
@@ -268,6 +295,8 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 
 - (void)didLoad:(NSNotification*)notification {
   facts = [view facts];
+  receiver->Loaded([view project], facts.path);
+  [saveDesk forget];
   if (facts.Loaded() && !facts.summary.earliest.empty()) {
     settings.SetRates(velmora::host::PresetFor(facts.summary.earliest.c_str()));
     [self showRates];
@@ -338,9 +367,21 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
 }
 
 - (void)showStatus {
-  [status showItems:WithFindings(DescribeProject(facts, settings.Rates()), facts, [desk statusItem])
-               list:StringFromText(MissingList(facts))];
+  std::vector<StatusItem> items =
+      WithFindings(DescribeProject(facts, settings.Rates()), facts, [desk statusItem]);
+  // What was asked for last comes first.
+  const std::optional<StatusItem> saved = [saveDesk statusItem];
+  if (saved) items.insert(items.begin(), *saved);
+  [status showItems:items list:StringFromText(MissingList(facts))];
   [status offerFindings:[desk hasGraveFindings] prepare:[desk canPrepare]];
+}
+
+// Ends what goes on beside the window's work. A save and a preparation leave nothing half-made.
+- (void)letGo {
+  [saveDesk close];
+  [desk close];
+  [pane close];
+  [view close];
 }
 
 // What the command line asked for, once the window stands.
@@ -367,9 +408,7 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
     std::fprintf(stderr, "velmora-desktop: cannot write %s\n", options.snapshot.c_str());
   }
   closing = YES;
-  [desk close];
-  [pane close];
-  [view close];
+  [self letGo];
   std::exit(written ? kDone : kNoWindow);
 }
 

@@ -1,5 +1,9 @@
 #import "Desktop/Shell/ShellMenu.h"
 
+#include "Desktop/Shell/SaveDesk.h"
+#include "Destinations/Destinations.h"
+#import "View/TextConversion.h"
+
 namespace {
 
 struct Item {
@@ -9,7 +13,7 @@ struct Item {
   id target;
 };
 
-void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count) {
+NSMenu* AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count) {
   NSMenu* menu = [[[NSMenu alloc] initWithTitle:title] autorelease];
   for (std::size_t i = 0; i < count; ++i) {
     if (items[i].title == nil) {
@@ -24,13 +28,37 @@ void AddMenu(NSMenu* bar, NSString* title, const Item* items, std::size_t count)
   }
   NSMenuItem* entry = (NSMenuItem*)[bar addItemWithTitle:title action:NULL keyEquivalent:@""];
   [bar setSubmenu:menu forItem:entry];
+  return menu;
+}
+
+// Every row of the table of destinations, under its own title.
+void AddTargets(NSMenu* file, NSInteger at, id saveDesk) {
+  NSMenu* menu = [[[NSMenu alloc] initWithTitle:@"Save Session As"] autorelease];
+  NSInteger row = 0;
+  for (const velmora::host::Destination& destination : velmora::host::Destinations()) {
+    NSString* title = [StringFromText(destination.target->title) stringByAppendingString:@"..."];
+    NSMenuItem* item = (NSMenuItem*)[menu addItemWithTitle:title
+                                                    action:@selector(saveAs:)
+                                             keyEquivalent:@""];
+    [item setTarget:saveDesk];
+    [item setTag:row++];
+  }
+  NSMenuItem* entry = (NSMenuItem*)[file insertItemWithTitle:@"Save Session As"
+                                                      action:NULL
+                                               keyEquivalent:@""
+                                                     atIndex:at];
+  [file setSubmenu:menu forItem:entry];
 }
 
 }  // namespace
 
-void InstallShellMenu(id timeline, id shell) {
+void InstallShellMenu(id timeline, id shell, id saveDesk) {
   NSMenu* bar = [[[NSMenu alloc] initWithTitle:@"Velmora"] autorelease];
   const Item file[] = {{@"Open Project...", @selector(openProject:), @"o", shell},
+                       {nil, NULL, nil, nil},
+                       {@"Bounce...", @selector(bounce:), @"b", saveDesk},
+                       {@"Report...", @selector(report:), @"r", saveDesk},
+                       {@"Show Save Result", @selector(showSaveResult:), @"", saveDesk},
                        {nil, NULL, nil, nil},
                        {@"Show Findings", @selector(showFindings:), @"i", shell},
                        {@"Prepare...", @selector(prepare:), @"p", shell}};
@@ -42,8 +70,11 @@ void InstallShellMenu(id timeline, id shell) {
                           {@"Zoom Out", @selector(zoomOut:), @"-", timeline},
                           {@"Show Whole Session", @selector(fit:), @"0", timeline},
                           {nil, NULL, nil, nil},
+                          {@"Keep Fades and Gain Editable", @selector(toggleNative:), @"", shell},
+                          {nil, NULL, nil, nil},
                           {@"Clear Session", @selector(clearSession:), @"", shell}};
-  AddMenu(bar, @"File", file, sizeof file / sizeof *file);
+  constexpr NSInteger kAfterOpen = 2;  // and the line after it
+  AddTargets(AddMenu(bar, @"File", file, sizeof file / sizeof *file), kAfterOpen, saveDesk);
   AddMenu(bar, @"Edit", edit, sizeof edit / sizeof *edit);
   AddMenu(bar, @"Session", session, sizeof session / sizeof *session);
   // In a bar the toolkit gathers items without a menu in one of the application's name.

@@ -11,6 +11,7 @@
 // do.
 @interface StatusLine : NSView {
   NSTextField* field;
+  NSAttributedString* full;  // the text, of which the field shows what it has room for
   NSString* list;
   NSButton* findingsButton;
   NSButton* prepareButton;

@@ -28,6 +28,7 @@ Tone ToneOf(Severity severity) {
 @interface StatusLine (Private)
 - (NSButton*)addButton:(NSString*)title target:(id)target action:(SEL)action;
 - (void)layOut;
+- (void)fitText;
 - (void)showList;
 @end
 
@@ -49,6 +50,7 @@ Tone ToneOf(Severity severity) {
 
 - (void)dealloc {
   [field release];
+  [full release];
   [findingsButton release];
   [prepareButton release];
   [list release];
@@ -83,7 +85,9 @@ Tone ToneOf(Severity severity) {
                                      autorelease]];
     [tip appendFormat:@"%@%@", [tip length] > 0 ? @"\n" : @"", StringFromText(item.text)];
   }
-  [field setAttributedStringValue:line];
+  [full release];
+  full = [line copy];
+  [self fitText];
   [self setToolTip:tip];
   [list release];
   list = [all copy];
@@ -92,6 +96,11 @@ Tone ToneOf(Severity severity) {
 - (void)offerFindings:(BOOL)hasFindings prepare:(BOOL)canPrepare {
   [findingsButton setHidden:!hasFindings];
   [prepareButton setHidden:!canPrepare];
+  [self layOut];
+}
+
+- (void)resizeSubviewsWithOldSize:(NSSize)size {
+  [super resizeSubviewsWithOldSize:size];
   [self layOut];
 }
 
@@ -127,7 +136,38 @@ Tone ToneOf(Severity severity) {
   NSRect frame = [field frame];
   frame.size.width = end - NSMinX(frame);
   [field setFrame:frame];
+  [self fitText];
   [self setNeedsDisplay:YES];
+}
+
+// The toolkit clips a text of several colours wherever the field ends. Here it ends in an ellipsis,
+// and the tool tip has all of it.
+- (void)fitText {
+  constexpr CGFloat kInset = 6;  // what the field itself keeps free, at both sides
+  const CGFloat room = NSWidth([field frame]) - kInset;
+  if (full == nil || [full length] == 0 || [full size].width <= room) {
+    [field setAttributedStringValue:full != nil ? full
+                                                : [[[NSAttributedString alloc] init] autorelease]];
+    return;
+  }
+  NSUInteger fits = 0;
+  NSUInteger tooLong = [full length];
+  NSAttributedString* shown = [[[NSAttributedString alloc] init] autorelease];
+  while (tooLong - fits > 1) {
+    const NSUInteger half = fits + (tooLong - fits) / 2;
+    const NSRange begin = {
+        0, NSMaxRange([[full string] rangeOfComposedCharacterSequenceAtIndex:half - 1])};
+    NSMutableAttributedString* cut =
+        [[[full attributedSubstringFromRange:begin] mutableCopy] autorelease];
+    [cut replaceCharactersInRange:NSMakeRange([cut length], 0) withString:@"\u2026"];
+    if ([cut size].width <= room) {
+      fits = half;
+      shown = cut;
+    } else {
+      tooLong = half;
+    }
+  }
+  [field setAttributedStringValue:shown];
 }
 
 - (void)showList {

@@ -7,6 +7,7 @@
 #include "Desktop/Logic/ProjectReport.h"
 #include "Desktop/Logic/SessionSettings.h"
 #include "Spot/RegionMessage.h"
+#include "Spot/SpotQueue.h"
 
 @class Velmora_ViewController;
 
@@ -19,18 +20,21 @@
 // The name of the notification that ends each load, good or failed, on the main thread.
 + (NSString*)didLoadNotification;
 
-// Loads the bundle and makes the view; regions go to `host` and the session's rates come from
-// `settings`. Neither is owned, and both must outlive the object. Nil when the bundle cannot be
-// used, with the reason in `error`.
+// Loads the bundle and makes the view; regions go to `host`, `follower` is told of the spots, and
+// the session's rates come from `settings`. Neither is owned, and both must outlive the object. Nil
+// when the bundle cannot be used, with the reason in `error`.
 - (id)initWithBundleAtPath:(NSString*)path
                   settings:(velmora::desktop::SessionSettings*)settings
                       host:(velmora::RegionHost*)host
+                  follower:(velmora::SpotFollower*)follower
                      error:(std::string*)error;
 
 - (NSView*)view;
 
 // Loads a project as if it had been picked.
 - (void)loadFile:(NSString*)path;
+// What it read; null if it failed.
+- (const velmora::AES31Project*)project;
 // The facts of the last load.
 - (velmora::desktop::ProjectFacts)facts;
 

@@ -28,12 +28,14 @@ ViewContainer viewContainer;
 
 @protocol DesktopHostConnection
 - (void)setRegionHost:(velmora::RegionHost*)host;
+- (void)setSpotFollower:(velmora::SpotFollower*)follower;
 @end
 
 @interface ViewConnection (Private)
 - (BOOL)loadBundleAtPath:(NSString*)path
                 settings:(SessionSettings*)settings
                     host:(velmora::RegionHost*)host
+                follower:(velmora::SpotFollower*)follower
                    error:(std::string*)error;
 @end
 
@@ -46,10 +48,11 @@ ViewContainer viewContainer;
 - (id)initWithBundleAtPath:(NSString*)path
                   settings:(SessionSettings*)settings
                       host:(velmora::RegionHost*)host
+                  follower:(velmora::SpotFollower*)follower
                      error:(std::string*)error {
   self = [super init];
   if (self == nil) return nil;
-  if (![self loadBundleAtPath:path settings:settings host:host error:error]) {
+  if (![self loadBundleAtPath:path settings:settings host:host follower:follower error:error]) {
     [self release];
     return nil;
   }
@@ -68,6 +71,10 @@ ViewContainer viewContainer;
 - (void)loadFile:(NSString*)path {
   [[controller FileNameTextField] setStringValue:path];
   [controller LoadFile];
+}
+
+- (const velmora::AES31Project*)project {
+  return [controller project];
 }
 
 - (ProjectFacts)facts {
@@ -98,6 +105,7 @@ ViewContainer viewContainer;
 - (BOOL)loadBundleAtPath:(NSString*)path
                 settings:(SessionSettings*)settings
                     host:(velmora::RegionHost*)host
+                follower:(velmora::SpotFollower*)follower
                    error:(std::string*)error {
   // The toolkit's connection to its notification service must stand before the bundle exchanges
   // methods: the run time mixes up decoders of classes that nobody has used by then.
@@ -118,6 +126,7 @@ ViewContainer viewContainer;
   }
   const Class connection = NSClassFromString(@"VelmoraHostConnection");
   [(id<DesktopHostConnection>)(id)connection setRegionHost:host];
+  [(id<DesktopHostConnection>)(id)connection setSpotFollower:follower];
 
   controller = (Velmora_ViewController*)[(id<DesktopViewFactory>)(id)[bundle principalClass]
       viewControllerFromBundle:bundle
