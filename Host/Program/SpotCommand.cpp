@@ -32,6 +32,11 @@
 namespace velmora::program {
 namespace {
 
+/// What helps where the system warns of a session of other rates.
+constexpr const char* kRateRemedy =
+    "Spot into a session of the project's rates, or add --true-position, which places every cut "
+    "to the sample.";
+
 void SetBoxes(ViewModel& model, const SpotArguments& arguments) {
   // All tracks are on here, so that a row of the event table is an event's index.
   for (std::int32_t i = 0; i < model.numEvents && arguments.events.Chooses(); ++i) {
@@ -88,7 +93,7 @@ void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
   for (const std::string& alert :
        SpotWarnings(model.firstEvent, session.sampleRate, session.frameRate)) {
     report.Warning(alert);
-    recording.Message(Kind::Warning, alert, recording::kRateRemedy);
+    recording.Message(Kind::Warning, alert, kRateRemedy);
   }
   for (const std::string& note :
        recording::SpotNotes(project, session, options, arguments.truePosition)) {

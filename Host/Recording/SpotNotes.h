@@ -18,11 +18,6 @@ namespace velmora::recording {
                                                  const host::SessionRates& session,
                                                  const SpotOptions& options, bool truePosition);
 
-/// What helps where the system warns of a session of other rates.
-inline constexpr const char* kRateRemedy =
-    "Spot into a session of the project's rates, or add --true-position, which places every cut "
-    "to the sample.";
-
 /// Where a project lands, in words. As it was asked for: what takes the compensation back is an
 /// offset, too.
 [[nodiscard]] std::string PositionText(std::int32_t positionMode);

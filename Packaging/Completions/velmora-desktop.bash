@@ -15,7 +15,7 @@ _velmora_desktop() {
     --snapshot) pattern='*.png' ;;
     *)
       if [[ $typed == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W '-h --help --bundle --snapshot --spot' -- "$typed")
+        mapfile -t COMPREPLY < <(compgen -W '-h --help --version --bundle --snapshot --spot' -- "$typed")
         return
       fi
       ;;

@@ -114,6 +114,21 @@ TEST_F(SaveRunTest, aTakenNameIsTroubleAndStaysAsItIs) {
   EXPECT_EQ(std::filesystem::file_size(path), 4U);
 }
 
+TEST_F(SaveRunTest, noNameThatIsTakenIsAccepted) {
+  const std::string earlier = folder_.Path("earlier.json");
+  ASSERT_TRUE(run_.Start({&Kind("session"), earlier, {}}, OneRegion()));
+  ASSERT_EQ(WaitForOutcome().made.trouble, "");
+  const std::string empty = folder_.Write("empty.json", "");
+  std::filesystem::create_symlink("/nowhere", folder_.Path("link.json"));
+  for (const host::Destination& row : host::Destinations()) {
+    for (const std::string& path : {earlier, empty, folder_.Path("link.json"), folder_.Path()}) {
+      EXPECT_NE(ComplaintAbout({row.target, path, {}}).find(path), std::string::npos)
+          << row.target->name;
+    }
+  }
+  EXPECT_EQ(ComplaintAbout({&Kind("session"), folder_.Path("free.json"), {}}), "");
+}
+
 TEST_F(SaveRunTest, anEmptySessionIsRefusedWhereRegionsAreNeeded) {
   const auto empty = std::make_shared<const SpottedSession>();
   ASSERT_TRUE(run_.Start({&Kind("otio"), folder_.Path("x.otio"), {}}, empty));

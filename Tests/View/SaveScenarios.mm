@@ -337,14 +337,17 @@ void TellsTrouble() {
   Check("nothing is there that was not before", before, NamesIn(folder.Path()));
   Click(PanelButton(SaveWindow(), "Close"));
 
-  fs::create_directory(folder.Path("shut"));
-  fs::permissions(folder.Path("shut"), fs::perms::owner_read | fs::perms::owner_exec);
+  folder.Write("file", "mine");
   Key("ctrl+b");
-  NameIt("nowhere/at/all");
-  ClickButton([NSApp modalWindow], "OK");
-  CheckContains("a folder that is not there is named", "nowhere",
-                ReadAlert("a folder that is not there is refused"));
-  ClickButton(WaitForPanel("the panel stays"), "Cancel");
+  for (const char* name : {"nowhere/bounce", "file/bounce"}) {
+    NameIt(name);
+    ClickButton([NSApp modalWindow], "OK");
+    CheckContains("a folder that takes no files is named", name,
+                  ReadAlert(std::string(name) + " is refused"));
+    WaitForPanel("the panel stays");
+  }
+  Check("the file is as it was", "mine", Bytes(folder.Path("file")));
+  ClickButton([NSApp modalWindow], "Cancel");
   WaitForNoPanel("Cancel closes it");
 }
 

@@ -7,6 +7,7 @@
 #include "Desktop/Logic/FreeName.h"
 #include "Desktop/Logic/TextGroup.h"
 #include "Session/Printable.h"
+#include "Session/StagedFile.h"
 
 namespace velmora::desktop {
 namespace {
@@ -44,7 +45,9 @@ std::string WithExtension(const host::TargetKind& kind, const std::string& path)
 
 std::string ComplaintAbout(const SaveRequest& request) {
   if (FileNameOf(request.path).empty()) return "Name what is to be made.";
-  return request.kind->claim(request.path, request.choices).complaint;
+  const std::string complaint = request.kind->claim(request.path, request.choices).complaint;
+  // The one kind that writes over its like does so for scripts, which name it on purpose.
+  return complaint.empty() ? host::StagedFile::WhyNot(request.path) : complaint;
 }
 
 bool HasDetails(const SaveOutcome& outcome) {

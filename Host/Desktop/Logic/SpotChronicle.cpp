@@ -47,7 +47,8 @@ void RecordStart(const SpotProject& project, SpotOptions options, const host::Se
                  SpotRecording& recording) {
   for (const std::string& alert :
        SpotWarnings(project.firstEvent, rates.sampleRate, rates.frameRate)) {
-    recording.Message(RecordedMessage::Kind::Warning, alert, recording::kRateRemedy);
+    recording.Message(RecordedMessage::Kind::Warning, alert,
+                      "Choose the project's rates for the session at the top of the window.");
   }
   ComputePosition(options, project.firstEvent);
   for (const std::string& note : recording::SpotNotes(project, rates, options, false)) {

@@ -57,6 +57,7 @@ NSString* InLines(NSString* text) {
 
 @interface SaveQuestion (Building)
 - (void)makePanel;
+- (void)letGoOfPanel;
 - (void)makeAccessory;
 - (NSPopUpButton*)addMenu:(NSString*)label at:(CGFloat)y;
 - (void)kindChosen:(id)sender;
@@ -77,9 +78,7 @@ NSString* InLines(NSString* text) {
 }
 
 - (void)dealloc {
-  [panel setDelegate:nil];
-  [panel setAccessoryView:nil];
-  [panel release];
+  [self letGoOfPanel];
   [kindMenu release];
   [depthMenu release];
   [embedBox release];
@@ -92,7 +91,9 @@ NSString* InLines(NSString* text) {
   [self makePanel];
   NSString* folder = StringFromText(velmora::FolderOf(request.path));
   NSString* name = StringFromText(velmora::FileNameOf(request.path));
-  return [panel runModalForDirectory:folder file:name] == NSOKButton;
+  const BOOL isGiven = [panel runModalForDirectory:folder file:name] == NSOKButton;
+  [self letGoOfPanel];
+  return isGiven;
 }
 
 - (const SaveRequest&)request {
@@ -126,6 +127,15 @@ NSString* InLines(NSString* text) {
   [panel setCanCreateDirectories:YES];
   [panel setAccessoryView:accessory];
   [panel setDelegate:(id)self];
+}
+
+// The toolkit has one save panel for all questions: let go at this one's end and not at its
+// release, which may come when the panel is the next one's.
+- (void)letGoOfPanel {
+  [panel setDelegate:nil];
+  [panel setAccessoryView:nil];
+  [panel release];
+  panel = nil;
 }
 
 - (void)makeAccessory {
