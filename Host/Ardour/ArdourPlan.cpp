@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 
+#include "Base/Text.h"
 #include "Media/SoundFile.h"
 #include "Session/RegionLabel.h"
 #include "Session/XmlText.h"
@@ -120,7 +121,8 @@ std::vector<ArdourPlan::Candidate> ArdourPlan::TakeCandidates(const TargetInput&
     }
     if (SoundingPart(regions[i], files_[file]).IsEmpty()) {
       leftOut_.push_back(RegionLabel(input, i) + ": no part of it lies in " + regions[i].path +
-                         ", which has " + std::to_string(files_[file].frames) + " samples");
+                         ", which has " +
+                         Counted(static_cast<std::size_t>(files_[file].frames), "sample"));
     }
     candidates.push_back({i, file});
   }
@@ -228,12 +230,12 @@ void ArdourPlan::NoteWhatIsOdd(const TargetInput& input, const PlannedRegion& pl
     notes_.push_back(RegionLabel(input, planned.region) + ": " + text);
   };
   if (cutBefore > 0) {
-    note("it begins " + std::to_string(cutBefore) + " samples before " + file.path +
-         "; it is cut to what is there");
+    note("it begins " + Counted(static_cast<std::size_t>(cutBefore), "sample") + " before " +
+         file.path + "; it is cut to what is there");
   }
   if (cutAfter > 0) {
-    note("it runs past " + file.path + ", which has " + std::to_string(file.frames) +
-         " samples; it is cut to what is there");
+    note("it runs past " + file.path + ", which has " +
+         Counted(static_cast<std::size_t>(file.frames), "sample") + "; it is cut to what is there");
   }
   if (planned.length == 1) note("it is one sample long, and Ardour plays such a region as silence");
   const bool isFadePiece = region.origin && region.origin->piece != RegionPiece::Main;

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "Base/Text.h"
+
 namespace velmora::host {
 namespace {
 
@@ -169,10 +171,11 @@ class ClipTeller {
     for (const auto& [region, zone] : untold_) {
       const bool in = zone == Zone::FadeIn;
       const AppliedShape& shape = shapes_[region];
+      const std::int64_t length = in ? shape.fadeIn : shape.fadeOut;
       told_.remarks.push_back(
           {region, std::string("its fade-") + (in ? "in" : "out") + " of " +
-                       std::to_string(in ? shape.fadeIn : shape.fadeOut) +
-                       " samples meets other regions in a way that clips cannot tell; it sounds "
+                       Counted(static_cast<std::size_t>(length), "sample") +
+                       " meets other regions in a way that clips cannot tell; it sounds "
                        "otherwise there"});
     }
   }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <string>
 
+#include "Base/Text.h"
+
 namespace velmora::host {
 
 FadeFactor AppliedShape::FactorAt(std::int64_t sample, std::int64_t length) const {
@@ -35,8 +37,9 @@ void HeardSession::CutToLength(std::size_t index) {
   const std::int64_t length = std::max<std::int64_t>(region.SoundingLength(), 0);
   const auto cut = [&](const char* name, std::int64_t wanted, std::int64_t most) {
     if (wanted > most) {
-      remarks_.push_back({index, std::string("its ") + name + " of " + std::to_string(wanted) +
-                                     " samples is longer than what it has; it is cut to " +
+      remarks_.push_back({index, std::string("its ") + name + " of " +
+                                     Counted(static_cast<std::size_t>(wanted), "sample") +
+                                     " is longer than what it has; it is cut to " +
                                      std::to_string(most)});
     }
     return std::clamp<std::int64_t>(wanted, 0, most);

@@ -1,5 +1,6 @@
 #include "Session/RegionLabel.h"
 
+#include "Base/Text.h"
 #include "Session/SessionClock.h"
 
 namespace velmora::host {
@@ -21,12 +22,12 @@ std::vector<std::string> OddAbout(const SessionRegion& region, std::int64_t fram
                                   bool isWaveOf8Bits) {
   std::vector<std::string> odd;
   if (region.start < 0) {
-    odd.push_back("it begins " + std::to_string(-region.start) + " samples before " + region.path +
-                  "; these are silence");
+    odd.push_back("it begins " + Counted(static_cast<std::size_t>(-region.start), "sample") +
+                  " before " + region.path + "; these are silence");
   }
   if (region.stop > frames) {
-    odd.push_back("it runs past " + region.path + ", which has " + std::to_string(frames) +
-                  " samples; the rest is silence");
+    odd.push_back("it runs past " + region.path + ", which has " +
+                  Counted(static_cast<std::size_t>(frames), "sample") + "; the rest is silence");
   }
   if (isWaveOf8Bits && region.origin && region.origin->piece != RegionPiece::Main) {
     odd.push_back("it is a fade piece of 8 bits, " + region.path +

@@ -198,4 +198,11 @@ TEST(HeardSession, aGainThatIsNoNumberIsNoneAndNamed) {
 }
 
 }  // namespace
+TEST(HeardSession, saysOneSampleAndTwoSamples) {
+  const HeardSession heard(SessionOf({{0, 10, {10, 1, 0}}, {20, 10, {10, 2, 0}}}));
+  ASSERT_EQ(heard.Remarks().size(), 2u);
+  EXPECT_EQ(heard.Remarks()[0].text.find("its fade-out of 1 sample is longer"), 0u);
+  EXPECT_EQ(heard.Remarks()[1].text.find("its fade-out of 2 samples is longer"), 0u);
+}
+
 }  // namespace velmora::host

@@ -50,7 +50,7 @@ TEST_F(PartialSessionTest, ofASessionWithoutAnyRegionLeftThereIsAnEmptyOne) {
 
 TEST(RegionTexts, whatIsOddAboutARegionIsToldOnceForAllTargets) {
   const std::string past = "it runs past a.wav, which has 500 samples; the rest is silence";
-  const std::string early = "it begins 1 samples before a.wav; these are silence";
+  const std::string early = "it begins 1 sample before a.wav; these are silence";
   const std::string eight =
       "it is a fade piece of 8 bits, a.wav, whose samples have signs where a wave file has none; "
       "it "

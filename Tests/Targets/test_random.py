@@ -14,7 +14,7 @@ from placing import Placed, placed
 
 WAYS = ((), ("--native",), ("--fades", "--gain"), ("--fades",), ("--gain", "--depth", "16"), ("--native", "--depth", "16"))
 # What a note says of a fade that clips with fades of their own cannot tell.
-UNTOLD = r"^velmora: {}: note: region (\d+) .*: its fade-(in|out) of (\d+) samples meets other regions"
+UNTOLD = r"^velmora: {}: note: region (\d+) .*: its fade-(in|out) of (\d+) samples? meets other regions"
 
 
 class RandomProjects(BounceTest):
