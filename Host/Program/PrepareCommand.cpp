@@ -15,7 +15,7 @@
 namespace velmora::program {
 namespace {
 
-std::atomic<bool> cancelled{false};
+std::atomic<bool> isCancelled{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may take no lock");
 
 /// While this lives, Ctrl-C and requests to end only ask the preparation to stop, so that it takes
@@ -24,7 +24,7 @@ class CancelOnSignals {
  public:
   CancelOnSignals() {
     struct sigaction action {};
-    action.sa_handler = [](int) { cancelled = true; };
+    action.sa_handler = [](int) { isCancelled = true; };
     action.sa_flags = static_cast<int>(SA_RESTART);
     sigaction(SIGINT, &action, &interrupt_);
     sigaction(SIGTERM, &action, &terminate_);
@@ -51,8 +51,8 @@ prepare::Prepared CheckAndPrepare(const std::string& project,
   const CancelOnSignals signals;
   media::FolderListings listings;
   const check::CheckedProject checked =
-      check::CheckProject(project, options.check, listings, [] { return cancelled.load(); });
-  if (cancelled) {
+      check::CheckProject(project, options.check, listings, [] { return isCancelled.load(); });
+  if (isCancelled) {
     prepare::Prepared stopped;
     stopped.outcome = prepare::Outcome::Cancelled;
     return stopped;
@@ -60,7 +60,7 @@ prepare::Prepared CheckAndPrepare(const std::string& project,
   ProgressBar bar(showsBar);
   return prepare::PrepareProject(checked, options, [&](double share, const std::string& /*what*/) {
     bar.Draw(share);
-    return !cancelled;
+    return !isCancelled;
   });
 }
 
