@@ -27,7 +27,7 @@ std::string Hexadecimal(const Digest& digest) {
 
 }  // namespace
 
-Checksum ChecksumOf(const std::string& path, const std::function<bool()>& goOn) {
+Checksum ChecksumOf(const std::string& path, const std::function<bool(std::int64_t bytes)>& goOn) {
   constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
   Checksum sum;
   const FileStream stream = OpenRegularFile(path.c_str());
@@ -44,7 +44,7 @@ Checksum ChecksumOf(const std::string& path, const std::function<bool()>& goOn) 
     if (count == 0) break;
     sha256_update(&state, count, block.data());
     sum.bytes += static_cast<std::int64_t>(count);
-    if (goOn && !goOn()) return sum;
+    if (goOn && !goOn(sum.bytes)) return sum;
   }
   if (errno != 0 && errno != EINTR) {
     sum.trouble = std::strerror(errno);

@@ -14,9 +14,10 @@ struct Checksum {
   std::string trouble;  ///< one line without the path
 };
 
-/// Reads a regular file from its start to its end. `goOn` is asked after each block; with an answer
-/// of false the checksum is cancelled and stays empty.
-[[nodiscard]] Checksum ChecksumOf(const std::string& path, const std::function<bool()>& goOn);
+/// Reads a regular file from its start to its end. `goOn` is asked after each block, with the
+/// bytes read so far; with an answer of false the checksum is cancelled and stays empty.
+[[nodiscard]] Checksum ChecksumOf(const std::string& path,
+                                  const std::function<bool(std::int64_t bytes)>& goOn);
 
 /// The SHA-256 of a text as a content security policy names it: "sha256-" and Base64.
 [[nodiscard]] std::string PolicyHash(std::string_view text);

@@ -43,6 +43,11 @@ Json RatesJson(const host::TargetInput& input) {
   return {{"sampleRate", input.rates.sampleRate},
           {"frameRate", input.rates.frameRate},
           {"frameRateName", clock.Rate().name},
+          {"timecode",
+           {{"nominal", clock.Rate().nominal},
+            {"numerator", clock.Rate().numerator},
+            {"denominator", clock.Rate().denominator},
+            {"drop", clock.Rate().dropFrame}}},
           {"projectRate", projectRate > 0 ? Json(projectRate) : Json()}};
 }
 
@@ -56,12 +61,16 @@ Json OptionsJson(const host::RecordedOptions& options) {
           {"timelineOffset", options.timelineOffset}};
 }
 
-/// Files by numbers: a session names the same few again and again, and most share a folder.
+/// Paths as whole texts, or by numbers: a session names the same few again and again, and most
+/// share a folder.
 class PathTable {
  public:
-  /// Its number, or null for no path.
-  [[nodiscard]] Json NumberOf(const std::string& path) {
+  explicit PathTable(FactsForm form) : form_(form) {}
+
+  /// The path itself or its number, null for none.
+  [[nodiscard]] Json Tell(const std::string& path) {
     if (path.empty()) return {};
+    if (form_ == FactsForm::Objects) return path;
     const auto [entry, isNew] = numbers_.try_emplace(path, numbers_.size());
     if (isNew) paths_.push_back(&entry->first);
     return entry->second;
@@ -80,52 +89,70 @@ class PathTable {
   [[nodiscard]] const Json& Folders() const { return folders_; }
 
  private:
+  const FactsForm form_;
   std::unordered_map<std::string, std::size_t> numbers_, folderNumbers_;
   std::vector<const std::string*> paths_;
   Json folders_ = Json::array();
 };
 
-/// What a row ends with if there is something to tell.
-void AppendShape(const host::RegionShape& shape, Json& row) {
-  if (shape == host::RegionShape{}) return;
-  row.insert(row.end(), {shape.fadeIn, shape.fadeOut, shape.gainDb});
+/// What there is to tell only of few: 0 is told by leaving it out.
+template <class Number>
+Json OrNothing(Number value) {
+  return value == 0 ? Json() : Json(value);
 }
 
 /// Writes the object's members; only one row of a table is held at a time.
 class FactsWriter {
  public:
-  explicit FactsWriter(std::ostream& out) : out_(out) {}
+  FactsWriter(FactsForm form, std::ostream& out) : form_(form), out_(out) {}
 
   void Member(std::string_view key, Json value) {
     Key(key);
     Value(std::move(value));
   }
-  /// A row for each of `elements`, of the values that `columns` names.
+  /// A row for each of `elements`. @param toRow gives an array of the values that `columns` names
   template <class Elements, class ToRow>
   void Table(const char* key, std::initializer_list<const char*> columns, const Elements& elements,
              ToRow toRow) {
-    columns_[key] = columns;
+    if (form_ == FactsForm::Rows) columns_[key] = columns;
     Key(key);
     out_ << '[';
     const char* separator = "";
     for (const auto& element : elements) {
       out_ << std::exchange(separator, ",");
-      Value(toRow(element));
+      Value(form_ == FactsForm::Rows ? WithoutEnd(toRow(element)) : Named(columns, toRow(element)));
     }
     out_ << ']';
   }
   void End() {
-    Member("columns", std::move(columns_));
+    if (form_ == FactsForm::Rows) Member("columns", std::move(columns_));
     out_ << "\n}";
   }
 
  private:
+  /// A row without the nulls at its end.
+  static Json WithoutEnd(Json row) {
+    while (!row.empty() && row.back().is_null()) row.erase(row.size() - 1);
+    return row;
+  }
+  /// A row as an object, without what is null.
+  static Json Named(std::initializer_list<const char*> columns, Json row) {
+    Json object = Json::object();
+    auto value = row.begin();
+    for (const char* column : columns) {
+      if (!value->is_null()) object[column] = std::move(*value);
+      ++value;
+    }
+    return object;
+  }
+
   void Key(std::string_view key) {
     out_ << separator_ << '"' << key << "\":";
     separator_ = ",\n";
   }
   void Value(Json value) { out_ << ScriptJson(host::JsonText(std::move(value))); }
 
+  const FactsForm form_;
   std::ostream& out_;
   std::string_view separator_ = "{\n";
   Json columns_ = Json::object();
@@ -143,7 +170,7 @@ std::map<std::int32_t, const host::RecordedEvent*> SourcesOf(const host::SpotRec
 void WriteSources(const host::SpotRecord& record, PathTable& paths, FactsWriter& facts) {
   facts.Table("sources", {"source", "name", "path"}, SourcesOf(record), [&](const auto& entry) {
     const auto& [source, event] = entry;
-    return Json::array({source, event->name, paths.NumberOf(event->path)});
+    return Json::array({source, event->name, paths.Tell(event->path)});
   });
 }
 
@@ -155,10 +182,13 @@ void WriteEvents(const host::TargetInput& input, FactsWriter& facts) {
                "gainDb"},
               input.record.events, [&](const host::RecordedEvent& event) {
                 Json row = {event.entry, event.kind, NameOf(states[place++])};
-                if (!event.IsCut()) return row;
-                row.insert(row.end(), {OrNull(event.source), input.record.TrackNumber(event.track),
-                                       event.position, event.end});
-                AppendShape({event.fadeIn, event.fadeOut, event.gainDb}, row);
+                if (event.IsCut()) {
+                  row.insert(row.end(),
+                             {OrNull(event.source), input.record.TrackNumber(event.track),
+                              event.position, event.end, OrNothing(event.fadeIn),
+                              OrNothing(event.fadeOut), OrNothing(event.gainDb)});
+                }
+                row.get_ref<Json::array_t&>().resize(10);
                 return row;
               });
 }
@@ -169,28 +199,31 @@ void WriteRegions(const host::TargetInput& input, PathTable& paths, FactsWriter&
                "fadeOut", "gainDb"},
               input.session.Regions(), [&](const host::SessionRegion& region) {
                 const std::optional<host::RegionOrigin>& origin = region.origin;
-                Json row = {region.name,
-                            paths.NumberOf(region.path),
+                return Json{region.name,
+                            paths.Tell(region.path),
                             input.record.TrackNumber(region.track),
                             region.position,
                             region.start,
                             region.stop,
                             origin ? Json(origin->event) : Json(),
-                            origin ? Json(NameOf(origin->piece)) : Json()};
-                AppendShape(region.shape, row);
-                return row;
+                            origin ? Json(NameOf(origin->piece)) : Json(),
+                            OrNothing(region.shape.fadeIn),
+                            OrNothing(region.shape.fadeOut),
+                            OrNothing(region.shape.gainDb)};
               });
 }
 
 void WriteFiles(const ReportData& data, PathTable& paths, FactsWriter& facts) {
-  facts.Table("files", {"what", "state", "event", "path", "folder", "bytes", "sha256"}, data.files,
-              [&](const FileRow& file) {
-                Json row = {file.what, file.state, OrNull(file.event), paths.NumberOf(file.path),
-                            file.isFolder};
-                if (!file.sum.sha256.empty()) {
-                  row.insert(row.end(), {file.sum.bytes, file.sum.sha256});
-                }
-                return row;
+  facts.Table("files", {"what", "state", "event", "path", "bytes", "sha256", "noSha256", "folder"},
+              data.files, [&](const FileRow& file) {
+                return Json{file.what,
+                            file.state,
+                            OrNull(file.event),
+                            paths.Tell(file.path),
+                            OrNull(file.bytes),
+                            OrNull(file.sha256),
+                            OrNull(file.noSha256),
+                            file.isFolder ? Json(true) : Json()};
               });
 }
 
@@ -206,10 +239,11 @@ void WriteMessages(const ReportData& data, FactsWriter& facts) {
 
 }  // namespace
 
-void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ostream& out) {
+void WriteFacts(const host::TargetInput& input, const ReportData& data, FactsForm form,
+                std::ostream& out) {
   const host::SpotRecord& record = input.record;
-  FactsWriter facts(out);
-  PathTable paths;
+  FactsWriter facts(form, out);
+  PathTable paths(form);
   facts.Member("project", ProjectJson(record));
   facts.Member("rates", RatesJson(input));
   facts.Member("plan", record.isPlan);
@@ -217,18 +251,20 @@ void WriteFacts(const host::TargetInput& input, const ReportData& data, std::ost
   facts.Member("summary", SummaryJson(input.session.Summary()));
   facts.Table("tracks", {"track", "cuts", "regions", "first", "end"}, TracksOf(input),
               [](const TrackRow& row) {
-                Json json = {row.number, row.cuts, row.regions};
-                if (row.regions > 0) json.insert(json.end(), {row.first, row.end});
-                return json;
+                const bool isUsed = row.regions > 0;
+                return Json{row.number, row.cuts, row.regions, isUsed ? Json(row.first) : Json(),
+                            isUsed ? Json(row.end) : Json()};
               });
   WriteSources(record, paths, facts);
   WriteEvents(input, facts);
   WriteRegions(input, paths, facts);
   WriteFiles(data, paths, facts);
   WriteMessages(data, facts);
-  facts.Table("paths", {"folder", "name"}, paths.Paths(),
-              [&](const std::string* path) { return paths.Row(*path); });
-  facts.Member("folders", paths.Folders());
+  if (form == FactsForm::Rows) {
+    facts.Table("paths", {"folder", "name"}, paths.Paths(),
+                [&](const std::string* path) { return paths.Row(*path); });
+    facts.Member("folders", paths.Folders());
+  }
   facts.End();
 }
 

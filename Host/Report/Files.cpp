@@ -1,8 +1,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <filesystem>
+#include <functional>
 
+#include "Report/Checksum.h"
 #include "Report/ReportData.h"
 
 namespace velmora::report {
@@ -20,6 +24,13 @@ const char* NameOf(State state) {
       break;
   }
   return "made";
+}
+
+/// In the units that file managers use: "12.9 GB".
+std::string SizeText(std::int64_t bytes) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%.1f GB", static_cast<double>(bytes) / 1e9);
+  return text.data();
 }
 
 /// Files of a folder that a target made, by name. Folders in it are passed over.
@@ -51,6 +62,36 @@ void AddTarget(const host::RecordedTarget& target, std::vector<FileRow>& rows) {
   }
 }
 
+bool IsMadeFile(const FileRow& row) {
+  return row.state == "made" && !row.isFolder && row.path != "-";
+}
+
+/// Tells the sizes, and which files are too large for a checksum. Returns the bytes of the others.
+std::int64_t AddSizes(std::vector<FileRow>& rows) {
+  std::int64_t chosen = 0;
+  for (FileRow& row : rows) {
+    struct stat facts {};
+    if (!IsMadeFile(row) || ::stat(row.path.c_str(), &facts) != 0) continue;
+    row.bytes = std::int64_t{facts.st_size};
+    if (facts.st_size > kMostSummedBytes - chosen) {
+      row.noSha256 = "not computed: " + SizeText(facts.st_size);
+    } else {
+      chosen += facts.st_size;
+    }
+  }
+  return chosen;
+}
+
+/// @return false if `goOn` ended it
+bool AddChecksum(FileRow& row, const std::function<bool(std::int64_t bytes)>& goOn) {
+  bool goesOn = true;
+  Checksum sum = ChecksumOf(row.path, [&](std::int64_t bytes) { return goesOn = goOn(bytes); });
+  if (sum.trouble.empty()) row.bytes = sum.bytes;
+  row.sha256 = std::move(sum.sha256);
+  row.noSha256 = std::move(sum.trouble);
+  return goesOn;
+}
+
 }  // namespace
 
 std::optional<std::vector<FileRow>> FilesOf(const host::TargetInput& input,
@@ -66,17 +107,18 @@ std::optional<std::vector<FileRow>> FilesOf(const host::TargetInput& input,
   }
   for (const host::RecordedTarget& target : input.record.targets) AddTarget(target, rows);
 
-  double done = 0;
-  bool goesOn = true;
+  const std::int64_t all = AddSizes(rows);
+  if (rows.size() > kMostSummedFiles) return rows;
+  std::int64_t done = 0;
+  const auto goOn = [&](std::int64_t bytes) {
+    const auto share =
+        static_cast<double>(done + bytes) / static_cast<double>(std::max(all, done + bytes));
+    return !progress || progress(share);
+  };
   for (FileRow& row : rows) {
-    if (row.state == "made" && !row.isFolder && row.path != "-") {
-      row.sum = ChecksumOf(row.path, [&] {
-        goesOn = !progress || progress(done / static_cast<double>(rows.size()));
-        return goesOn;
-      });
-    }
-    if (!goesOn) return std::nullopt;
-    ++done;
+    if (!IsMadeFile(row) || !row.noSha256.empty()) continue;
+    if (!AddChecksum(row, goOn)) return std::nullopt;
+    done += row.bytes.value_or(0);
   }
   return rows;
 }

@@ -1,6 +1,7 @@
 #include "Report/Page.h"
 
 #include <ostream>
+#include <sstream>
 #include <string>
 
 #include "Base/Text.h"
@@ -19,34 +20,90 @@ namespace {
 
 constexpr std::size_t kLongestTitleBytes = 100;
 
+/// What a page of 5,000 events has to stay below: it is sent by mail and opened by a browser.
+constexpr std::size_t kMostBytes = 4'950'000;
+/// For the head, the overview and the project's header.
+constexpr std::size_t kRoomForTheRest = 20'000;
+/// More than a screen holds, and than the script shows at first.
+constexpr std::size_t kFirstRows = 200;
+
+/// Parts that grow with the project, as they stand in the page.
+struct PageParts {
+  std::string messages, events, regions, files, facts;
+
+  [[nodiscard]] std::size_t Bytes() const {
+    return messages.size() + events.size() + regions.size() + files.size() + facts.size();
+  }
+};
+
 class PageWriter {
  public:
   PageWriter(const host::TargetInput& input, const ReportData& data, std::ostream& out)
       : input_(input), data_(data), out_(out), states_(StatesOf(input)) {}
 
   void Write(const std::vector<Peaks>& peaks) {
+    const std::string timeline = Written([&](std::ostream& out) { WriteTimeline(peaks, out); });
+    const PageParts parts = Fit(timeline.size());
     WriteHead();
     WriteTop(input_, data_, states_, out_);
     WriteContents();
     out_ << "<main id=\"main\">\n";
     Section("overview", "Overview", [this] { WriteOverview(input_, out_); });
-    Section("timeline", "Timeline", [&] { WriteTimeline(peaks); });
-    Section("messages", "Messages", [this] { WriteMessages(data_, out_); });
+    Section("timeline", "Timeline", [&] { out_ << timeline; });
+    Section("messages", "Messages", [&] { out_ << parts.messages; });
     Section("tracks", "Tracks", [this] { WriteTracks(input_, out_); });
-    Section("events", "Events", [this] { WriteEvents(input_, states_, out_); });
-    Section("regions", "Regions", [this] { WriteRegions(input_, out_); });
-    Section("files", "Files", [this] { WriteFiles(data_, input_.record.isPlan, out_); });
+    Section("events", "Events", [&] { out_ << parts.events; });
+    Section("regions", "Regions", [&] { out_ << parts.regions; });
+    Section("files", "Files", [&] { out_ << parts.files; });
     Section("project", "Project header", [this] { WriteConstants(input_.record, out_); });
     out_
         << "</main>\n<footer>Made by Velmora " VELMORA_VERSION
            ". This page is whole in itself and asks for nothing over a network. Its facts stand in "
            "it as JSON, too, in the element <code>facts</code>.</footer>\n"
            "<script type=\"application/json\" id=\"facts\">";
-    WriteFacts(input_, data_, out_);
-    out_ << "</script>\n<script>" << kPageScript << "</script>\n</body>\n</html>\n";
+    out_ << parts.facts << "</script>\n<script>" << kPageScript << "</script>\n</body>\n</html>\n";
   }
 
  private:
+  template <class Body>
+  static std::string Written(Body body) {
+    std::ostringstream out;
+    body(out);
+    return out.str();
+  }
+
+  /// Chooses the fullest form of the parts that grow with the project with which the page stays
+  /// below its size: first rows leave the tables, then the facts lose their names.
+  /// @param taken bytes of the timeline
+  [[nodiscard]] PageParts Fit(std::size_t taken) const {
+    taken += kPageStyle.size() + kPageScript.size() + kRoomForTheRest;
+    taken += Written([this](std::ostream& out) { WriteTracks(input_, out); }).size();
+    const PageParts whole = Parts(kAllRows), cut = Parts(kFirstRows);
+    PageParts parts;
+    for (const FactsForm form : {FactsForm::Objects, FactsForm::Rows}) {
+      parts = whole;
+      parts.facts = Written([&](std::ostream& out) { WriteFacts(input_, data_, form, out); });
+      for (const auto table :
+           {&PageParts::files, &PageParts::regions, &PageParts::messages, &PageParts::events}) {
+        if (taken + parts.Bytes() <= kMostBytes) return parts;
+        parts.*table = cut.*table;
+      }
+      if (taken + parts.Bytes() <= kMostBytes) break;
+    }
+    return parts;
+  }
+
+  /// The tables, with at most so many rows.
+  [[nodiscard]] PageParts Parts(std::size_t most) const {
+    PageParts parts;
+    parts.messages = Written([&](std::ostream& out) { WriteMessages(data_, most, out); });
+    parts.events = Written([&](std::ostream& out) { WriteEvents(input_, states_, most, out); });
+    parts.regions = Written([&](std::ostream& out) { WriteRegions(input_, most, out); });
+    parts.files =
+        Written([&](std::ostream& out) { WriteFiles(data_, input_.record.isPlan, most, out); });
+    return parts;
+  }
+
   void WriteHead() {
     out_ << "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n"
          << "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src '"
@@ -90,17 +147,16 @@ class PageWriter {
     out_ << "</section>\n";
   }
 
-  void WriteTimeline(const std::vector<Peaks>& peaks) {
-    out_ << "<p id=\"picture-text\" class=\"dim\">" << Html(PictureText()) << "</p>\n";
+  void WriteTimeline(const std::vector<Peaks>& peaks, std::ostream& out) const {
+    out << "<p id=\"picture-text\" class=\"dim\">" << Html(PictureText()) << "</p>\n";
     if (!HasPicture(states_, input_.session)) return;
-    out_ << "<div class=\"tools\" role=\"group\" aria-label=\"Zoom\">"
-            "<button type=\"button\" id=\"zoom-out\" aria-label=\"Zoom out\">−</button>"
-            "<button type=\"button\" id=\"zoom-in\" aria-label=\"Zoom in\">+</button>"
-            "<button type=\"button\" id=\"zoom-all\">Whole</button>"
-            "<output id=\"zoom\">1×</output></div>\n";
-    WritePicture(input_, states_, peaks, out_);
-    out_
-        << "<ul class=\"legend\" aria-label=\"Legend\"><li class=\"k-cut\">cut</li>"
+    out << "<div class=\"tools\" role=\"group\" aria-label=\"Zoom\">"
+           "<button type=\"button\" id=\"zoom-out\" aria-label=\"Zoom out\">−</button>"
+           "<button type=\"button\" id=\"zoom-in\" aria-label=\"Zoom in\">+</button>"
+           "<button type=\"button\" id=\"zoom-all\">Whole</button>"
+           "<output id=\"zoom\">1×</output></div>\n";
+    WritePicture(input_, states_, peaks, out);
+    out << "<ul class=\"legend\" aria-label=\"Legend\"><li class=\"k-cut\">cut</li>"
            "<li class=\"k-fade\">fade</li><li class=\"k-cross\">crossfade</li>"
            "<li class=\"k-gone\">missing or left out</li><li class=\"k-off\">off</li></ul>\n"
            "<div id=\"about\" class=\"about\"><p class=\"dim\">Point at a region to see its facts. "

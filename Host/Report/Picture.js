@@ -45,16 +45,16 @@ function preparePicture(picture) {
 
   // ---- Facts ----
 
-  /** The table and row that tell of a thing: ids are "r" and a region, "e" and an event. */
-  function rowOf(thing) {
+  /** The table and entry that tell of a thing: ids are "r" and a region, "e" and an event. */
+  function entryOf(thing) {
     const table = tables[thing.id[0] === 'r' ? 'regions' : 'events'];
-    return {table, row: table.rowOf(thing.id.slice(1))};
+    return {table, entry: table.byNumber[thing.id.slice(1)]};
   }
 
   /** Names and values of a thing that its row has. */
   function factsOf(thing) {
-    const {table, row} = rowOf(thing);
-    return Array.from(row.cells, (cell, column) => [table.heads[column].textContent, cell.textContent])
+    const {table, entry} = entryOf(thing);
+    return table.textsOf(entry).map((text, column) => [table.heads[column].textContent, text])
         .filter(([, value]) => value !== '');
   }
 
@@ -99,8 +99,8 @@ function preparePicture(picture) {
   }
 
   function showRow(thing) {
-    const {table, row} = rowOf(thing);
-    table.goTo(row);
+    const {table, entry} = entryOf(thing);
+    table.goTo(entry);
   }
 
   // ---- Keyboard ----

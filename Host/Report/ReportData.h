@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "Report/Checksum.h"
 #include "Session/SessionTarget.h"
 
 namespace velmora::report {
@@ -36,7 +35,9 @@ struct FileRow {
   std::optional<std::int32_t> event;
   std::string path;
   bool isFolder = false;
-  Checksum sum;  ///< of a file that was made
+  std::optional<std::int64_t> bytes;  ///< of a file that was made
+  std::string sha256;                 ///< 64 hexadecimal digits, or empty
+  std::string noSha256;               ///< why a file that was made has none
 };
 
 /// What the page shows beside the session and the record.
@@ -45,10 +46,15 @@ struct ReportData {
   std::vector<FileRow> files;        ///< in order of making
 };
 
+inline constexpr std::int64_t kMostSummedBytes = std::int64_t{2} << 30;
+inline constexpr std::size_t kMostSummedFiles = 10'000;
+
 /// Every warning, finding and failure of a run.
 [[nodiscard]] std::vector<MessageRow> MessagesOf(const host::TargetInput& input);
 
-/// Every file that the run made or would make, with size and checksum. Reads all that were made.
+/// Every file that the run made or would make, with size and checksum. A page must not keep people
+/// waiting for its checksums: files that would bring those read to more than kMostSummedBytes are
+/// told by their sizes alone, and so are all if there are more than kMostSummedFiles.
 /// @return none if `progress`, which may be empty, answered false
 [[nodiscard]] std::optional<std::vector<FileRow>> FilesOf(const host::TargetInput& input,
                                                           const host::TargetProgress& progress);

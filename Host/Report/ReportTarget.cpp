@@ -12,7 +12,7 @@ namespace velmora::report {
 namespace {
 
 /// Bars of all waveforms together: more would make the page of a long session large and slow.
-constexpr std::size_t kPeaks = 30'000;
+constexpr std::size_t kPeaks = 20'000;
 constexpr double kShareOfFiles = 0.8;  ///< of the work: they are read whole, media are not
 
 host::TargetOutcome Failure(std::string trouble) {

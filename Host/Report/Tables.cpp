@@ -1,5 +1,6 @@
 #include "Report/Tables.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ostream>
@@ -39,13 +40,19 @@ class TableWriter {
  public:
   template <std::size_t Count>
   TableWriter(std::ostream& out, const TableTexts& texts, const std::array<Column, Count>& columns,
-              std::size_t rows)
-      : out_(out) {
+              std::size_t rows, std::size_t most = kAllRows)
+      : out_(out), rows_(std::min(rows, most)) {
     if (rows > 0 && texts.search == Search::Offered) WriteSearch(texts, rows);
     out << "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Table of " << texts.noun
-        << "\"><table id=\"" << texts.id << '"' << (rows == 0 ? " class=\"empty\"" : "")
-        << ">\n<caption>" << (rows == 0 ? texts.nothing : texts.caption)
-        << "</caption>\n<thead><tr>";
+        << "\"><table id=\"" << texts.id << '"' << (rows == 0 ? " class=\"empty\"" : "");
+    if (rows_ < rows) out << " data-rows=\"" << rows << '"';
+    out << ">\n<caption>" << (rows == 0 ? texts.nothing : texts.caption);
+    if (rows_ < rows) {
+      out << " The first " << rows_ << " of " << rows
+          << " rows stand in the page, which would grow "
+          << "too large; its script makes the others from its facts.";
+    }
+    out << "</caption>\n<thead><tr>";
     for (const Column& column : columns) {
       const bool isNumber = column.sort == Sort::Number;
       out << "<th scope=\"col\" aria-sort=\"none\"" << (isNumber ? " class=\"n\"" : "")
@@ -56,6 +63,9 @@ class TableWriter {
   ~TableWriter() { out_ << "\n</tbody></table></div>\n"; }
   TableWriter(const TableWriter&) = delete;
   TableWriter& operator=(const TableWriter&) = delete;
+
+  /// Of those that are written here.
+  [[nodiscard]] std::size_t Rows() const { return rows_; }
 
   void Begin(const char* look = "") {
     out_ << "<tr";
@@ -99,6 +109,7 @@ class TableWriter {
   }
 
   std::ostream& out_;
+  const std::size_t rows_;
 };
 
 std::optional<std::int64_t> Wide(const std::optional<std::int32_t>& number) {
@@ -154,7 +165,7 @@ std::string KindWord(const std::string& kind) {
 
 }  // namespace
 
-void WriteMessages(const ReportData& data, std::ostream& out) {
+void WriteMessages(const ReportData& data, std::size_t most, std::ostream& out) {
   constexpr auto kColumns = std::to_array<Column>({{"Weight"},
                                                    {"Message"},
                                                    {"What helps"},
@@ -165,8 +176,9 @@ void WriteMessages(const ReportData& data, std::ostream& out) {
   TableWriter table(out,
                     {"messages", "messages", "Failures, warnings and notes, the gravest first.",
                      "Nothing to tell: no failure, no warning, no note."},
-                    kColumns, data.messages.size());
-  for (const MessageRow& row : data.messages) {
+                    kColumns, data.messages.size(), most);
+  for (std::size_t i = 0; i < table.Rows(); ++i) {
+    const MessageRow& row = data.messages[i];
     table.Begin();
     table.Markup(Sign(row));
     table.Markup(MessageText(row));
@@ -205,7 +217,7 @@ void WriteTracks(const host::TargetInput& input, std::ostream& out) {
 }
 
 void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& states,
-                 std::ostream& out) {
+                 std::size_t most, std::ostream& out) {
   constexpr auto kColumns = std::to_array<Column>({{"Event", Sort::Number},
                                                    {"Entry", Sort::Number},
                                                    {"State"},
@@ -225,8 +237,8 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
                      "Events of the project, where a spot puts them. Position, length and fades in "
                      "samples.",
                      "The project has no event."},
-                    kColumns, events.size());
-  for (std::size_t i = 0; i < events.size(); ++i) {
+                    kColumns, events.size(), most);
+  for (std::size_t i = 0; i < table.Rows(); ++i) {
     const host::RecordedEvent& event = events[i];
     table.Begin(LookOf(states[i]));
     table.Number(event.event);
@@ -249,7 +261,7 @@ void WriteEvents(const host::TargetInput& input, const std::vector<EventState>& 
   }
 }
 
-void WriteRegions(const host::TargetInput& input, std::ostream& out) {
+void WriteRegions(const host::TargetInput& input, std::size_t most, std::ostream& out) {
   constexpr auto kColumns = std::to_array<Column>({{"Region", Sort::Number},
                                                    {"Name"},
                                                    {"Piece"},
@@ -269,8 +281,8 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
                      "Regions of the session, in order of arrival. Position, length, start inside "
                      "the file and fades in samples.",
                      "No region was placed."},
-                    kColumns, regions.size());
-  for (std::size_t i = 0; i < regions.size(); ++i) {
+                    kColumns, regions.size(), most);
+  for (std::size_t i = 0; i < table.Rows(); ++i) {
     const host::SessionRegion& region = regions[i];
     table.Begin();
     table.Number(static_cast<std::int64_t>(i));
@@ -289,7 +301,7 @@ void WriteRegions(const host::TargetInput& input, std::ostream& out) {
   }
 }
 
-void WriteFiles(const ReportData& data, bool isPlan, std::ostream& out) {
+void WriteFiles(const ReportData& data, bool isPlan, std::size_t most, std::ostream& out) {
   constexpr auto kPlanned =
       std::to_array<Column>({{"What"}, {"State"}, {"Event", Sort::Number}, {"Source or target"}});
   constexpr auto kMade = std::to_array<Column>({{"What"},
@@ -301,21 +313,23 @@ void WriteFiles(const ReportData& data, bool isPlan, std::ostream& out) {
   const TableTexts texts = {
       "files", "files",
       isPlan ? "Files that a spot with these options would make."
-             : "Files that this spot made, with their sizes in bytes and SHA-256 checksums.",
+      : data.files.size() > kMostSummedFiles
+          ? "Files that this spot made, with their sizes in bytes. They are too many for checksums."
+          : "Files that this spot made, with their sizes in bytes and SHA-256 checksums.",
       isPlan ? "A spot with these options would make no file: regions play their sources."
              : "No file was made: regions play their sources."};
-  TableWriter table = isPlan ? TableWriter(out, texts, kPlanned, data.files.size())
-                             : TableWriter(out, texts, kMade, data.files.size());
-  for (const FileRow& file : data.files) {
+  TableWriter table = isPlan ? TableWriter(out, texts, kPlanned, data.files.size(), most)
+                             : TableWriter(out, texts, kMade, data.files.size(), most);
+  for (std::size_t i = 0; i < table.Rows(); ++i) {
+    const FileRow& file = data.files[i];
     table.Begin(file.state == "failed" ? "gone" : "");
     table.Text(file.what);
     table.Text(file.isFolder ? file.state + " (folder)" : file.state);
     table.Number(Wide(file.event));
     table.Text(file.path);
     if (!isPlan) {
-      const bool isKnown = !file.sum.sha256.empty();
-      table.Number(isKnown ? std::optional<std::int64_t>(file.sum.bytes) : std::nullopt);
-      table.Text(isKnown ? file.sum.sha256 : file.sum.trouble);
+      table.Number(file.bytes);
+      table.Text(file.sha256.empty() ? file.noSha256 : file.sha256);
     }
     table.End();
   }

@@ -10,6 +10,30 @@ HOSTILE = '</script><script>alert(1)</script><img src=x onerror=alert(1)>&amp;"\
 HOSTILE_FILE = "<img src=x onerror=alert(1)>&amp;'.wav"  # a file's name holds no slash
 
 
+# What a row of the facts may lack, and what that says.
+TELLS = {
+    "events": dict(source=None, track=None, position=None, end=None, fadeIn=0, fadeOut=0, gainDb=0),
+    "regions": dict(path=None, event=None, piece=None, fadeIn=0, fadeOut=0, gainDb=0),
+    "files": dict(event=None, path=None, bytes=None, sha256=None, noSha256=None, folder=False),
+    "messages": dict(code=None, line=None, event=None, entry=None, effect=None, remedy=None),
+    "sources": dict(path=None),
+    "tracks": dict(first=None, end=None),
+}
+
+
+def named_rows(facts, table):
+    """A table's rows as objects with whole paths; a page that would grow too large has arrays instead."""
+    columns = facts.get("columns")
+    if columns is None:
+        return [dict(row) for row in facts[table]]
+    rows = [{name: value for name, value in zip(columns[table], row) if value is not None} for row in facts[table]]
+    for row in rows:
+        if "path" in row:
+            folder, name = facts["paths"][row["path"]]
+            row["path"] = facts["folders"][folder] + name
+    return rows
+
+
 class Page(html.parser.HTMLParser):
     """The page's tables by id: `heads` and `rows` of cell texts; and every element with its attributes."""
 
@@ -25,15 +49,8 @@ class Page(html.parser.HTMLParser):
         self.facts = json.loads(facts[0])
 
     def facts_of(self, table):
-        """A table of the facts as one object a row, paths whole."""
-        names = self.facts["columns"][table]
-        rows = [dict(zip(names, row + [None] * (len(names) - len(row)))) for row in self.facts[table]]
-        for row in rows:
-            if row.get("path") is not None:
-                folder, name = self.facts["paths"][row["path"]]
-                row["path"] = self.facts["folders"][folder] + name
-            row.update({name: row[name] or 0 for name in ("fadeIn", "fadeOut", "gainDb") if name in row})
-        return rows
+        """A table of the facts, what rows lack as None or 0, in either of its forms."""
+        return [TELLS[table] | row for row in named_rows(self.facts, table)]
 
     def handle_starttag(self, tag, attrs):
         attributes = dict(attrs)
@@ -95,7 +112,8 @@ def mixed_project(folder):
     return adl.write(folder / "p.adl")
 
 
-def long_project(folder, events=5000):
+def long_project(folder, events=5000, shaped=3):
+    """Each cut in so many has fades; with 1 each has a gain too."""
     adl = Adl()
     for number in range(20):
         (folder / f"Scene {number:02}.wav").write_bytes(wave(28 * 1600))
@@ -103,5 +121,5 @@ def long_project(folder, events=5000):
     shape = f"(Infade) {fade(2)} LIN _ _ _ (Outfade) {fade(2)} LIN _ _ _"
     for number in range(events):
         adl.cut(number + 1, number % 20 + 1, number % 12 + 1, stamp(number % 9), HOUR + number // 12 * 30, 19,
-                shape if number % 3 == 0 else "")
+                (shape if number % shaped == 0 else "") + (" (Gain) 1 -6.5" if shaped == 1 else ""))
     return adl.write(folder / "long.adl")

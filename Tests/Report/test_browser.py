@@ -244,6 +244,64 @@ class Browser(ProgramTest):
                         "return document.documentElement.scrollWidth <= document.documentElement.clientWidth"))
         self.assert_quiet()
 
+    def test_rows_made_of_the_facts_say_what_the_page_says(self):
+        """Rows that the page has no room for are made by its script: here are those that it has room for, too."""
+        compare = """
+          let count = 0;
+          const different = [];
+          for (const table of ['events', 'regions', 'files', 'messages']) {
+            for (const entry of tables[table].entries) {
+              const made = tables[table].makeRow(entry.number), written = entry.row;
+              made.classList.remove('later');
+              written.classList.remove('later');
+              if (!made.className) made.removeAttribute('class');
+              if (!written.className) written.removeAttribute('class');
+              if (made.outerHTML !== written.outerHTML) different.push([made.outerHTML, written.outerHTML]);
+              ++count;
+            }
+          }
+          return [count, different];"""
+        for how in (["--fades", "--gain"], ["--native"], ["--position", "offset", "--offset", "-00:00:00:10"]):
+            for rate in ([], ["--session-frame-rate", "29.97df"]):
+                with self.subTest(f"{how} {rate}"):
+                    path = self.mixed(*how, *rate)
+                    self.show(path)
+                    count, different = self.browser.execute_script(compare)
+                    self.assertGreater(count, 10)
+                    self.assertEqual(different, [])
+                    path.unlink()
+        path = self.folder / "spot.html"
+        run("spot", pages.mixed_project(self.folder), "--quiet", "--copy-to", self.folder / "made", "--fades",
+            "--bounce", self.folder / "b.wav", "--report", path)
+        self.show(path)
+        self.assertEqual(self.browser.execute_script(compare)[1], [])
+        self.assert_quiet()
+
+    def test_a_page_whose_script_makes_rows(self):
+        path = self.folder / "large.html"
+        run("report", pages.long_project(self.folder, shaped=1), "--fades", "--gain", "-o", path, seconds=60)
+        self.show(path)
+        facts = pages.Page(path)
+        self.assertEqual(len(facts.rows["regions"]), 200)
+        field = self.at("input[data-table=regions]")
+        field.send_keys("scene 07_fadeout")
+        self.assertEqual(self.at("output[data-count=regions]").text, "250 of 15000 regions")
+        wanted = [row["position"] for row in facts.facts_of("regions") if row["name"] == "Scene 07_FadeOut"]
+        self.assertEqual(self.column("regions", 6), [str(position) for position in wanted])
+        field.clear()
+        field.send_keys(" ")
+        self.at("#regions th:nth-child(7) button").click()
+        self.at("#regions th:nth-child(7) button").click()
+        last = max(row["position"] for row in facts.facts_of("regions"))
+        self.assertEqual(self.column("regions", 6)[0], str(last))
+        # Nobody has to scroll for them: they are all there soon.
+        rows = "return document.querySelectorAll('#regions tbody tr').length"
+        WebDriverWait(self.browser, 60).until(lambda browser: browser.execute_script(rows) == 15000)
+        self.show(path)
+        self.browser.execute_script("window.dispatchEvent(new Event('beforeprint'))")
+        self.assertEqual(self.column("regions", 6), [str(row["position"]) for row in facts.facts_of("regions")])
+        self.assert_quiet()
+
     def test_5000_events(self):
         path = self.folder / "long.html"
         run("report", pages.long_project(self.folder), "-o", path, seconds=30)

@@ -109,20 +109,23 @@ def read(path):
     return Page(parser.title, parser.tables, parser.heads, expanded(strict_json(facts[0])), parser.shape)
 
 
+# What a row of the facts may leave out, and what it then is.
+LEFT_OUT = {"events": {"source": None, "track": None, "position": None, "end": None, "fadeIn": 0, "fadeOut": 0, "gainDb": 0},
+            "regions": {"path": None, "event": None, "piece": None, "fadeIn": 0, "fadeOut": 0, "gainDb": 0},
+            "files": {"event": None, "path": None, "bytes": None, "sha256": None, "noSha256": None, "folder": False},
+            "messages": {"code": None, "line": None, "event": None, "entry": None, "effect": None, "remedy": None},
+            "sources": {"path": None}, "tracks": {"first": None, "end": None}}
+
+
 def expanded(facts):
-    """The tables of the facts as objects by column, with paths in place of their numbers."""
-    columns = facts["columns"]
-    require(set(columns) <= set(facts), f"columns {columns}")
-    for table, names in columns.items():
-        require(all(len(row) <= len(names) for row in facts[table]), f"a row longer than {names}")
-        facts[table] = [dict(zip(names, row + [None] * (len(names) - len(row)))) for row in facts[table]]
-    paths = [facts["folders"][path["folder"]] + path["name"] for path in facts["paths"]]
-    for table in ("regions", "files", "sources"):
-        for row in facts[table]:
-            row["path"] = None if row["path"] is None else paths[row["path"]]
+    """The tables of the facts with what their rows leave out."""
+    require("columns" not in facts, "a page of this size has facts with names")
+    for table, defaults in LEFT_OUT.items():
+        require(all(isinstance(row, dict) and None not in row.values() for row in facts[table]), table)
+        facts[table] = [defaults | row for row in facts[table]]
     for table in ("regions", "events"):
         for number, row in enumerate(facts[table]):
-            row.update({"index": number}, **{key: row[key] or 0 for key in ("fadeIn", "fadeOut", "gainDb")})
+            row["index"] = number
     return facts
 
 
