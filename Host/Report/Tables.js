@@ -13,9 +13,10 @@ const firstRows = 120;
 const firstFoundRows = 250;
 const moreRows = 150;
 
-/** Elements that are made in one go, and those that a table has before somebody asks for them. */
+/** Rows that are made in one go, and those that a table has before somebody asks for them. */
 const rowsInOneGo = 300;
 const mostRowsUnasked = 30000;
+const pause = 30;  // milliseconds: in between, the page answers
 
 /**
  * A table of the page. Its entries are rows in the order that is chosen; a row is made when it is
@@ -85,7 +86,7 @@ class Table {
     for (let at = 0; at < rows.length; at += step) this.body.append(...rows.slice(at, at + step));
   }
 
-  /** Puts in what costs little at once, and the rest while nobody waits. */
+  /** Puts in what costs little at once, and the rest bit by bit. */
   fillAll() {
     let end = this.filled;
     for (let made = 0; end < this.found.length && made < rowsInOneGo; ++end) {
@@ -94,10 +95,10 @@ class Table {
     this.fill(end);
     if (end < Math.min(this.found.length, mostRowsUnasked) && !this.waits) {
       this.waits = true;
-      whenIdle(() => {
+      setTimeout(() => {
         this.waits = false;
         this.fillAll();
-      });
+      }, pause);
     }
   }
 
@@ -172,8 +173,6 @@ class Table {
     row.scrollIntoView({block: 'center'});
   }
 }
-
-const whenIdle = window.requestIdleCallback ?? ((call) => setTimeout(call, 20));
 
 const tables = {};
 for (const table of document.querySelectorAll('table')) tables[table.id] = new Table(table);
