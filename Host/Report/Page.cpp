@@ -42,8 +42,13 @@ class PageWriter {
       : input_(input), data_(data), out_(out), states_(StatesOf(input)) {}
 
   void Write(const std::vector<Peaks>& peaks) {
-    const std::string timeline = Written([&](std::ostream& out) { WriteTimeline(peaks, out); });
+    std::string timeline = Written([&](std::ostream& out) { WriteTimeline(peaks, out); });
     const PageParts parts = Fit(timeline.size());
+    if (parts.Bytes() + timeline.size() > kMostBytes - kRoomForTheRest) {
+      // Of so many regions each is a few pixels wide: their waveforms are what is missed least.
+      const std::vector<Peaks> none(peaks.size());
+      timeline = Written([&](std::ostream& out) { WriteTimeline(none, out); });
+    }
     WriteHead();
     WriteTop(input_, data_, states_, out_);
     WriteContents();
