@@ -259,12 +259,17 @@ int RunSpotCommand(const SpotArguments& given) {
   SpotArguments arguments = given;
   const std::string badFolder = ComplaintAboutMediaFolders(arguments.preparation.check);
   if (!badFolder.empty()) return BadUsage(badFolder, "spot");
+  // Made first, since a target may go into it.
+  CopyFolder copies;
+  if (!arguments.copyFolder.empty() && !arguments.plan) {
+    const std::string complaint = copies.Make(arguments.copyFolder);
+    if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
+  }
   SpotTargets targets;
   const std::string refusal = targets.Claim(arguments);
-  if (!refusal.empty()) return BadUsage(refusal, arguments.plan ? "report" : "spot");
-  if (!arguments.copyFolder.empty() && !arguments.plan) {
-    const std::string complaint = MakeFolder(arguments.copyFolder);
-    if (!complaint.empty()) return BadUsage("--copy-to: " + complaint, "spot");
+  if (!refusal.empty()) {
+    copies.Remove();
+    return BadUsage(refusal, arguments.plan ? "report" : "spot");
   }
   bool prepared = true;
   if (arguments.prepare) {

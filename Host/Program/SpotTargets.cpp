@@ -52,9 +52,9 @@ void Tell(const host::TargetKind& kind, const host::TargetOutcome& outcome) {
 
 std::string SpotTargets::Add(const host::TargetKind& kind, const std::string& path,
                              const std::string& option, const host::TargetChoices& choices) {
+  if (!TakePlace(path)) return option + ": " + path + " is given twice";
   host::ClaimedTarget claimed = kind.claim(path, choices);
   if (!claimed.complaint.empty()) return option + ": " + claimed.complaint;
-  if (!TakePlace(path)) return option + ": " + path + " is given twice";
   rows_.push_back({&kind, path, std::move(claimed.target)});
   return {};
 }

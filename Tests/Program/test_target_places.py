@@ -26,6 +26,19 @@ class TargetPlaces(ProgramTest):
                 self.assert_bad_usage(run("spot", adl, *options, cwd=self.folder), "given twice")
                 self.assertEqual(self.files(), before)
 
+    def test_a_target_may_go_into_the_folder_of_the_copies(self):
+        """Also where that folder is new; it stays only where the spot begins."""
+        adl = one_cut(self.folder)
+        before = self.files()
+        refused = run("spot", adl, "--copy-to", "new/copies", "--bounce", "new/copies/a.wav", "--otio", "gone/a.otio", cwd=self.folder)
+        self.assert_bad_usage(refused, "gone/a.otio", "No such file or directory")
+        self.assertEqual(self.files(), before)
+        self.assertFalse((self.folder / "new").exists())
+        self.assert_status(run("spot", adl, "--copy-to", "new/copies", "--bounce", "new/copies/a.wav", "--otio", "new/a.otio",
+                               cwd=self.folder), ALL_DONE)
+        self.assertTrue((self.folder / "new/copies/a.wav").is_file())
+        self.assertTrue((self.folder / "new/a.otio").is_file())
+
     def test_only_a_bounce_goes_to_standard_output(self):
         adl = one_cut(self.folder)
         before = self.files()
