@@ -140,7 +140,9 @@ TEST_F(SpotChronicleTest, fadesAndGainAreFactsUnlessTheyAreRendered) {
   SpotOptions rendered = Options();
   rendered.doFades = 1;
   Spot(model, rendered);
-  for (const host::SessionRegion& region : receiver_.Copy()->session.Regions()) {
+  const auto spotted = receiver_.Copy();
+  ASSERT_FALSE(spotted->session.Regions().empty());
+  for (const host::SessionRegion& region : spotted->session.Regions()) {
     EXPECT_EQ(region.shape.fadeIn, 0);
   }
   receiver_.Clear();
