@@ -14,7 +14,7 @@ std::string FreeName(const std::string& base, const std::string& extension) {
        std::filesystem::symlink_status(name, error).type() != std::filesystem::file_type::not_found;
        ++number) {
     if (error) break;
-    name = base + " " + std::to_string(number) + extension;
+    name.assign(base).append(" ").append(std::to_string(number)).append(extension);
   }
   return name;
 }
