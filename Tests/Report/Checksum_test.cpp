@@ -26,8 +26,8 @@ TEST(Checksum, saysWhyThereIsNone) {
 
 TEST(Checksum, endsWhenItIsCancelled) {
   const test::TemporaryFolder folder;
-  const Checksum sum =
-      ChecksumOf(folder.Write("f", std::string(1'000'000, 'a')), [](std::int64_t) { return false; });
+  const Checksum sum = ChecksumOf(folder.Write("f", std::string(1'000'000, 'a')),
+                                  [](std::int64_t) { return false; });
   EXPECT_EQ(sum.sha256, "");
   EXPECT_LT(sum.bytes, 1'000'000);
 }
