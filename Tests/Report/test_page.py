@@ -233,8 +233,9 @@ class ReportAlone(ProgramTest):
 
     def test_a_page_that_would_grow_too_large(self):
         """It says what it leaves to its script, and its facts have everything, if need be without names."""
-        for shaped, fewer, has_names in ((3, {"regions", "files"}, True),
-                                         (1, {"events", "regions", "files", "messages"}, False)):
+        # How many waveforms fit is a matter of time, and with few of them the events fit, too.
+        for shaped, fewer, perhaps, has_names in ((3, {"regions", "files"}, set(), True),
+                                                  (1, {"regions", "files", "messages"}, {"events"}, False)):
             with self.subTest(shaped):
                 adl = pages.long_project(self.folder, shaped=shaped)
                 how = ("--fades", "--gain", "--depth", "16", "--copy-to", self.folder / "made")
@@ -246,9 +247,10 @@ class ReportAlone(ProgramTest):
                 for table in ("events", "regions", "files", "messages"):
                     with self.subTest(table):
                         facts = page.facts_of(table)
-                        shown = 200 if table in fewer else len(facts)
-                        self.assertEqual(len(page.rows[table]), shown)
-                        self.assertEqual(f"The first {shown} of {len(facts)} rows" in page.captions[table], table in fewer)
+                        is_cut = f"The first 200 of {len(facts)} rows" in page.captions[table]
+                        self.assertEqual(len(page.rows[table]), 200 if is_cut else len(facts))
+                        if table not in perhaps:
+                            self.assertEqual(is_cut, table in fewer)
                 regions = page.facts_of("regions")
                 self.assertEqual(page.column("regions", "Position"), [str(row["position"]) for row in regions[:200]])
                 self.assertEqual({row["path"] for row in regions}, {str(path) for path in self.folder.glob("Scene*.wav")})
