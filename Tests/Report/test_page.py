@@ -233,8 +233,8 @@ class ReportAlone(ProgramTest):
 
     def test_a_page_that_would_grow_too_large(self):
         """It says what it leaves to its script, and its facts have everything, if need be without names."""
-        # How many waveforms fit is a matter of time, and with few of them the events fit, too.
-        for shaped, fewer, perhaps, has_names in ((3, {"regions", "files"}, set(), True),
+        # How many waveforms fit is a matter of time, and with few of them more rows fit.
+        for shaped, fewer, perhaps, has_names in ((3, {"regions", "files"}, {"regions"}, True),
                                                   (1, {"regions", "files", "messages"}, {"events"}, False)):
             with self.subTest(shaped):
                 adl = pages.long_project(self.folder, shaped=shaped)
