@@ -145,7 +145,7 @@ void AES31BWF::WriteSample(float value) {
 
 void AES31BWF::WriteSamples(const float* values, std::size_t count) {
   const std::size_t sampleBytes = format.bitsPerSample / 8U;
-  std::array<std::uint8_t, std::size_t{3} << 14> bytes;
+  std::array<std::uint8_t, std::size_t{3} << 15> bytes;
   if (format.bitsPerSample % 8 != 0 || sampleBytes == 0 || sampleBytes > sizeof(float)) {
     for (std::size_t i = 0; i < count; ++i) WriteSample(values[i]);
     return;

