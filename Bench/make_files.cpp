@@ -1,4 +1,5 @@
-// Creates, writes and closes files and does nothing else: what many small pieces are measured against.
+// Creates, writes and closes files and does nothing else: what many small pieces are measured
+// against.
 //
 //   velmora_make_files FOLDER COUNT BYTES
 

@@ -213,31 +213,32 @@ def same_file_again(bench):
 def small_pieces(bench):
     """Half as many cuts as pieces, each with a fade at both ends, their pieces in one folder."""
     length, fade = 2400, 480
-    folder = bench.path("small")
-    os.makedirs(folder, exist_ok=True)
-    source = os.path.join(folder, "small.wav")
+    source = bench.path("small.wav")
     frames = write_wave(source, 24, 6)
     fades = f"(Infade) {fade_length(fade)} LIN _ _ _\n(Outfade) {fade_length(fade)} LIN _ _ _\n"
     events = [
         cut(i * 97 % (frames - length), i * length, length) + fades for i in range(bench.count // 2)
     ]
-    project = write_project(os.path.join(folder, "small.adl"), source, frames, events)
-    # The fades go into the folder of copies, and the copies would count: the cuts stay where they are.
-    made = [
-        os.path.join(folder, f"small_Fade{end}{'.' + str(i) if i else ''}.wav")
-        for end in ("In", "Out")
-        for i in range(bench.count // 2)
-    ]
-    spot = bench.spot(project, "--depth", "24", "--fades", makes=made)
+    project = write_project(bench.path("small.adl"), source, frames, events)
+    folder = bench.path("small")
+
+    def fill():
+        for file in (source, project):
+            os.link(file, os.path.join(folder, os.path.basename(file)))
+
+    spot = bench.spot(
+        os.path.join(folder, "small.adl"), "--depth", "24", "--fades", folders=[folder], fill=fill
+    )
     plain = bench.path("plain")
     size = 668 + fade * 6
     reference = Command(
-        "as many files", [bench.helper, plain, str(len(made)), str(size)], folders=[plain]
+        "as many files", [bench.helper, plain, str(2 * len(events)), str(size)], folders=[plain]
     )
 
     def agree():
-        if any(os.path.getsize(piece) != size for piece in made):
-            raise Disagreement("a piece has another size than the files beside it")
+        pieces = [entry for entry in os.scandir(folder) if "_Fade" in entry.name]
+        if len(pieces) != 2 * len(events) or any(p.stat().st_size != size for p in pieces):
+            raise Disagreement("the pieces are not as many and as large as the files beside them")
 
     return Work([spot, reference], [against("as many files", 2.0)], agree)
 

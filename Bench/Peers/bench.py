@@ -27,6 +27,7 @@ class Command:
     makes: list = dataclasses.field(default_factory=list)
     folders: list = dataclasses.field(default_factory=list)  # empty ones, made before each run
     output: Optional[str] = None  # where standard output goes; nowhere unless told
+    fill: Callable = lambda: None  # puts into the folders what has to be there, before each run
 
 
 @dataclasses.dataclass
@@ -100,6 +101,7 @@ class Bench:
         self.megabytes = arguments.megabytes
         self.count = arguments.count
         self._made = None
+        self._cleared = 0
         self._folder = arguments.folder
         install_peers()
         self.velmora = arguments.velmora or build("velmora", "Host/Program/velmora")
@@ -137,7 +139,8 @@ class Bench:
                 cpus.append({name: cpu for name, (_, cpu) in times.items()})
         finally:
             for command in work.commands:
-                clear(command)
+                self._clear(command)
+            shutil.rmtree(self.path("trash"), ignore_errors=True)
         return [
             Result(limit, [limit.ratio(t) for t in walls], [limit.ratio(t) for t in cpus])
             for limit in work.limits
@@ -145,9 +148,10 @@ class Bench:
 
     def _run(self, command):
         """Seconds by the clock and of processor time."""
-        clear(command)
+        self._clear(command)
         for folder in command.folders:
             os.makedirs(folder)
+        command.fill()
         with open(command.output or os.devnull, "wb") as output, open(os.devnull, "rb") as nothing:
             errors = tempfile.TemporaryFile()
             begin = time.perf_counter()
@@ -160,13 +164,17 @@ class Bench:
             sys.exit(f"{' '.join(command.argv)} failed:\n{errors.read().decode(errors='replace')}")
         return wall, used.ru_utime + used.ru_stime
 
-
-def clear(command):
-    for made in command.makes + command.folders:
-        if os.path.isdir(made):
-            shutil.rmtree(made)
-        elif os.path.lexists(made):
-            os.remove(made)
+    def _clear(self, command):
+        """Folders go when the row is done: for some seconds after many files were removed, ext4 takes
+        many times as long to create others."""
+        for made in command.makes:
+            if os.path.lexists(made):
+                os.remove(made)
+        for folder in command.folders:
+            if os.path.isdir(folder):
+                os.makedirs(self.path("trash"), exist_ok=True)
+                os.rename(folder, self.path("trash", str(self._cleared)))
+                self._cleared += 1
 
 
 def install_peers():
