@@ -227,12 +227,13 @@ def small_pieces(bench):
             os.link(file, os.path.join(folder, os.path.basename(file)))
 
     spot = bench.spot(
-        os.path.join(folder, "small.adl"), "--depth", "24", "--fades", folders=[folder], fill=fill
-    )
+        os.path.join(folder, "small.adl"), "--depth", "24", "--fades", folders=[folder], fill=fill,
+        many=True
+    )  # fmt: skip
     plain = bench.path("plain")
     size = 668 + fade * 6
     reference = Command(
-        "as many files", [bench.helper, plain, str(2 * len(events)), str(size)], folders=[plain]
+        "as many files", [bench.helper, plain, str(2 * len(events)), str(size)], folders=[plain], many=True
     )
 
     def agree():

@@ -12,7 +12,7 @@ namespace velmora {
 ///
 /// GetSampleAt seeks for nearly every sample, and each seek is a call to the system. A run reads
 /// whole blocks where that gives the same samples, which it does for files with whole bytes for a
-/// sample and no gaps; everything else goes through GetSampleAt. A fade takes a thirtieth of the
+/// sample and no gaps; everything else goes through GetSampleAt. A fade takes an eightieth of the
 /// time that way. Afterwards the file's stream may stand anywhere: it is to be closed.
 class FrameRun {
  public:
