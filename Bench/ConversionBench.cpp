@@ -7,7 +7,7 @@
 #include "ADL/AES31Event.h"
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
-#include "BWF/SampleKernels.h"
+#include "BWF/SampleConversion.h"
 #include "BenchSupport.h"
 #include "Spot/EventFiles.h"
 

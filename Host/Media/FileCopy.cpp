@@ -2,10 +2,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-#if defined(__linux__)
-#include <linux/fs.h>
-#include <sys/ioctl.h>
-#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -15,6 +11,7 @@
 #include <vector>
 
 #include "Base/FileAccess.h"
+#include "Base/SystemCopy.h"
 #include "Media/Conversion.h"
 #include "Media/WaveWriter.h"
 
@@ -66,29 +63,21 @@ class FileCopy {
   }
 
   bool Clone() {
-#if defined(FICLONE)
-    if (ioctl(target_->Descriptor(), FICLONE, fileno(source_.get())) != 0) return false;
+    if (!ShareBlocks(fileno(source_.get()), target_->Descriptor())) return false;
     done_ = size_;
     return GoesOn();
-#else
-    return false;
-#endif
   }
 
   /// False if it was cancelled. Where the system cannot do it, the rest is copied by hand.
   bool CopyInKernel() {
-#if defined(__linux__)
     while (!result_.cancelled && done_ < size_) {
-      const auto count = static_cast<std::size_t>(std::min(kBlockInKernelBytes, size_ - done_));
-      off_t place = done_;
-      const ssize_t copied =
-          copy_file_range(fileno(source_.get()), &place, target_->Descriptor(), nullptr, count, 0);
-      if (copied < 0 && errno == EINTR) continue;
-      if (copied <= 0) return true;
+      const std::int64_t copied =
+          CopyInsideSystem(fileno(source_.get()), target_->Descriptor(), done_,
+                           std::min(kBlockInKernelBytes, size_ - done_));
+      if (copied == 0) break;
       done_ += copied;
       if (!GoesOn()) return false;
     }
-#endif
     return !result_.cancelled;
   }
 

@@ -89,6 +89,9 @@ class AES31BWF {
   /// stand in it. The copy itself is CopyTo's, with the name that the file has by then.
   [[nodiscard]] std::int32_t CopyInto(OutputFile& file, std::int32_t bitDepth);
 
+  /// WriteSample for each of `count` values, in blocks.
+  void WriteSamples(const float* values, std::size_t count);
+
   /// True once something could not be written, also if only closing showed it. The system log has
   /// been told path and cause.
   [[nodiscard]] bool WriteFailed() const { return writeFailed_; }

@@ -1,23 +1,26 @@
 // Whole files: copies, depth conversion, gain.
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "BWF/AES31BWF.h"
 #include "BWF/OutputFile.h"
-#include "BWF/SampleKernels.h"
+#include "BWF/SampleConversion.h"
+#include "BWF/StreamCopy.h"
 #include "Base/Wrapping.h"
 
 namespace velmora {
 namespace {
 
 constexpr std::size_t kCopyBlockBytes = std::size_t{1} << 20;
-constexpr std::size_t kBlockSamples = 20000;
+/// Large blocks cost fewer calls to the system and let it keep a file in fewer, larger pieces: in
+/// processor time a gain took 1.3 times as long with a quarter of this, and no less with more.
+constexpr std::size_t kBlockSamples = std::size_t{1} << 18;
 /// Depths that no real file has must not make the buffers grow with them.
 constexpr std::size_t kLargestBufferBytes = std::size_t{1} << 20;
 
@@ -27,10 +30,11 @@ Bytes Allocate(std::size_t count) {
   return Bytes(new (std::nothrow) std::uint8_t[count]);
 }
 
-/// Single samples in one block: blocks cut across frames without harm.
-std::size_t BlockSamples(std::size_t sourceBytes, std::size_t targetBytes) {
+/// Single samples in one block, of `all`: blocks cut across frames without harm.
+std::size_t BlockSamples(std::size_t sourceBytes, std::size_t targetBytes, std::uint64_t all) {
   const std::size_t largest = std::max({sourceBytes, targetBytes, std::size_t{1}});
-  return std::min(kBlockSamples, kLargestBufferBytes / largest);
+  const std::size_t most = std::min(kBlockSamples, kLargestBufferBytes / largest);
+  return static_cast<std::size_t>(std::min<std::uint64_t>(most, all));
 }
 
 /// Fills the buffer from the stream; what the file lacks is 0. False on a read error.
@@ -45,15 +49,16 @@ bool ReadPadded(std::FILE* stream, std::uint8_t* buffer, std::size_t count) {
 std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain) {
   const SampleConversion conversion(format.bitsPerSample, target->format.bitsPerSample,
                                     applyGain ? &gain : nullptr);
-  const std::size_t blockSamples = BlockSamples(conversion.SourceBytes(), conversion.TargetBytes());
+  // A declared count below 0 has no samples, and a target without bytes takes none.
+  const bool hasSamples = static_cast<std::int64_t>(frames) > 0 && conversion.TargetBytes() > 0;
+  std::uint64_t left = hasSamples ? frames * format.channels : 0;
+  const std::size_t blockSamples =
+      BlockSamples(conversion.SourceBytes(), conversion.TargetBytes(), left);
   const Bytes source = Allocate(blockSamples * conversion.SourceBytes());
   const Bytes converted = Allocate(blockSamples * conversion.TargetBytes());
   if (source == nullptr || converted == nullptr) return 1;
   if (stream == nullptr || target->stream == nullptr) return 2;
 
-  // A declared count below 0 has no samples, and a target without bytes takes none.
-  const bool hasSamples = static_cast<std::int64_t>(frames) > 0 && conversion.TargetBytes() > 0;
-  std::uint64_t left = hasSamples ? frames * format.channels : 0;
   while (left > 0) {
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, blockSamples));
     if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return 2;
@@ -81,37 +86,17 @@ std::int32_t AES31BWF::CopyInto(OutputFile& file, std::int32_t bitDepth) {
   return CopyTo(file.Path().c_str(), bitDepth);
 }
 
-/// The file as it stands, up to the end of its RIFF form, in bounded memory. A form that ends
-/// before the file's begin leaves an empty target.
+/// The file as it stands, up to the end of its RIFF form. A form that ends before the file's begin
+/// leaves an empty target.
 std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
   FileStream target = file.Create();
   if (target == nullptr) return CopyTargetNotCreated;
   OpenAtData();
-  const Bytes block = Allocate(kCopyBlockBytes);
-  if (stream == nullptr || block == nullptr || riffEnd < 0) {
-    CloseFile();
-    return CopyFailed;
-  }
-  fseeko(stream.get(), 0, SEEK_SET);
-  DisableCache();
-  DisableFileCache(target.get());
-
-  int writeError = 0;
-  auto left = static_cast<std::uint64_t>(riffEnd);
-  while (left > 0 && writeError == 0) {
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, kCopyBlockBytes));
-    const std::size_t got = std::fread(block.get(), 1, wanted, stream.get());
-    if (got == 0) break;
-    if (std::fwrite(block.get(), 1, got, target.get()) != got) writeError = errno;
-    left -= got;
-  }
-  const bool read = std::ferror(stream.get()) == 0;
+  const bool copied =
+      stream != nullptr && riffEnd >= 0 &&
+      CopyStream(stream.get(), std::move(target), static_cast<std::uint64_t>(riffEnd), file);
   CloseFile();
-  if (std::fflush(target.get()) != 0 && writeError == 0) writeError = errno;
-  if ((read && writeError == 0) || FileSize(target.get()) > 0) file.Keep();
-  if (std::fclose(target.release()) != 0 && writeError == 0) writeError = errno;
-  if (writeError != 0) LogWriteError(file.Path().c_str(), writeError);
-  return read && writeError == 0 ? CopyDone : CopyFailed;
+  return copied ? CopyDone : CopyFailed;
 }
 
 /// The audio alone, in a new file of the other depth. A header can claim far more samples than its

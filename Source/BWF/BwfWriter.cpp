@@ -1,6 +1,7 @@
 // The writing side of AES31BWF: the new file with its fixed header, and single samples.
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -10,6 +11,7 @@
 #include "BWF/ChunkWalk.h"
 #include "BWF/OutputFile.h"
 #include "BWF/SampleCodec.h"
+#include "BWF/SampleKernels.h"
 #include "Base/Wrapping.h"
 
 namespace velmora {
@@ -139,6 +141,23 @@ void AES31BWF::WriteSample(float value) {
   const std::size_t atOnce = std::min(count, sizeof bytes);
   WriteBytes(bytes, atOnce);
   for (std::size_t i = atOnce; i < count; ++i) WriteBytes(&bytes[sizeof bytes - 1], 1);
+}
+
+void AES31BWF::WriteSamples(const float* values, std::size_t count) {
+  const std::size_t sampleBytes = format.bitsPerSample / 8U;
+  std::array<std::uint8_t, std::size_t{3} << 15> bytes;
+  if (format.bitsPerSample % 8 != 0 || sampleBytes == 0 || sampleBytes > sizeof(float)) {
+    for (std::size_t i = 0; i < count; ++i) WriteSample(values[i]);
+    return;
+  }
+  const std::size_t most = bytes.size() / sampleBytes;
+  while (count > 0) {
+    const std::size_t n = std::min(count, most);
+    FastestKernels().encode(values, FullScale(format.bitsPerSample), bytes.data(), sampleBytes, n);
+    if (!WriteBytes(bytes.data(), n * sampleBytes)) return;
+    values += n;
+    count -= n;
+  }
 }
 
 }  // namespace velmora

@@ -1,7 +1,10 @@
 #include "Spot/SpotPasses.h"
 
+#include <bit>
+#include <cstddef>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "Base/Wrapping.h"
 #include "Spot/EventFiles.h"
@@ -13,6 +16,10 @@ namespace {
 void SetRenderedFile(AES31Event& event, std::unique_ptr<AES31BWF> file) {
   delete event.renderedFile;  // an aborted run may have left one; its file on disk stays
   event.renderedFile = file.release();
+}
+
+std::uint64_t GainBits(const AES31Event& event) {
+  return std::bit_cast<std::uint64_t>(event.gain.gainDb);
 }
 
 }  // namespace
@@ -53,7 +60,9 @@ void SpotPasses::PrepareDepth(std::int32_t index, AES31Event& event) {
   const char* const folder = copy ? options_.copyFolder.c_str() : nullptr;
   const char* const suffix = copy ? "" : options_.depthSuffix.c_str();
   NewFile target = names_.New(SourcePath(event), folder, suffix);
-  const std::int32_t status = source.CopyInto(target, options_.bitDepth);
+  const MadeFiles::Recipe recipe = {&source, options_.bitDepth, std::nullopt};
+  const std::int32_t status =
+      MakeOnce(index, recipe, target, [&] { return source.CopyInto(target, options_.bitDepth); });
   observer_.FileMade(FilePass::Depth, index, target.Path(), status);
   if (status == CopyDone) SetRenderedFile(event, std::make_unique<AES31BWF>(target.Path().c_str()));
 }
@@ -73,9 +82,42 @@ bool SpotPasses::GainPass() {
 /// the depth pass made.
 void SpotPasses::PrepareGain(std::int32_t index, AES31Event& event) {
   NewFile target = DerivedFile(event, "_Gain");
-  std::unique_ptr<AES31BWF> file = RenderGainInto(target, event);
-  observer_.FileMade(FilePass::Gain, index, target.Path(), file != nullptr ? CopyDone : CopyFailed);
-  if (file != nullptr) SetRenderedFile(event, std::move(file));
+  const std::int32_t depth = static_cast<std::int32_t>(event.sourceFile->GetBitsPerSample());
+  const MadeFiles::Recipe recipe = {event.sourceFile, depth, GainBits(event)};
+  std::unique_ptr<AES31BWF> file;
+  const std::int32_t status = MakeOnce(index, recipe, target, [&] {
+    file = RenderGainInto(target, event);
+    return file != nullptr ? CopyDone : CopyFailed;
+  });
+  const bool made = status == CopyDone;
+  observer_.FileMade(FilePass::Gain, index, target.Path(), made ? CopyDone : CopyFailed);
+  if (made && file == nullptr) file = std::make_unique<AES31BWF>(target.Path().c_str());
+  if (made) SetRenderedFile(event, std::move(file));
+}
+
+std::int32_t SpotPasses::MakeOnce(std::int32_t index, const MadeFiles::Recipe& recipe,
+                                  OutputFile& target,
+                                  const std::function<std::int32_t()>& makeAnew) {
+  const std::optional<std::int32_t> copied = made_.CopyOf(recipe, target);
+  if (copied) return *copied;
+  std::optional<FileStamp> source;
+  if (IsNeededAgain(index, recipe)) source = MadeFiles::Begin(recipe);
+  const std::int32_t status = makeAnew();
+  if (status == CopyDone) made_.Note(recipe, source, target.Path());
+  return status;
+}
+
+/// Looks at the list itself: fetching an event is a step that is seen from outside.
+bool SpotPasses::IsNeededAgain(std::int32_t index, const MadeFiles::Recipe& recipe) const {
+  if (!MadeFiles::IsWorthNoting(recipe)) return false;
+  const std::vector<AES31Event>& events = project_.project->events;
+  for (auto i = static_cast<std::size_t>(index) + 1; i < events.size(); ++i) {
+    const AES31Event& event = events[i];
+    const bool sameGain =
+        !recipe.gainDb || (event.gain.present && GainBits(event) == recipe.gainDb);
+    if (event.sourceFile == recipe.source && sameGain && IsLive(event)) return true;
+  }
+  return false;
 }
 
 bool SpotPasses::RegionPass() {

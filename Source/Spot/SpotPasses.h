@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "BWF/OutputPaths.h"
+#include "Spot/MadeFiles.h"
 #include "Spot/RegionSpotter.h"
 #include "Spot/SpotWorker.h"
 
@@ -37,6 +39,12 @@ class SpotPasses {
 
   void PrepareDepth(std::int32_t index, AES31Event& event);
   void PrepareGain(std::int32_t index, AES31Event& event);
+  /// Makes an event's file, or copies an equal one that this run has made already.
+  /// @return a CopyStatus
+  std::int32_t MakeOnce(std::int32_t index, const MadeFiles::Recipe& recipe, OutputFile& target,
+                        const std::function<std::int32_t()>& makeAnew);
+  /// Whether a later event needs a file of the same recipe, and copying it would pay.
+  bool IsNeededAgain(std::int32_t index, const MadeFiles::Recipe& recipe) const;
   /// The status of one attempt, none if there is nothing to place.
   std::optional<std::int32_t> SpotMainRegion(std::int32_t index, const AES31Event& event,
                                              std::int32_t attempt);
@@ -60,6 +68,7 @@ class SpotPasses {
   RegionHost& host_;
   SpotObserver& observer_;
   OutputNames names_;
+  MadeFiles made_;
   std::int32_t progress_ = 0;
 };
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// What tells a file from another one, and from itself once it was changed.
+struct FileStamp {
+  dev_t device = 0;
+  ino_t number = 0;
+  std::int64_t size = 0;
+  std::int64_t contentsChanged = 0;  ///< in nanoseconds of the system's clock
+  std::int64_t factsChanged = 0;     ///< the same; nobody can set this one back
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+/// A stamp that every later change will make another one of. The clock that stamps are made by
+/// stands still for some milliseconds at a time, and a change in the same moment would leave the
+/// stamp as it is: so this waits for the next moment, 10 ms at most, if the file changed just now.
+/// @return none if the file cannot be looked at, or if it or the system keeps no such times
+[[nodiscard]] std::optional<FileStamp> SettledStamp(const std::string& path);
+
+/// The stamp that the file has now; none if it cannot be looked at.
+[[nodiscard]] std::optional<FileStamp> CurrentStamp(const std::string& path);
+
+}  // namespace velmora
