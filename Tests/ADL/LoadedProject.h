@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ADL/AES31Project.h"
-#include "CapturedStandardError.h"
+#include "Support/CapturedStandardError.h"
 #include "Support/TemporaryFolder.h"
 
 namespace velmora::test {
