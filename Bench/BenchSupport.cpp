@@ -1,10 +1,12 @@
 #include "BenchSupport.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "BWF/AES31BWF.h"
@@ -18,6 +20,17 @@ std::string Timestamp(std::int32_t frames) {
   std::snprintf(text, sizeof text, "%02d.%02d:%02d:%02d/0000", frames / 90000 % 24,
                 frames / 1500 % 60, frames / 25 % 60, frames % 25);
   return text;
+}
+
+constexpr int kSources = 100;
+
+/// All sources of a project, by one file.
+void FillWithSources(const std::string& folder) {
+  if (!std::filesystem::create_directory(folder)) return;
+  const std::string noise = WriteNoise(24, 1);
+  for (int i = 1; i <= kSources; ++i) {
+    std::filesystem::create_hard_link(noise, folder + "/s" + std::to_string(i) + ".wav");
+  }
 }
 
 struct Folder {
@@ -40,17 +53,29 @@ const std::string& InputFolder() {
   return folder.path;
 }
 
-std::string WriteProject(std::int32_t cuts) {
-  std::string path = InputFolder() + "/cuts" + std::to_string(cuts) + ".adl";
+void GrowingEvents(benchmark::internal::Benchmark* benchmark) {
+  constexpr std::int64_t kFew = 1000;
+  const char* const told = std::getenv("VELMORA_BENCH_EVENTS");
+  const std::int64_t many = told != nullptr ? std::atoll(told) : 20000;
+  for (const std::int64_t count : std::set{kFew, std::max(many / 10, kFew), std::max(many, kFew)}) {
+    benchmark->Arg(count);
+  }
+}
+
+std::string WriteProject(std::int32_t cuts, Audio audio) {
+  const std::string folder = InputFolder() + (audio == Audio::Found ? "/found" : "");
+  std::string path = folder + "/cuts" + std::to_string(cuts) + ".adl";
+  if (std::filesystem::exists(path)) return path;
+  if (audio == Audio::Found) FillWithSources(folder);
   std::ofstream file(path);
   file << "<ADL>\n<PROJECT>\n(PROJ_TITLE) \"Benchmark\"\n</PROJECT>\n<SOURCE_INDEX>\n";
-  for (int i = 1; i <= 100; ++i) {
+  for (int i = 1; i <= kSources; ++i) {
     file << "(Index) " << i << " (F) \"URL:file://localhost/a/s" << i
          << ".wav\" _ 00.00:00:00/0000 01.00:00:00/0000\n";
   }
   file << "</SOURCE_INDEX>\n<EVENT_LIST>\n";
   for (std::int32_t i = 0; i < cuts; ++i) {
-    file << "(Entry) " << i + 1 << "\n (Cut) I " << i % 100 + 1 << " 1 " << i % 24 + 1 << ' '
+    file << "(Entry) " << i + 1 << "\n (Cut) I " << i % kSources + 1 << " 1 " << i % 24 + 1 << ' '
          << Timestamp(i % 1000) << ' ' << Timestamp(i * 10) << ' ' << Timestamp(i * 10 + 20)
          << " _\n";
     if (i % 4 == 0) {

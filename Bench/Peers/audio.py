@@ -6,23 +6,10 @@ import struct
 import subprocess
 
 from bench import Command, Disagreement, Limit, Work, against, against_fastest, row
+from stamps import RATE, fade_length, stamp
 
-RATE = 48000
 PEERS = ["sox -D", "sndfile-convert", "ffmpeg"]
 NOISE_BYTES = 1 << 20
-
-
-def stamp(samples):
-    """A timestamp of 25 frames at 48 kHz."""
-    seconds, rest = divmod(samples, RATE)
-    frames, rest = divmod(rest, RATE // 25)
-    return f"{seconds // 3600:02}.{seconds // 60 % 60:02}:{seconds % 60:02}:{frames:02}/{rest:04}"
-
-
-def fade_length(samples):
-    """The same with the comma that a fade's length has before its frames."""
-    text = stamp(samples)
-    return text[:8] + "," + text[9:]
 
 
 def write_wave(path, bits, megabytes, channels=2):

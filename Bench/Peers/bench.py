@@ -1,7 +1,9 @@
 """Rows, and how they are measured."""
 
 import dataclasses
+import json
 import os
+import re
 import shutil
 import statistics
 import subprocess
@@ -12,10 +14,21 @@ from typing import Callable, Optional
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 PACKAGES = ["sox", "ffmpeg", "sndfile-programs"]
+ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8"}  # what wc takes for a word costs by the locale
+MAXRSS_BYTES = 1 if sys.platform == "darwin" else 1024
 
 
 class Disagreement(Exception):
     """Two programs made different things: their times are not worth comparing."""
+
+
+@dataclasses.dataclass
+class Used:
+    """What one run took: seconds by the clock, seconds of processor time, bytes of memory at the most."""
+
+    wall: float
+    cpu: float
+    memory: int = 0
 
 
 @dataclasses.dataclass
@@ -29,15 +42,20 @@ class Command:
     output: Optional[str] = None  # where standard output goes; nowhere unless told
     fill: Callable = lambda: None  # puts into the folders what has to be there, before each run
     many: bool = False  # the folders get many small files
+    parts: Optional[Callable] = None  # of its output's path: parts that it timed itself, by name
+    starts: int = 0  # so often only up to the first output, the median counting as one run
 
 
 @dataclasses.dataclass
 class Limit:
-    """A ratio of times that a row is to keep: a function of the times of one round, by command."""
+    """What a row is to keep: a function of the times of one round, by command, or of other facts of
+    Used. A ratio, or an absolute figure if it has a unit."""
 
     of: str
-    most: float
-    ratio: Callable
+    most: Optional[float]  # none if the figure is only to be seen
+    figure: Callable
+    unit: str = ""
+    facts: tuple = ("wall", "cpu")
 
 
 @dataclasses.dataclass
@@ -55,32 +73,34 @@ class Row:
     name: str
     title: str
     prepare: Callable  # of a Bench; answers a Work
+    asked: bool
 
 
 @dataclasses.dataclass
 class Result:
-    """For each limit: the ratio in each round, by the clock and in processor time."""
+    """For each fact of a limit: the figure in each round."""
 
     limit: Limit
-    wall: list
-    cpu: list
+    figures: list
 
 
 _rows = []
 
 
-def row(name, title):
-    """Makes a function of a Bench that answers a Work a row of the table."""
+def row(name, title, asked=False):
+    """Makes a function of a Bench that answers a Work a row of the table; `asked`: only when named."""
 
     def add(prepare):
-        _rows.append(Row(name, title, prepare))
+        _rows.append(Row(name, title, prepare, asked))
         return prepare
 
     return add
 
 
 def select(beginnings):
-    return [r for r in _rows if not beginnings or any(r.name.startswith(b) for b in beginnings)]
+    if not beginnings:
+        return [r for r in _rows if not r.asked]
+    return [r for r in _rows if any(r.name.startswith(b) for b in beginnings)]
 
 
 def against(name, most, ours="velmora"):
@@ -94,6 +114,31 @@ def against_fastest(names, most, ours="velmora"):
     return Limit(title, most, lambda times: times[ours] / min(times[n] for n in names))
 
 
+def absolute(of, most, unit, figure):
+    """A time that is to stay below so many "ms" or "us"; `figure` answers seconds."""
+    scale = {"ms": 1e3, "us": 1e6}[unit]
+    return Limit(of, most, lambda times: figure(times) * scale, unit)
+
+
+def memory_against(file, of, most, ours="velmora"):
+    """At most so many times the size of a file, in memory at any time."""
+    size = os.path.getsize(file)
+    return Limit(of, most, lambda memory: memory[ours] / size, facts=("memory",))
+
+
+def benchmark_times(output):
+    """The times of an iteration, by name and argument, as in "LoadTree/1000"."""
+    with open(output, encoding="utf-8") as file:
+        told = json.load(file)["benchmarks"]
+    scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
+    times = {}
+    for one in told:
+        name = re.sub(r"/(real_time|process_time|iterations:\d+)", "", one["name"])
+        unit = scale[one["time_unit"]]
+        times[name] = Used(one["real_time"] * unit, one["cpu_time"] * unit)
+    return times
+
+
 class Bench:
     """The inputs, the programs, and one folder for it all."""
 
@@ -101,12 +146,14 @@ class Bench:
         self.rounds = arguments.rounds
         self.megabytes = arguments.megabytes
         self.count = arguments.count
+        self.events = arguments.events
         self._made = None
         self._cleared = 0
         self._folder = arguments.folder
         install_peers()
         self.velmora = arguments.velmora or build("velmora", "Host/Program/velmora")
         self.helper = arguments.helper or build("velmora_make_files", "Bench/velmora_make_files")
+        self.parts = arguments.parts or build("velmora_bench", "Bench/velmora_bench")
 
     def __enter__(self):
         if self._folder:
@@ -127,28 +174,46 @@ class Bench:
         """A spot, told to nobody."""
         return Command(name, [self.velmora, "spot", project, "--quiet", *options], **more)
 
+    def benchmarks(self, names):
+        """Those of velmora_bench whose names match."""
+        argv = [self.parts, f"--benchmark_filter=^({names})", "--benchmark_format=json",
+                "--benchmark_min_time=0.05"]  # fmt: skip
+        return Command(
+            "velmora_bench",
+            ["env", f"VELMORA_BENCH_EVENTS={self.events}", *argv],
+            output=self.path("benchmarks.json"),
+            parts=benchmark_times,
+        )
+
     def measure(self, row):
         work = row.prepare(self)
         try:
-            for command in work.commands:  # once before it counts: inputs come into memory
-                self._run(command)
+            for command in work.commands:
+                if command.parts is None:  # once before it counts: inputs come into memory
+                    self._run(command)
             work.agree()
-            walls, cpus = [], []
-            for _ in range(self.rounds):
-                times = {command.name: self._run(command) for command in work.commands}
-                walls.append({name: wall for name, (wall, _) in times.items()})
-                cpus.append({name: cpu for name, (_, cpu) in times.items()})
+            rounds = [self._round(work.commands) for _ in range(self.rounds)]
         finally:
             for command in work.commands:
                 self._clear(command)
             shutil.rmtree(self.path("trash"), ignore_errors=True)
+
+        def figures(limit, fact):
+            return [limit.figure({n: getattr(u, fact) for n, u in used.items()}) for used in rounds]
+
         return [
-            Result(limit, [limit.ratio(t) for t in walls], [limit.ratio(t) for t in cpus])
-            for limit in work.limits
+            Result(limit, [figures(limit, fact) for fact in limit.facts]) for limit in work.limits
         ]
 
+    def _round(self, commands):
+        used = {}
+        for command in commands:
+            used[command.name] = self._start(command) if command.starts else self._run(command)
+            if command.parts:
+                used.update(command.parts(command.output))
+        return used
+
     def _run(self, command):
-        """Seconds by the clock and of processor time."""
         self._clear(command)
         for folder in command.folders:
             os.makedirs(folder)
@@ -156,14 +221,34 @@ class Bench:
         with open(command.output or os.devnull, "wb") as output, open(os.devnull, "rb") as nothing:
             errors = tempfile.TemporaryFile()
             begin = time.perf_counter()
-            process = subprocess.Popen(command.argv, stdin=nothing, stdout=output, stderr=errors)
+            process = subprocess.Popen(
+                command.argv, stdin=nothing, stdout=output, stderr=errors, env=ENVIRONMENT
+            )
             _, status, used = os.wait4(process.pid, 0)
             wall = time.perf_counter() - begin
         process.returncode = os.waitstatus_to_exitcode(status)
         if process.returncode != 0:
             errors.seek(0)
             sys.exit(f"{' '.join(command.argv)} failed:\n{errors.read().decode(errors='replace')}")
-        return wall, used.ru_utime + used.ru_stime
+        return Used(wall, used.ru_utime + used.ru_stime, used.ru_maxrss * MAXRSS_BYTES)
+
+    @staticmethod
+    def _start(command):
+        """From the start to the first output, or to the end if there is none."""
+        runs = []
+        for _ in range(command.starts):
+            begin = time.perf_counter()
+            process = subprocess.Popen(
+                command.argv, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                stderr=subprocess.DEVNULL, env=ENVIRONMENT)  # fmt: skip
+            process.stdout.read1(1)
+            wall = time.perf_counter() - begin
+            process.stdout.read()
+            process.stdout.close()
+            _, _, used = os.wait4(process.pid, 0)
+            process.returncode = 0
+            runs.append(Used(wall, used.ru_utime + used.ru_stime))
+        return Used(*(statistics.median(getattr(r, fact) for r in runs) for fact in ("wall", "cpu")))
 
     def _clear(self, command):
         """Takes away what a run has made. Large files go at once, so that memory that is in use already

@@ -6,7 +6,7 @@ import platform
 
 from bench import middle_half
 
-_FORM = "{:<44} {:<26} {:>7} {:>15} {:>7} {:>15} {:>7}  {}"
+_FORM = "{:<42} {:<32} {:>8} {:>16} {:>8} {:>16} {:>7}  {}"
 
 
 def _processor():
@@ -24,25 +24,27 @@ def head(bench):
             f"{datetime.date.today()}, {_processor()}, {os.cpu_count()} processors, "
             f"{platform.system()} {platform.release()}; load {os.getloadavg()[0]:.1f}; "
             f"median of {bench.rounds} rounds",
+            f"sources of {bench.megabytes} MB, {bench.count} pieces, {bench.events} events",
             "",
             _FORM.format("work", "beside", "ratio", "middle half", "cpu", "middle half", "target", ""),
         ]
     )
 
 
-def _spread(values):
+def _spread(values, unit):
     median, low, high = middle_half(values)
-    return f"{median:.2f}", f"{low:.2f} to {high:.2f}"
+    return f"{median:.2f}{unit}", f"{low:.2f} to {high:.2f}"
 
 
 def lines_of(row, results):
     for i, result in enumerate(results):
-        wall, wall_spread = _spread(result.wall)
-        cpu, cpu_spread = _spread(result.cpu)
-        most = result.limit.most
-        kept = middle_half(result.wall)[0] <= most
-        word = "" if kept else "missed" if middle_half(result.cpu)[0] > most else "kept in cpu time"
+        limit = result.limit
+        columns = [text for values in result.figures for text in _spread(values, limit.unit)]
+        columns += [""] * (4 - len(columns))
+        target, word = "", ""
+        if limit.most is not None:
+            kept = [middle_half(values)[0] <= limit.most for values in result.figures]
+            target = f"{limit.most:g}{limit.unit}"
+            word = "" if kept[0] else "kept in cpu time" if any(kept) else "missed"
         title = row.title if i == 0 else ""
-        yield _FORM.format(
-            title, result.limit.of, wall, wall_spread, cpu, cpu_spread, f"{most:g}", word
-        ).rstrip()
+        yield _FORM.format(title, limit.of, *columns, target, word).rstrip()
