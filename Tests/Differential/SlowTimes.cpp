@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <initializer_list>
 #include <limits>
 #include <map>
 
@@ -68,7 +70,7 @@ bool IsSlowTimestamp(const char* text) {
   const auto isIn = [&t](std::size_t position, char lowest, char highest) {
     return t[position] >= lowest && t[position] <= highest;
   };
-  for (const std::size_t position : {1, 4, 7, 10, 12, 13, 14, 15})
+  for (const std::size_t position : std::initializer_list<std::size_t>{1, 4, 7, 10, 12, 13, 14, 15})
     if (!isIn(position, '0', '9')) return false;
   return isIn(0, '0', '2') && isIn(3, '0', '5') && isIn(6, '0', '5') && isIn(9, '0', '2') &&
          RateOf(t[11]) > 0 && (t[8] == ';' || t[8] == ',') && FramesOf(t[2]).perSecond > 0;
