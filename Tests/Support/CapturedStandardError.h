@@ -16,7 +16,11 @@ class CapturedStandardError {
     saved_ = dup(STDERR_FILENO);
     dup2(fileno(Scratch()), STDERR_FILENO);
   }
-  ~CapturedStandardError() { Restore(); }
+  /// What was not asked for is dropped.
+  ~CapturedStandardError() {
+    Restore();
+    EmptyScratch();
+  }
   CapturedStandardError(const CapturedStandardError&) = delete;
   CapturedStandardError& operator=(const CapturedStandardError&) = delete;
 
@@ -27,7 +31,7 @@ class CapturedStandardError {
     std::string text(static_cast<std::size_t>(lseek(scratch, 0, SEEK_END)), '\0');
     const ssize_t got = pread(scratch, text.data(), text.size(), 0);
     text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
-    if (ftruncate(scratch, 0) == 0) lseek(scratch, 0, SEEK_SET);
+    EmptyScratch();
     return text;
   }
 
@@ -35,6 +39,9 @@ class CapturedStandardError {
   static std::FILE* Scratch() {
     static std::FILE* const file = std::tmpfile();
     return file;
+  }
+  static void EmptyScratch() {
+    if (ftruncate(fileno(Scratch()), 0) == 0) lseek(fileno(Scratch()), 0, SEEK_SET);
   }
   void Restore() {
     if (saved_ < 0) return;
