@@ -27,7 +27,7 @@ void PlaceRegions(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * count);
 }
-BENCHMARK(PlaceRegions)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(PlaceRegions)->Apply(GrowingEvents)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace velmora::bench

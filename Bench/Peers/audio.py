@@ -156,6 +156,35 @@ def gain_16(bench):
     return gain_work(bench, 16)
 
 
+@row("both", "24 to 16 bits and gain in one spot")
+def depth_and_gain(bench):
+    """Two files: the source at 16 bits, and the gain at the source's own depth."""
+    source = Source(bench, 24, after="(Gain) _ -6.00\n")
+    stem = source.path[: -len(".wav")]
+    ours = [stem + "_16bit.wav", stem + "_Gain.wav"]
+    spot = bench.spot(source.project, "--depth", "16", "--gain", makes=ours)
+    theirs = [[bench.path(f"{peer}-{name}.wav") for name in ("depth", "gain")] for peer in ("sox", "ffmpeg")]
+    factor = repr(10 ** (-6 / 20))
+    sox = ["sh", "-c", f"sox -D '{source.path}' -b 16 '{theirs[0][0]}' && "
+           f"sox -D '{source.path}' -b 24 '{theirs[0][1]}' vol {factor}"]  # fmt: skip
+    ffmpeg = ["ffmpeg", "-v", "error", "-y", "-i", source.path, "-c:a", "pcm_s16le", theirs[1][0],
+              "-af", f"volume={factor}:precision=double", "-c:a", "pcm_s24le", theirs[1][1]]  # fmt: skip
+    peers = [Command("sox -D", sox, makes=theirs[0]), Command("ffmpeg", ffmpeg, makes=theirs[1])]
+    small = bench.path(f"noise16-{bench.megabytes * 2 // 3}.wav")
+    write_wave(small, 16, bench.megabytes * 2 // 3)
+    targets = [bench.path("cp-depth.wav"), bench.path("cp-gain.wav")]
+    copies = f"cp '{small}' '{targets[0]}'; cp '{source.path}' '{targets[1]}'"
+    copy = Command("cp", ["sh", "-c", copies], makes=targets)
+
+    def agree():
+        for files in theirs:
+            for our, their, bits in zip(ours, files, (16, 24)):
+                expect_alike(our, their, bits, 2)
+
+    limits = [against_fastest([peer.name for peer in peers], 0.5), against("cp", 1.5)]
+    return Work([spot, *peers, copy], limits, agree)
+
+
 @row("copy", "copy at the same depth, 3 times the size")
 def same_depth(bench):
     source = Source(bench, 24, 3 * bench.megabytes)

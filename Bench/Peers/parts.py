@@ -46,10 +46,14 @@ def edit(bench):
 
 @row("message", "a region to the embedded host")
 def message(bench):
-    regions = 10000
-    command = bench.benchmarks(f"PlaceRegions/{regions}$")
+    """Of so few that all is at hand, and of all, for whom the session grows."""
+    command = bench.benchmarks(f"PlaceRegions/({FEW}|{bench.events})$")
     return Work(
-        [command], [absolute("", 1, "us", lambda times: times[f"PlaceRegions/{regions}"] / regions)]
+        [command],
+        [
+            absolute(title, 1, "us", lambda times, events=events: per_event(times, "PlaceRegions", events))
+            for title, events in (("of 1,000", FEW), ("of all", bench.events))
+        ],
     )
 
 
