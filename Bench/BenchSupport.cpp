@@ -35,15 +35,22 @@ void FillWithSources(const std::string& folder) {
 
 struct Folder {
   Folder() : path((std::filesystem::temp_directory_path() / "velmora-bench-XXXXXX").string()) {
-    if (mkdtemp(path.data()) == nullptr) Fail("no temporary folder can be made");
+    if (const char* const told = std::getenv("VELMORA_BENCH_FOLDER"); told != nullptr) {
+      path = told;
+      stays = true;
+      std::filesystem::create_directories(path);
+    } else if (mkdtemp(path.data()) == nullptr) {
+      Fail("no temporary folder can be made");
+    }
   }
   ~Folder() {
     std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
+    if (!stays) std::filesystem::remove_all(path, ignored);
   }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
   std::string path;
+  bool stays = false;
 };
 
 }  // namespace
@@ -67,7 +74,8 @@ std::string WriteProject(std::int32_t cuts, Audio audio) {
   std::string path = folder + "/cuts" + std::to_string(cuts) + ".adl";
   if (std::filesystem::exists(path)) return path;
   if (audio == Audio::Found) FillWithSources(folder);
-  std::ofstream file(path);
+  const std::string part = path + ".part";
+  std::ofstream file(part);
   file << "<ADL>\n<PROJECT>\n(PROJ_TITLE) \"Benchmark\"\n</PROJECT>\n<SOURCE_INDEX>\n";
   for (int i = 1; i <= kSources; ++i) {
     file << "(Index) " << i << " (F) \"URL:file://localhost/a/s" << i
@@ -83,7 +91,8 @@ std::string WriteProject(std::int32_t cuts, Audio audio) {
     }
   }
   file << "</EVENT_LIST>\n</ADL>\n";
-  if (!file.flush()) Fail(path + " cannot be written");
+  if (!file.flush()) Fail(part + " cannot be written");
+  std::filesystem::rename(part, path);
   return path;
 }
 

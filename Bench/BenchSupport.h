@@ -7,7 +7,8 @@
 
 namespace velmora::bench {
 
-/// The folder of this run's inputs, made when first asked for and gone with the program.
+/// The folder of this run's inputs, made when first asked for and gone with the program; or the one
+/// that VELMORA_BENCH_FOLDER names, which stays, so that the next run need not make them again.
 const std::string& InputFolder();
 
 /// The sizes between which the time per event is compared: 1,000 events, a tenth of all, and all.

@@ -42,6 +42,7 @@ class Command:
     output: Optional[str] = None  # where standard output goes; nowhere unless told
     fill: Callable = lambda: None  # puts into the folders what has to be there, before each run
     many: bool = False  # the folders get many small files
+    environment: dict = dataclasses.field(default_factory=dict)  # beside that of all
     parts: Optional[Callable] = None  # of its output's path: parts that it timed itself, by name
     starts: int = 0  # so often only up to the first output, the median counting as one run
 
@@ -174,16 +175,17 @@ class Bench:
         """A spot, told to nobody."""
         return Command(name, [self.velmora, "spot", project, "--quiet", *options], **more)
 
-    def benchmarks(self, names):
-        """Those of velmora_bench whose names match."""
-        argv = [self.parts, f"--benchmark_filter=^({names})", "--benchmark_format=json",
-                "--benchmark_min_time=0.05"]  # fmt: skip
+    def benchmark(self, name, **more):
+        """One of velmora_bench in a process of its own: memory that another has left behind may make it
+        faster or slower. The inputs stay for the next one."""
         return Command(
-            "velmora_bench",
-            ["env", f"VELMORA_BENCH_EVENTS={self.events}", *argv],
-            output=self.path("benchmarks.json"),
-            parts=benchmark_times,
-        )
+            name,
+            [self.parts, f"--benchmark_filter=^{name}(/real_time|/iterations:.*)*$",
+             "--benchmark_format=json", "--benchmark_min_time=0.05"],
+            output=self.path("benchmark.json"), parts=benchmark_times,
+            environment={"VELMORA_BENCH_EVENTS": str(self.events),
+                         "VELMORA_BENCH_FOLDER": self.path("benchmarks")} | more.pop("environment", {}),
+            **more)  # fmt: skip
 
     def measure(self, row):
         work = row.prepare(self)
@@ -222,8 +224,8 @@ class Bench:
             errors = tempfile.TemporaryFile()
             begin = time.perf_counter()
             process = subprocess.Popen(
-                command.argv, stdin=nothing, stdout=output, stderr=errors, env=ENVIRONMENT
-            )
+                command.argv, stdin=nothing, stdout=output, stderr=errors,
+                env=ENVIRONMENT | command.environment)  # fmt: skip
             _, status, used = os.wait4(process.pid, 0)
             wall = time.perf_counter() - begin
         process.returncode = os.waitstatus_to_exitcode(status)

@@ -25,18 +25,16 @@ def grow(bench):
         "event box": "EditEventBox",
         "region pass": "PassRegions",
     }
-    sizes = f"({FEW}|{bench.events})"
-    command = bench.benchmarks(f"({'|'.join(names.values())})/{sizes}$")
-    return Work([command], [growth(title, name, bench.events) for title, name in names.items()])
+    commands = [bench.benchmark(f"{name}/{n}") for name in names.values() for n in (FEW, bench.events)]
+    return Work(commands, [growth(title, name, bench.events) for title, name in names.items()])
 
 
 @row("edit", "one box edit in a tenth of the events")
 def edit(bench):
     events = max(bench.events // 10, FEW)
     names = {"a track's box": "EditTrackBox", "an event's box": "EditEventBox"}
-    command = bench.benchmarks(f"({'|'.join(names.values())})/{events}$")
     return Work(
-        [command],
+        [bench.benchmark(f"{name}/{events}") for name in names.values()],
         [
             absolute(title, 1, "ms", lambda times, name=name: times[f"{name}/{events}"])
             for title, name in names.items()
@@ -47,9 +45,8 @@ def edit(bench):
 @row("message", "a region to the embedded host")
 def message(bench):
     """Of so few that all is at hand, and of all, for whom the session grows."""
-    command = bench.benchmarks(f"PlaceRegions/({FEW}|{bench.events})$")
     return Work(
-        [command],
+        [bench.benchmark(f"PlaceRegions/{regions}") for regions in (FEW, bench.events)],
         [
             absolute(title, 1, "us", lambda times, events=events: per_event(times, "PlaceRegions", events))
             for title, events in (("of 1,000", FEW), ("of all", bench.events))
@@ -60,17 +57,23 @@ def message(bench):
 @row("names", "10,000 names in one folder")
 def names(bench):
     """The first name in a folder that holds 10,000 files of earlier runs is found once in a run."""
-    command = bench.benchmarks("(CreateEmptyFile|FindNextName|FindFirstName)")
     files = 10000
+    commands = [
+        bench.benchmark(name, folders=[bench.path(name)], many=True,
+                        environment={"VELMORA_BENCH_FOLDER": bench.path(name)})
+        for name in ("CreateEmptyFile", "FindNextName", "FindFirstName")
+    ]  # fmt: skip
+
+    def next_name(times):
+        return times["FindNextName"] / times["CreateEmptyFile"]
+
+    def first_name(times):
+        return times["FindFirstName"] / files / times["CreateEmptyFile"]
+
     return Work(
-        [command],
+        commands,
         [
-            Limit(
-                "as many empty files", 1.0,
-                lambda times: times["FindNextName"] / times["CreateEmptyFile"]),
-            Limit(
-                "the same; folder with as many", 1.0,
-                lambda times: times["FindFirstName"] / files / times["CreateEmptyFile"]
-                + times["FindNextName"] / times["CreateEmptyFile"]),
+            Limit("as many empty files", 1.0, next_name),
+            Limit("the same; folder with as many", 1.0, lambda times: first_name(times) + next_name(times)),
         ],
-    )  # fmt: skip
+    )

@@ -52,7 +52,7 @@ def write_project(bench, cuts):
     if os.path.exists(path):
         return path
     write_sources(folder)
-    with open(path, "w", encoding="ascii") as file:
+    with open(path + ".part", "w", encoding="ascii") as file:
         file.write('<ADL>\n<VERSION>\n(ADL_ID) "0001"\n(VER_ADL_VERSION) 01.02\n</VERSION>\n')
         file.write('<PROJECT>\n(PROJ_TITLE) "Many cuts"\n</PROJECT>\n<SEQUENCE>\n(SEQ_SAMPLE_RATE) S48000\n')
         file.write(f"(SEQ_FRAME_RATE) 25\n(SEQ_DEST_START) {stamp(0)}\n</SEQUENCE>\n<SOURCE_INDEX>\n")
@@ -62,6 +62,7 @@ def write_project(bench, cuts):
         file.write("</SOURCE_INDEX>\n<EVENT_LIST>\n")
         file.writelines(map(cut_text, range(cuts)))
         file.write("</EVENT_LIST>\n</ADL>\n")
+    os.rename(path + ".part", path)
     return path
 
 
