@@ -295,7 +295,7 @@ void ClosesWindowDuringSpot() {
   Pause(1.0);
   openedBeforeExit = true;
   gateAtExit->Open();
-  Pause(30);
+  Pause(kPatienceSeconds);
   CheckTrue("closing the window ends the program", false);
 }
 
@@ -304,7 +304,7 @@ void ClosesWindow() {
   StartShellWith(SimpleProject(folder, 5, 1));
   std::atexit([] { _exit(FailureCount() == 0 ? 0 : 1); });
   PostToMain([] { [Window() performClose:nil]; });
-  Pause(30);
+  Pause(kPatienceSeconds);
   CheckTrue("closing the window ends the program", false);
 }
 

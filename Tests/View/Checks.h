@@ -51,7 +51,12 @@ inline void CheckTrue(const std::string& what, bool condition) {
 }
 void CheckContains(const std::string& what, const std::string& part, const std::string& whole);
 
+/// How long a scenario waits for what must happen: long, for a slow machine that does more besides
+/// is no fault. Only a scenario that fails waits so long.
+constexpr double kPatienceSeconds = 90;
+
 /// Asks on the main thread until `condition` holds. Ends the scenario if it never does.
-void WaitFor(const std::string& what, const std::function<bool()>& condition, double seconds = 30);
+void WaitFor(const std::string& what, const std::function<bool()>& condition,
+             double seconds = kPatienceSeconds);
 
 }  // namespace velmora::view

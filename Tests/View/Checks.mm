@@ -5,6 +5,7 @@
 #include <thread>
 
 #import "View/Driver.h"
+#import "View/EventWatch.h"
 
 namespace velmora::view {
 
@@ -45,6 +46,7 @@ void WaitFor(const std::string& what, const std::function<bool()>& condition, do
   while (!Ask(condition)) {
     if (Clock::now() > end) {
       Report(false, what, "it happens", "nothing within " + Shown(seconds) + " s");
+      Note("the latest events that the application took:\n" + RecentEvents());
       throw ScenarioFailed();
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(15));

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "View/Checks.h"
+#import "View/EventWatch.h"
 
 using Work = std::function<void()>;
 
@@ -45,6 +46,8 @@ namespace {
 // within this time are a double click.
 constexpr double kHoldSeconds = 0.04;
 constexpr double kDoubleClickSeconds = 0.9;
+
+constexpr double kShortPatienceSeconds = 3;  // for what is not missed when it never comes
 
 struct ScreenPoint {
   int x = 0;
@@ -101,22 +104,71 @@ ScreenPoint PlaceOnScreen(NSView* view, NSPoint point) {
   });
 }
 
+bool WaitUntil(const std::function<bool()>& condition, double seconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    Pause(0.003);
+  }
+  return true;
+}
+
+void FailToArrive(const std::string& what) {
+  Report(false, what, "the application takes it",
+         "nothing within " + Shown(kPatienceSeconds) + " s");
+  Note("the latest events that it took:\n" + RecentEvents());
+  throw ScenarioFailed();
+}
+
 void MoveTo(ScreenPoint place) {
   RunXdotool({"mousemove", std::to_string(place.x), std::to_string(place.y)});
   Pause(kHoldSeconds);
 }
 
-// The main thread has seen the press before the release comes, however busy the machine is.
+// Moves onto a point of a view. A window that has just come up may still be given its place: the
+// application learns of it only then, so what the display says of the mouse is compared.
+ScreenPoint MoveOnto(NSView* view, NSPoint point) {
+  const auto end =
+      std::chrono::steady_clock::now() + std::chrono::duration<double>(kPatienceSeconds);
+  while (true) {
+    const ScreenPoint place = PlaceOnScreen(view, point);
+    const NSPoint wanted = Ask([&] { return [view convertPoint:point toView:nil]; });
+    const int before = LastMove().count;
+    // From the side, for a mouse that stays where it is tells nothing.
+    RunXdotool({"mousemove", std::to_string(place.x + 2), std::to_string(place.y), "mousemove",
+                std::to_string(place.x), std::to_string(place.y)});
+    Pause(kHoldSeconds);
+    if (!WaitUntil([&] { return LastMove().count > before; }, kShortPatienceSeconds)) return place;
+    const MousePlace told = LastMove();
+    const bool there =
+        std::abs(told.point.x - wanted.x) < 2 && std::abs(told.point.y - wanted.y) < 2;
+    if (there || std::chrono::steady_clock::now() > end) return place;
+    Pause(kHoldSeconds);
+  }
+}
+
+// The application takes the press before the release comes, however busy the machine is: taken
+// together they may be no click to the toolkit.
 void Press(const std::string& button = "1") {
+  const int before = LastPress().count;
   RunXdotool({"mousedown", button});
-  Pause(kHoldSeconds);
+  if (!WaitUntil([&] { return LastPress().count > before; }, kPatienceSeconds))
+    FailToArrive("a press of the mouse");
   OnMain([] {});
   Pause(kHoldSeconds);
 }
 
 void Release(const std::string& button = "1") {
+  const int before = Taken().releases;
   RunXdotool({"mouseup", button});
-  Pause(kHoldSeconds);
+  if (!WaitUntil([&] { return Taken().releases > before; }, kPatienceSeconds))
+    FailToArrive("a release of the mouse");
+  OnMain([] {});
+}
+
+// A key may go to the window manager, or close the window to which its end would go.
+void WaitForKeys(int keysUp) {
+  WaitUntil([=] { return Taken().keysUp >= keysUp; }, kShortPatienceSeconds);
   OnMain([] {});
 }
 
@@ -146,13 +198,13 @@ void WakeMain() {
 }
 
 void Click(NSView* view, NSRect place) {
-  const ScreenPoint point = PlaceOnScreen(view, NSMakePoint(NSMidX(place), NSMidY(place)));
+  const NSPoint middle = NSMakePoint(NSMidX(place), NSMidY(place));
+  const ScreenPoint point = MoveOnto(view, middle);
   const bool samePlace = std::abs(point.x - lastClick.x) < 8 && std::abs(point.y - lastClick.y) < 8;
   const std::chrono::duration<double> since = std::chrono::steady_clock::now() - lastClickTime;
   if (samePlace && since.count() < kDoubleClickSeconds) {
     Pause(kDoubleClickSeconds - since.count());
   }
-  MoveTo(point);
   Press();
   Release();
   lastClick = point;
@@ -166,15 +218,14 @@ void Click(NSView* view) {
 
 void MiddleClick(NSView* view) {
   const NSRect bounds = Ask([&] { return [view bounds]; });
-  MoveTo(PlaceOnScreen(view, NSMakePoint(NSMidX(bounds), NSMidY(bounds))));
+  MoveOnto(view, NSMakePoint(NSMidX(bounds), NSMidY(bounds)));
   Press("2");
   Release("2");
 }
 
 void Drag(NSView* view, NSPoint from, NSPoint to) {
-  const ScreenPoint start = PlaceOnScreen(view, from);
+  const ScreenPoint start = MoveOnto(view, from);
   const ScreenPoint end = PlaceOnScreen(view, to);
-  MoveTo(start);
   Press();
   constexpr int kSteps = 6;
   for (int i = 1; i <= kSteps; ++i) {
@@ -188,11 +239,13 @@ void Drag(NSView* view, NSPoint from, NSPoint to) {
 }
 
 void TurnWheel(NSView* view, NSPoint place, int notches) {
-  MoveTo(PlaceOnScreen(view, place));
+  MoveOnto(view, place);
   const std::string button = notches > 0 ? "4" : "5";
   for (int i = 0; i < std::abs(notches); ++i) {
+    const int before = Taken().wheelTurns;
     RunXdotool({"click", button});
-    Pause(kHoldSeconds);
+    if (!WaitUntil([&] { return Taken().wheelTurns > before; }, kPatienceSeconds))
+      FailToArrive("a turn of the wheel");
     OnMain([] {});
   }
 }
@@ -206,8 +259,9 @@ void TurnWheelWith(const std::string& key, NSView* view, NSPoint place, int notc
 }
 
 void Key(const std::string& name) {
+  const int before = Taken().keysUp;
   KeyUnanswered(name);
-  OnMain([] {});
+  WaitForKeys(before + 1);
 }
 
 void KeyUnanswered(const std::string& name) {
@@ -220,9 +274,10 @@ void Keys(std::initializer_list<const char*> names) {
 }
 
 void TypeText(const std::string& text) {
+  const int before = Taken().keysUp;
   RunXdotool({"type", "--delay", "15", text});
   Pause(kHoldSeconds);
-  OnMain([] {});
+  WaitForKeys(before + static_cast<int>(text.size()));
 }
 
 void SendCharacters(NSWindow* window, NSString* characters) {

@@ -326,7 +326,7 @@ void QuitsDuringPreparation() {
   WaitFor("it is under way", [] { return PreparedShare() > 0; });
   std::atexit(CheckExit);
   PostToMain([] { [NSApp terminate:nil]; });
-  Pause(30);
+  Pause(kPatienceSeconds);
   CheckTrue("quitting ends the program", false);
 }
 
@@ -341,7 +341,7 @@ void ClosesDuringCheck() {
   namesAtExit = NamesIn(folderAtExit);
   std::atexit(CheckExit);
   PostToMain([] { [Window() performClose:nil]; });
-  Pause(30);
+  Pause(kPatienceSeconds);
   CheckTrue("closing the window ends the program", false);
 }
 

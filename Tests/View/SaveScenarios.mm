@@ -423,7 +423,7 @@ void QuitsDuringSave() {
   StartLongBounce("bounce");
   std::atexit(CheckExit);
   PostToMain([] { [NSApp terminate:nil]; });
-  Pause(30);
+  Pause(kPatienceSeconds);
   CheckTrue("quitting ends the program", false);
 }
 

@@ -13,6 +13,7 @@
 #include "Desktop/Theme/ToolkitDefaults.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
+#import "View/EventWatch.h"
 #import "View/Panels.h"
 #import "View/Scenarios.h"
 #import "View/Stage.h"
@@ -110,6 +111,7 @@ int main(int argc, char** argv) {
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
   [[NSUserDefaults standardUserDefaults] registerDefaults:velmora::desktop::ToolkitDefaults()];
   [NSApplication sharedApplication];
+  WatchEvents();
   [DesktopTheme installWithBundleAtPath:StringOf(VELMORA_THEME)];
   [DesktopTheme installIcon];
   WatchPictures();
