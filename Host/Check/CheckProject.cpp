@@ -9,12 +9,12 @@
 #include <system_error>
 #include <utility>
 
-#include "ADL/SourceSearch.h"
 #include "Base/FileNames.h"
 #include "Base/Text.h"
 #include "Check/Case.h"
 #include "Check/Judges.h"
 #include "Check/ProjectFile.h"
+#include "Check/SourceMedia.h"
 
 namespace velmora::check {
 namespace {
@@ -47,7 +47,7 @@ class MediaReader {
     if (media.located.result != media::SearchResult::Found) return media;
     // The same file may stand in many sources, and its header is read once.
     const auto [known, isNew] = files_.try_emplace(media.located.path);
-    if (isNew) known->second = ReadFile(media.located.path);
+    if (isNew) known->second = ReadSourceFile(media.located.path);
     const SourceMedia& file = known->second;
     media.facts = file.facts;
     media.obstacle = file.obstacle;
@@ -65,12 +65,7 @@ class MediaReader {
 
   media::Located Locate(const field::Source& source) {
     const std::string raw = RawLocation(source);
-    if (atAGlance_) {
-      media::Located located;
-      located.path = FindSourceFile(folder_, raw.c_str());
-      if (!located.path.empty()) located.result = media::SearchResult::Found;
-      return located;
-    }
+    if (atAGlance_) return LocateAsSystem(folder_, raw);
     media::Wanted wanted;
     wanted.rawLocation = raw;
     wanted.location = source.location;
@@ -79,17 +74,6 @@ class MediaReader {
     wanted.start = source.givenStart;
     wanted.sampleRate = project_.rates.sampleRate;
     return search_.Find(wanted);
-  }
-
-  static SourceMedia ReadFile(const std::string& path) {
-    SourceMedia media;
-    media::FactsOrTrouble read = media::ReadFacts(path);
-    media.facts = std::move(read.facts);
-    media.trouble = std::move(read.trouble);
-    media.obstacle =
-        media.facts ? media::CompareReaders(path, *media.facts) : media::Obstacle::Broken;
-    if (media.obstacle == media::Obstacle::Broken) media.facts.reset();
-    return media;
   }
 
   const field::Project& project_;
@@ -101,13 +85,7 @@ class MediaReader {
 
 std::vector<std::optional<field::SourceAudio>> AudioOf(const std::vector<SourceMedia>& media) {
   std::vector<std::optional<field::SourceAudio>> audio;
-  for (const SourceMedia& source : media) {
-    audio.emplace_back();
-    if (!source.facts) continue;
-    audio.back() = field::SourceAudio{.sampleRate = static_cast<double>(source.facts->sampleRate),
-                                      .frames = source.facts->frames,
-                                      .timeReference = source.facts->timeReference};
-  }
+  for (const SourceMedia& source : media) audio.push_back(AudioOf(source));
   return audio;
 }
 

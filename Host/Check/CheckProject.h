@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "Check/Finding.h"
+#include "Check/SourceMedia.h"
 #include "Field/FieldProject.h"
-#include "Media/AudioFacts.h"
 #include "Media/MediaSearch.h"
 
 namespace velmora::check {
@@ -22,14 +22,6 @@ struct CheckOptions {
   /// Looks for media only where the system looks, and takes all others for missing. Enough to tell
   /// whether there are findings, without a walk through folders.
   bool atAGlance = false;
-};
-
-/// A source's file, as far as it was found and can be read.
-struct SourceMedia {
-  media::Located located;
-  std::optional<media::AudioFacts> facts;  ///< none if missing, ambiguous or broken
-  media::Obstacle obstacle = media::Obstacle::None;
-  std::string trouble;  ///< of a broken file: why
 };
 
 enum class Verdict { Clean, Loses, Unreadable };

@@ -17,8 +17,6 @@ namespace {
 
 /// Files up to this size are read without a look into them first.
 constexpr std::int64_t kReadAtOnce = std::int64_t{8} << 20;
-/// A hundred times the largest project that is known, with a million events.
-constexpr std::int64_t kLargest = std::int64_t{1} << 30;
 
 constexpr auto kWords = std::to_array<std::string_view>({"<adl>", "event_list"});
 
@@ -57,7 +55,7 @@ ProjectFile ReadProjectFile(const std::string& path) {
   const std::int64_t size = FileSize(stream.get());
   if (size < 0) {
     file.trouble = "the size of the file cannot be told";
-  } else if (size > kLargest) {
+  } else if (size > kLargestProject) {
     file.trouble = "the file is larger than any ADL: " + std::to_string(size) + " bytes";
   } else if (size > kReadAtOnce && !CanBeAdl(stream.get(), size)) {
     file.trouble = "neither <ADL> nor an EVENT_LIST stands in this file";

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace velmora::check {
+
+/// Bytes of the largest file that is taken for a project. One with a million events has a tenth.
+inline constexpr std::int64_t kLargestProject = std::int64_t{1} << 30;
 
 /// A project's bytes, or why there are none.
 struct ProjectFile {

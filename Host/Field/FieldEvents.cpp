@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 #include <unordered_map>
 #include <utility>
 
@@ -15,27 +14,6 @@
 
 namespace velmora::field {
 namespace {
-
-/// "a", "a~b", "a-b"; anything else is channel 1.
-ChannelRun ReadRun(const Value& value) {
-  constexpr std::int32_t kHighest = 0x7FFFFFFE;  // so that every run can be counted
-  const std::optional<LeadingNumber> first = ReadLeadingNumber(value.text);
-  if (!first) return {};
-  ChannelRun run{first->number, first->number};
-  const bool goesOn = !first->rest.empty() && (first->rest[0] == '~' || first->rest[0] == '-');
-  const std::optional<LeadingNumber> last =
-      goesOn ? ReadLeadingNumber(first->rest.substr(1)) : std::nullopt;
-  if (!last || first->number < 0 || last->number < 0) return run;
-  run.first = std::min({first->number, last->number, kHighest});
-  run.last = std::min(std::max(first->number, last->number), kHighest);
-  return run;
-}
-
-char ReadStatus(const Value& value) {
-  const bool letter = value.text.size() == 1;
-  const char c = letter ? value.text[0] : '_';
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 /// Writers without a rendered file fill its places with `_` and 0.
 bool NamesRenderedFile(const FadeTexts& fade) {
@@ -173,9 +151,9 @@ class EventReader {
     Event& event = Last();
     const CutTexts cut = ReadCutTexts(tree_, entry);
     LinkSource(event, cut.index);
-    event.sourceChannels = ReadRun(cut.sourceChannels);
-    event.tracks = ReadRun(cut.destinationChannels);
-    event.status = ReadStatus(cut.status);
+    event.sourceChannels = ReadChannelRun(cut.sourceChannels.text);
+    event.tracks = ReadChannelRun(cut.destinationChannels.text);
+    event.status = ReadStatus(cut.status.text);
     const auto in = reader_.ReadSamples(cut.sourceIn, TimeRole::Cut);
     const auto position = reader_.ReadSamples(cut.destinationIn, TimeRole::Cut);
     const auto end = reader_.ReadSamples(cut.destinationOut, TimeRole::Cut);
@@ -232,7 +210,7 @@ class EventReader {
     const std::optional<double> level = ReadDecibels(texts.level.text);
     if (!level) return;
     Gain gain{.place = place, .channels = {}, .dB = *level};
-    if (texts.channels.IsGiven()) gain.channels = ReadRun(texts.channels);
+    if (texts.channels.IsGiven()) gain.channels = ReadChannelRun(texts.channels.text);
     Last().gains.push_back(gain);
   }
 

@@ -9,19 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "Field/ChannelRun.h"
 #include "Field/FieldTime.h"
 #include "Field/FieldTree.h"
+#include "Field/FileStarts.h"
 
 namespace velmora::field {
-
-/// A run of channels or tracks, counted from 1: "3" is 3 to 3, "1~2" and "1-2" are 1 to 2, "_"
-/// is 1. `last` is not before `first`.
-struct ChannelRun {
-  std::int32_t first = 1;
-  std::int32_t last = 1;
-  [[nodiscard]] std::int32_t Count() const { return last - first + 1; }
-  bool operator==(const ChannelRun&) const = default;
-};
 
 /// One source as the ADL tells it. Times are samples at the project's rate. Texts are UTF-8. The
 /// values as they stand in the file are told by ReadSourceTexts of `fPlace`.
@@ -38,13 +31,6 @@ struct Source {
   /// Position in time of the file's first sample; what DecideFileStarts makes of givenStart.
   std::int64_t fileStart = 0;
   bool startDecided = false;  ///< fileStart is not what the ADL gives (finding file-start-missing)
-};
-
-/// What is known of a source's audio file when file starts are decided. Rates are the file's own.
-struct SourceAudio {
-  double sampleRate = 0;
-  std::int64_t frames = 0;
-  std::optional<std::int64_t> timeReference;  ///< bext, in samples since midnight
 };
 
 struct Rendered {
@@ -65,6 +51,17 @@ struct Gain {
   std::optional<ChannelRun> channels;  ///< destination channels; none: all of them
   double dB = 0;
 };
+
+/// The status of a cut as a capital letter, `_` for a text that is none.
+[[nodiscard]] inline char ReadStatus(std::string_view text) {
+  const char c = text.size() == 1 ? text[0] : '_';
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// Disabled, muted, or an error: a cut of that status is not to be heard.
+[[nodiscard]] inline bool IsOffStatus(char status) {
+  return status == 'D' || status == 'M' || status == 'E';
+}
 
 enum class EventKind { Cut, Silence, Aux, Video, Other };
 
@@ -99,7 +96,7 @@ struct Event {
   std::optional<Fade> fadeOut;
   std::vector<Gain> gains;  ///< as written; see GainOf
 
-  [[nodiscard]] bool IsOff() const { return status == 'D' || status == 'M' || status == 'E'; }
+  [[nodiscard]] bool IsOff() const { return IsOffStatus(status); }
   /// The gain of one destination channel: of several lines that hold for it the last. None: 0 dB.
   [[nodiscard]] std::optional<double> GainOf(std::int32_t destinationChannel) const;
 };

@@ -21,34 +21,35 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-bool AreDigits(std::string_view text, std::size_t at, std::size_t count) {
-  for (std::size_t i = at; i < at + count; ++i) {
-    if (!IsDigit(text[i])) return false;
-  }
-  return true;
+bool AreTwoDigits(std::string_view text, std::size_t at) {
+  return IsDigit(text[at]) && IsDigit(text[at + 1]);
 }
 
-std::int64_t NumberAt(std::string_view text, std::size_t at, std::size_t count) {
-  std::int64_t number = 0;
-  for (std::size_t i = at; i < at + count; ++i) number = number * 10 + (text[i] - '0');
-  return number;
+std::int64_t TwoDigitsAt(std::string_view text, std::size_t at) {
+  return (text[at] - '0') * 10 + (text[at + 1] - '0');
+}
+
+/// std::ceil of what fits into 64 bits, without a call: three times of each cut need it.
+std::int64_t RoundUp(double number) {
+  const auto whole = static_cast<std::int64_t>(number);
+  return static_cast<double>(whole) < number ? whole + 1 : whole;
 }
 
 /// Frames since zero, and of them samples: the rule of AdlToSamples, for any rates.
 std::int64_t SamplesOf(std::string_view text, const TimeRates& rates) {
-  const std::int64_t minutes = NumberAt(text, 3, 2);
-  const std::int64_t tenMinuteBlocks = minutes / 10 + 6 * NumberAt(text, 0, 2);
+  const std::int64_t minutes = TwoDigitsAt(text, 3);
+  const std::int64_t tenMinuteBlocks = minutes / 10 + 6 * TwoDigitsAt(text, 0);
   const std::int64_t minutesInBlock = minutes % 10;
-  const std::int64_t seconds = NumberAt(text, 6, 2) + 60 * minutesInBlock;
-  std::int64_t frames = seconds * rates.framesPerSecond + NumberAt(text, 9, 2) +
+  const std::int64_t seconds = TwoDigitsAt(text, 6) + 60 * minutesInBlock;
+  std::int64_t frames = seconds * rates.framesPerSecond + TwoDigitsAt(text, 9) +
                         tenMinuteBlocks * 600 * rates.framesPerSecond;
   if (rates.dropFrame) {
     frames -= tenMinuteBlocks * kFramesDroppedInTenMinutes + 2 * minutesInBlock;
   }
-  const double samples =
-      std::ceil(rates.sampleRate * static_cast<double>(frames) / rates.FrameRate());
-  const bool hasRemainder = text.size() == kTimestampLength;
-  return static_cast<std::int64_t>(samples) + (hasRemainder ? NumberAt(text, kRemainderAt, 4) : 0);
+  const std::int64_t samples =
+      RoundUp(rates.sampleRate * static_cast<double>(frames) / rates.FrameRate());
+  if (text.size() != kTimestampLength) return samples;
+  return samples + 100 * TwoDigitsAt(text, kRemainderAt) + TwoDigitsAt(text, kRemainderAt + 2);
 }
 
 /// A rate in Hz as a fraction. Pulled rates are whole numbers of 1/1001 or of 1/10.
@@ -109,9 +110,10 @@ bool LooksLikeTime(std::string_view text) {
       text.size() != kTimestampLength) {
     return false;
   }
-  return AreDigits(text, 0, 2) && AreDigits(text, 3, 2) && AreDigits(text, 6, 2) &&
-         AreDigits(text, 9, 2) &&
-         (text.size() != kTimestampLength || AreDigits(text, kRemainderAt, 4));
+  return AreTwoDigits(text, 0) && AreTwoDigits(text, 3) && AreTwoDigits(text, 6) &&
+         AreTwoDigits(text, 9) &&
+         (text.size() != kTimestampLength ||
+          (AreTwoDigits(text, kRemainderAt) && AreTwoDigits(text, kRemainderAt + 2)));
 }
 
 std::optional<StampMarks> ReadMarks(std::string_view text, const TimeContext& context) {

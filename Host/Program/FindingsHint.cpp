@@ -1,8 +1,12 @@
 #include "Program/FindingsHint.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cstdint>
 #include <iostream>
+#include <optional>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -11,39 +15,76 @@
 namespace velmora::program {
 namespace {
 
+/// A smaller project is looked through in less time than a thread takes to begin.
+constexpr std::int64_t kWorthAThread = std::int64_t{1} << 20;
+
+bool IsLarge(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && status.st_size >= kWorthAThread;
+}
+
 /// "does not load, misplaces cuts and loses something", as far as it applies. Without numbers: a
 /// check that looks for audio in all folders may come to others.
-std::string Troubles(const check::CheckedProject& checked) {
-  constexpr auto kTroubles = std::to_array<std::pair<check::Severity, const char*>>({
-      {check::Severity::Fails, "does not load"},
-      {check::Severity::Misplaced, "misplaces cuts"},
-      {check::Severity::Lost, "loses something"},
-  });
+std::string ListOf(bool fails, bool misplaces, bool loses) {
+  const auto troubles = std::to_array<std::pair<bool, const char*>>(
+      {{fails, "does not load"}, {misplaces, "misplaces cuts"}, {loses, "loses something"}});
   std::vector<std::string> words;
-  for (const auto& [severity, text] : kTroubles) {
-    if (checked.Count(severity) > 0) words.emplace_back(text);
+  for (const auto& [applies, text] : troubles) {
+    if (applies) words.emplace_back(text);
   }
   std::string list;
   for (std::size_t i = 0; i < words.size(); ++i) {
     if (i > 0) list += i + 1 == words.size() ? " and " : ", ";
     list += words[i];
   }
-  return list;
+  return list.empty() ? list : "this project " + list;
 }
 
 }  // namespace
 
-void HintAtFindings(const std::string& path, const std::optional<LoadFailure>& failure,
-                    check::CheckOptions options) {
+FindingsHint::FindingsHint(std::string path, check::CheckOptions options)
+    : path_(std::move(path)), options_(std::move(options)) {
+  options_.atAGlance = true;
+  if (!IsLarge(path_)) return;
+  try {
+    look_ = std::async(std::launch::async, [this] { return Look(); });
+  } catch (const std::system_error&) {  // no thread is to be had: Tell looks itself
+  }
+}
+
+FindingsHint::~FindingsHint() {
+  cancelled_ = true;
+  if (look_.valid()) look_.wait();
+}
+
+check::GlanceResult FindingsHint::Look() const {
+  return check::GlanceAt(path_, options_, [this] { return cancelled_.load(); });
+}
+
+void FindingsHint::Tell(const ViewModel& model) {
   constexpr std::int64_t kFileAsAWhole = 0;
-  if (failure && failure->line == kFileAsAWhole) return;
-  options.atAGlance = true;
+  if (model.loadFailure && model.loadFailure->line == kFileAsAWhole) return;
+  const std::string troubles = Troubles(model);
+  if (troubles.empty()) return;
+  std::cerr << "velmora: " << troubles << "; velmora check " << Printable(path_)
+            << " says why and what helps\n";
+}
+
+/// What is wrong with the project, in words; empty for nothing.
+std::string FindingsHint::Troubles(const ViewModel& model) {
+  if (model.project != nullptr) {
+    const check::GlanceResult result = look_.valid() ? look_.get() : Look();
+    if (const std::optional<check::Glance> found = result.For(model.project->events.size())) {
+      return ListOf(false, found->misplaces, found->loses);
+    }
+  }
   media::FolderListings listings;
-  const check::CheckedProject checked = CheckProject(path, options, listings);
-  if (checked.project == nullptr || checked.verdict == check::Verdict::Clean) return;
-  const bool isAdl = checked.verdict != check::Verdict::Unreadable;
-  std::cerr << "velmora: " << (isAdl ? "this project " + Troubles(checked) : "this is no ADL")
-            << "; velmora check " << Printable(path) << " says why and what helps\n";
+  const check::CheckedProject checked = CheckProject(path_, options_, listings);
+  if (checked.project == nullptr) return {};
+  if (checked.verdict == check::Verdict::Unreadable) return "this is no ADL";
+  const auto has = [&checked](check::Severity severity) { return checked.Count(severity) > 0; };
+  return ListOf(has(check::Severity::Fails), has(check::Severity::Misplaced),
+                has(check::Severity::Lost));
 }
 
 }  // namespace velmora::program

@@ -1,20 +1,40 @@
 #pragma once
 
-#include <optional>
+#include <atomic>
+#include <future>
 #include <string>
 
-#include "ADL/LoadFailure.h"
 #include "Check/CheckProject.h"
+#include "Check/Glance.h"
+#include "Model/ViewModel.h"
 
 namespace velmora::program {
 
-/// Says on standard error, in one line that names `velmora check`, what becomes of a project that
+/// The line on standard error that names `velmora check` and says what becomes of a project that
 /// fails, misplaces or loses something; nothing of a clean one, or of a file that cannot be read.
 /// Looks for audio only where the system does, so that no folder is walked through.
-/// @param failure of the load; none if the project loaded. A file that could not be read is not
-/// tried
-///                again.
-void HintAtFindings(const std::string& path, const std::optional<LoadFailure>& failure,
-                    check::CheckOptions options = {});
+///
+/// A large project is looked through on a thread of its own from the start, while it is loaded and
+/// its rows are printed: on a second core that costs nothing that anybody waits for.
+class FindingsHint {
+ public:
+  /// @param path absolute
+  explicit FindingsHint(std::string path, check::CheckOptions options = {});
+  ~FindingsHint();
+  FindingsHint(const FindingsHint&) = delete;
+  FindingsHint& operator=(const FindingsHint&) = delete;
+
+  /// Says the line, if there is one to say. `model` has loaded the path, or tried to.
+  void Tell(const ViewModel& model);
+
+ private:
+  [[nodiscard]] check::GlanceResult Look() const;
+  [[nodiscard]] std::string Troubles(const ViewModel& model);
+
+  const std::string path_;
+  check::CheckOptions options_;
+  std::atomic<bool> cancelled_ = false;
+  std::future<check::GlanceResult> look_;  ///< not valid for a small project
+};
 
 }  // namespace velmora::program

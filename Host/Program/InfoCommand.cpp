@@ -10,6 +10,7 @@
 namespace velmora::program {
 
 int RunInfo(const InfoArguments& arguments) {
+  FindingsHint hint(arguments.project);
   ViewModel model;
   const bool loaded = model.LoadFile(arguments.project);
   if (arguments.json) {
@@ -23,7 +24,7 @@ int RunInfo(const InfoArguments& arguments) {
     std::cerr << "velmora: standard output takes no more\n";
     return kLeftOut;
   }
-  HintAtFindings(arguments.project, model.loadFailure);
+  hint.Tell(model);
   return loaded ? kAllDone : kDoesNotLoad;
 }
 

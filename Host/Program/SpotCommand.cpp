@@ -249,7 +249,7 @@ int WithHint(const SpotArguments& arguments, const ViewModel& model, int status)
   check::CheckOptions options;
   options.sessionRate = arguments.sessionRate;
   options.sessionFrameRate = arguments.sessionFrameRate;
-  if (status != kInterrupted) HintAtFindings(arguments.project, model.loadFailure, options);
+  if (status != kInterrupted) FindingsHint(arguments.project, options).Tell(model);
   return status;
 }
 

@@ -10,6 +10,7 @@
 
 #include "Base/Wrapping.h"
 #include "Check/Judges.h"
+#include "Check/ProjectRates.h"
 #include "Model/ProjectSummary.h"
 #include "Session/SessionPreset.h"
 #include "Timecode/AdlTime.h"
@@ -47,15 +48,22 @@ std::string Duration(std::int64_t samples, double rate) {
   return text;
 }
 
+host::SessionRates SessionOf(const std::string& stamp, const CheckOptions& options) {
+  return host::SessionRatesFor(stamp.c_str(), options.sessionRate, options.sessionFrameRate);
+}
+
 }  // namespace
+
+std::int64_t MovedSamples(const std::string& stamp, const CheckOptions& options) {
+  const host::SessionRates session = SessionOf(stamp, options);
+  return CompareRates(stamp.c_str(), session.sampleRate, session.frameRate).movedSamples;
+}
 
 void JudgeCompensation(const Case& c, Findings& findings) {
   const std::optional<EarliestCut> earliest = FindEarliestCut(c);
   if (!earliest) return;
-  const host::SessionRates session = host::SessionRatesFor(
-      earliest->stamp.c_str(), c.options.sessionRate, c.options.sessionFrameRate);
-  const std::int64_t moved =
-      CompareRates(earliest->stamp.c_str(), session.sampleRate, session.frameRate).movedSamples;
+  const host::SessionRates session = SessionOf(earliest->stamp, c.options);
+  const std::int64_t moved = MovedSamples(earliest->stamp, c.options);
   if (moved == 0) return;
   const field::EntryPlace cut = *c.project.events[earliest->event].edit;
   const double rate = session.sampleRate > 0 ? static_cast<double>(session.sampleRate) : 48000.0;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "Check/Judges.h"
+#include "Check/ProjectRates.h"
 #include "Field/EntryTexts.h"
 #include "Session/SessionPreset.h"
 #include "Timecode/AdlTime.h"
@@ -24,22 +25,6 @@ std::string RateText(const field::TimeRates& rates) {
   char frames[32];
   std::snprintf(frames, sizeof frames, "%.5g", rates.FrameRate());
   return host::SampleRateName(rates.sampleRate) + ", " + frames + " frames";
-}
-
-/// What the header says where it differs from the marks of a time; empty if it does not.
-std::string HeaderText(const Case& c, const field::TimeRates& marks) {
-  const field::TimeContext& times = c.project.times;
-  std::string text;
-  if (times.headerSampleRate && !SameRate(*times.headerSampleRate, marks.sampleRate)) {
-    text = host::SampleRateName(*times.headerSampleRate);
-  }
-  if (times.headerFrames && (times.headerFrames->framesPerSecond != marks.framesPerSecond ||
-                             times.headerFrames->pulledDown != marks.pulledDown)) {
-    char frames[32];
-    std::snprintf(frames, sizeof frames, "%.5g frames", times.headerFrames->FrameRate());
-    text += (text.empty() ? "" : ", ") + std::string(frames);
-  }
-  return text;
 }
 
 /// The first cut in the text, whose rates are the project's; none without a cut.
@@ -110,7 +95,7 @@ bool JudgeHeader(const Case& c, Findings& findings) {
   field::TimeContext marks = c.project.times;
   marks.trust = field::Trust::Marks;
   const std::optional<field::Time> time = field::ReadTime(value.text, marks);
-  const std::string header = time ? HeaderText(c, time->rates) : "";
+  const std::string header = time ? HeaderContradiction(c.project.times, time->rates) : "";
   if (header.empty()) return false;
   const std::string_view stamp = c.RawOf(value);
   findings.Add(Code::MarksDiffer, Severity::Misplaced,
@@ -124,6 +109,20 @@ bool JudgeHeader(const Case& c, Findings& findings) {
 }
 
 }  // namespace
+
+std::string HeaderContradiction(const field::TimeContext& times, const field::TimeRates& marks) {
+  std::string text;
+  if (times.headerSampleRate && !SameRate(*times.headerSampleRate, marks.sampleRate)) {
+    text = host::SampleRateName(*times.headerSampleRate);
+  }
+  if (times.headerFrames && (times.headerFrames->framesPerSecond != marks.framesPerSecond ||
+                             times.headerFrames->pulledDown != marks.pulledDown)) {
+    char frames[32];
+    std::snprintf(frames, sizeof frames, "%.5g frames", times.headerFrames->FrameRate());
+    text += (text.empty() ? "" : ", ") + std::string(frames);
+  }
+  return text;
+}
 
 void JudgeRates(const Case& c, Findings& findings) {
   const bool headerDiffers = JudgeHeader(c, findings);

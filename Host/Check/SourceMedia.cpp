@@ -1,0 +1,34 @@
+#include "Check/SourceMedia.h"
+
+#include <utility>
+
+#include "ADL/SourceSearch.h"
+
+namespace velmora::check {
+
+media::Located LocateAsSystem(const std::string& folder, const std::string& rawLocation) {
+  media::Located located;
+  located.path = FindSourceFile(folder, rawLocation.c_str());
+  if (!located.path.empty()) located.result = media::SearchResult::Found;
+  return located;
+}
+
+SourceMedia ReadSourceFile(const std::string& path) {
+  SourceMedia media;
+  media::FactsOrTrouble read = media::ReadFacts(path);
+  media.facts = std::move(read.facts);
+  media.trouble = std::move(read.trouble);
+  media.obstacle =
+      media.facts ? media::CompareReaders(path, *media.facts) : media::Obstacle::Broken;
+  if (media.obstacle == media::Obstacle::Broken) media.facts.reset();
+  return media;
+}
+
+std::optional<field::SourceAudio> AudioOf(const SourceMedia& media) {
+  if (!media.facts) return std::nullopt;
+  return field::SourceAudio{.sampleRate = static_cast<double>(media.facts->sampleRate),
+                            .frames = media.facts->frames,
+                            .timeReference = media.facts->timeReference};
+}
+
+}  // namespace velmora::check
