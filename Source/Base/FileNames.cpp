@@ -3,6 +3,10 @@
 namespace velmora {
 
 std::string FileNameOf(const std::string& path) {
+  return std::string(FileNameIn(path));
+}
+
+std::string_view FileNameIn(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
 }
 

@@ -30,9 +30,19 @@ Relation RelationOf(double projectRate, float sessionRate) {
 
 }  // namespace
 
-void CutSpan::Include(const AES31Cut& cut) {
-  if (earliest == nullptr || AdlDifference(earliest->destIn, cut.destIn) < 0) earliest = &cut;
-  if (latest == nullptr || AdlDifference(latest->destOut, cut.destOut) > 0) latest = &cut;
+CutTimes TimesOf(const AES31Cut& cut) {
+  return {AdlToSamples(cut.destIn), AdlToSamples(cut.destOut)};
+}
+
+void CutSpan::Include(const AES31Cut& cut, const CutTimes& times) {
+  if (earliest == nullptr || WrapSubtract(times.destIn, start) < 0) {
+    earliest = &cut;
+    start = times.destIn;
+  }
+  if (latest == nullptr || WrapSubtract(times.destOut, end) > 0) {
+    latest = &cut;
+    end = times.destOut;
+  }
   minTrack = std::min(minTrack, cut.destChannel);
   maxTrack = std::max(maxTrack, cut.destChannel);
 }

@@ -15,14 +15,26 @@ namespace velmora {
 // What is to be said of a project: once, so that the program and the desktop, which only phrase it,
 // cannot come to different results.
 
+/// A cut's place on the timeline, in samples at its timestamps' own rates.
+struct CutTimes {
+  std::int64_t destIn = 0;
+  std::int64_t destOut = 0;
+};
+[[nodiscard]] CutTimes TimesOf(const AES31Cut& cut);
+
 /// The stretch of the timeline that cuts cover. Of equal times the cut that was shown first stays.
+/// Differences wrap at 64 bits, so that of times that no rate gives the order of the cuts decides.
 struct CutSpan {
   const AES31Cut* earliest = nullptr;  ///< the cut with the lowest destIn; null without any cut
   const AES31Cut* latest = nullptr;    ///< the cut with the highest destOut; null without any cut
+  std::int64_t start = 0;              ///< destIn of the earliest, in samples
+  std::int64_t end = 0;                ///< destOut of the latest, in samples
   std::int32_t minTrack = std::numeric_limits<std::int32_t>::max();
   std::int32_t maxTrack = std::numeric_limits<std::int32_t>::min();
 
-  void Include(const AES31Cut& cut);
+  void Include(const AES31Cut& cut) { Include(cut, TimesOf(cut)); }
+  /// For a caller who has worked out the cut's times for other spans, too.
+  void Include(const AES31Cut& cut, const CutTimes& times);
 };
 
 /// The span of those cuts of a project that `counts` takes, or of all cuts. It points into the

@@ -29,10 +29,11 @@ class SparseColumn {
     const auto found = exceptions_.find(row);
     return found == exceptions_.end() ? &common_ : &found->second;
   }
-  /// Replaces the value at a row that the column has; false for any other.
+  /// Replaces the value at a row that the column has; false for any other. Rows that come in rising
+  /// order cost the same however many there are.
   bool Set(std::int32_t row, T value) {
     if (!Has(row)) return false;
-    exceptions_.insert_or_assign(row, std::move(value));
+    exceptions_.insert_or_assign(exceptions_.end(), row, std::move(value));
     return true;
   }
 

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "Base/Wrapping.h"
 
@@ -24,15 +25,41 @@ constexpr auto kProjectTitles = std::to_array<const char*>(
 constexpr auto kWidthNames = std::to_array<const char*>(
     {"Mono", "Stereo", "3 Ch.", "4 Ch.", "5 Ch.", "6 Ch.", "7 Ch.", "8 Ch."});
 
-CellValue NoValue() {
-  return {};
+// A column is one function that answers a cell without a string of its own: a text, or a bool for a
+// check box, and nothing for a row that is not there. Value and Append make of it what others ask.
+
+template <auto Cell>
+CellValue Value(const ViewModel& model, std::int32_t row) {
+  const auto cell = Cell(model, row);
+  if (!cell) return {};
+  if constexpr (std::is_same_v<decltype(*cell), const bool&>) {
+    return {CellValue::Integer, {}, *cell ? 1 : 0};
+  } else {
+    return {CellValue::Text, std::string(std::string_view(*cell)), 0};
+  }
 }
-CellValue TextValue(std::string text) {
-  return {CellValue::Text, std::move(text), 0};
+
+template <auto Cell>
+CellValue::Kind Append(const ViewModel& model, std::int32_t row, std::string& text) {
+  const auto cell = Cell(model, row);
+  if (!cell) return CellValue::None;
+  if constexpr (std::is_same_v<decltype(*cell), const bool&>) {
+    text += *cell ? '1' : '0';
+    return CellValue::Integer;
+  } else {
+    text += std::string_view(*cell);
+    return CellValue::Text;
+  }
 }
-CellValue BoxValue(bool on) {
-  return {CellValue::Integer, {}, on ? 1 : 0};
+
+template <auto Cell>
+constexpr TableColumn ColumnOf(std::string_view identifier, ColumnText text, int viewPosition) {
+  return {identifier, text, viewPosition, Value<Cell>, Append<Cell>};
 }
+
+using Text = std::optional<std::string_view>;
+using Number = std::optional<NumberText>;
+using Box = std::optional<bool>;
 
 template <class Array>
 bool Has(const Array& column, std::int32_t row) {
@@ -41,87 +68,88 @@ bool Has(const Array& column, std::int32_t row) {
 
 /// A row's text, or no value for a row that the column does not have.
 template <class Array>
-CellValue TextAt(const Array& column, std::int32_t row) {
-  return Has(column, row) ? TextValue(column[static_cast<std::size_t>(row)]) : NoValue();
+Text TextAt(const Array& column, std::int32_t row) {
+  return Has(column, row) ? Text(column[static_cast<std::size_t>(row)]) : Text();
 }
 
-CellValue TextAt(const SparseColumn<std::string>& column, std::int32_t row) {
-  const std::string* const text = column.At(row);
-  return text != nullptr ? TextValue(*text) : NoValue();
+Text ProjectTitle(const ViewModel&, std::int32_t row) {
+  return TextAt(kProjectTitles, row);
+}
+Text ProjectData(const ViewModel& model, std::int32_t row) {
+  return TextAt(model.ProjectInfomation, row);
 }
 
 constexpr auto kProjectColumns = std::to_array<TableColumn>({
-    {"Title", ColumnText::Utf8, 0,
-     [](const ViewModel&, std::int32_t row) { return TextAt(kProjectTitles, row); }},
-    {"Data", ColumnText::Utf8, 1,
-     [](const ViewModel& model, std::int32_t row) { return TextAt(model.ProjectInfomation, row); }},
+    ColumnOf<ProjectTitle>("Title", ColumnText::Utf8, 0),
+    ColumnOf<ProjectData>("Data", ColumnText::Utf8, 1),
 });
 
 bool HasTrack(const ViewModel& model, std::int32_t row) {
   return row >= 0 && row < model.trackCount;
 }
 
-CellValue TrackBox(const ViewModel& model, std::int32_t row) {
+Box TrackBox(const ViewModel& model, std::int32_t row) {
   const bool* const on = HasTrack(model, row) ? model.trackEnable.At(row) : nullptr;
-  return on != nullptr ? BoxValue(*on) : NoValue();
+  return on != nullptr ? Box(*on) : Box();
 }
-CellValue TrackNumber(const ViewModel& model, std::int32_t row) {
-  return HasTrack(model, row) ? TextValue(std::to_string(WrapAdd(model.minTrack, row))) : NoValue();
+Number TrackNumber(const ViewModel& model, std::int32_t row) {
+  return HasTrack(model, row) ? Number(WrapAdd(model.minTrack, row)) : Number();
 }
-CellValue TrackType(const ViewModel& model, std::int32_t row) {
-  return HasTrack(model, row) ? TextValue("Mono") : NoValue();
+Text TrackType(const ViewModel& model, std::int32_t row) {
+  return HasTrack(model, row) ? Text("Mono") : Text();
 }
-CellValue TrackStart(const ViewModel& model, std::int32_t row) {
-  return HasTrack(model, row) ? TextAt(model.trackStart, row) : NoValue();
-}
-CellValue TrackEnd(const ViewModel& model, std::int32_t row) {
-  return HasTrack(model, row) ? TextAt(model.trackEnd, row) : NoValue();
+template <SparseColumn<std::string> ViewModel::*Texts>
+Text TrackTime(const ViewModel& model, std::int32_t row) {
+  const std::string* const text = HasTrack(model, row) ? (model.*Texts).At(row) : nullptr;
+  return text != nullptr ? Text(*text) : Text();
 }
 
 constexpr auto kTrackColumns = std::to_array<TableColumn>({
-    {kBoxColumn, ColumnText::Utf8, 0, TrackBox},
-    {"Track", ColumnText::Utf8, 1, TrackNumber},
-    {"Type", ColumnText::Utf8, 2, TrackType},
-    {"Start", ColumnText::Project, 3, TrackStart},
-    {"End", ColumnText::Project, 4, TrackEnd},
+    ColumnOf<TrackBox>(kBoxColumn, ColumnText::Utf8, 0),
+    ColumnOf<TrackNumber>("Track", ColumnText::Utf8, 1),
+    ColumnOf<TrackType>("Type", ColumnText::Utf8, 2),
+    ColumnOf<TrackTime<&ViewModel::trackStart>>("Start", ColumnText::Project, 3),
+    ColumnOf<TrackTime<&ViewModel::trackEnd>>("End", ColumnText::Project, 4),
 });
 
-CellValue EventBoxAt(const ViewModel& model, std::int32_t row) {
-  if (!Has(model.eventIndices, row)) return NoValue();
+Box EventBoxAt(const ViewModel& model, std::int32_t row) {
+  if (!Has(model.eventIndices, row)) return {};
   const std::int32_t index = model.eventIndices[static_cast<std::size_t>(row)];
-  if (!Has(model.eventEnable, index)) return NoValue();
-  return BoxValue(model.eventEnable[static_cast<std::size_t>(index)] != EventBox::Off);
+  if (!Has(model.eventEnable, index)) return {};
+  return model.eventEnable[static_cast<std::size_t>(index)] != EventBox::Off;
 }
 
-/// The cells of a column that the model keeps as texts by row.
-template <std::vector<std::string> ViewModel::*Texts>
-CellValue EventText(const ViewModel& model, std::int32_t row) {
-  return TextAt(model.*Texts, row);
+/// The cells of one of the model's columns.
+template <auto Column>
+auto EventCell(const ViewModel& model, std::int32_t row) {
+  const auto& column = model.*Column;
+  using Cell = std::optional<decltype(column.View(0))>;
+  return Has(column, row) ? Cell(column.View(static_cast<std::size_t>(row))) : Cell();
 }
 
 constexpr auto kEventColumns = std::to_array<TableColumn>({
-    {kBoxColumn, ColumnText::Utf8, 0, EventBoxAt},
-    {"Type", ColumnText::Project, 2, EventText<&ViewModel::eventTypes>},
-    {"Event", ColumnText::Utf8, 1, EventText<&ViewModel::eventNumbers>},
-    {"Ch", ColumnText::Utf8, 4, EventText<&ViewModel::eventCh>},
-    {"In", ColumnText::Project, 5, EventText<&ViewModel::eventIn>},
-    {"Out", ColumnText::Project, 6, EventText<&ViewModel::eventOut>},
-    {"Track", ColumnText::Utf8, 3, EventText<&ViewModel::eventTrack>},
-    {"Name", ColumnText::Utf8, 7, EventText<&ViewModel::eventName>},
+    ColumnOf<EventBoxAt>(kBoxColumn, ColumnText::Utf8, 0),
+    ColumnOf<EventCell<&ViewModel::eventTypes>>("Type", ColumnText::Project, 2),
+    ColumnOf<EventCell<&ViewModel::eventNumbers>>("Event", ColumnText::Utf8, 1),
+    ColumnOf<EventCell<&ViewModel::eventCh>>("Ch", ColumnText::Utf8, 4),
+    ColumnOf<EventCell<&ViewModel::eventIn>>("In", ColumnText::Project, 5),
+    ColumnOf<EventCell<&ViewModel::eventOut>>("Out", ColumnText::Project, 6),
+    ColumnOf<EventCell<&ViewModel::eventTrack>>("Track", ColumnText::Utf8, 3),
+    ColumnOf<EventCell<&ViewModel::eventName>>("Name", ColumnText::Utf8, 7),
 });
 
-CellValue WidthName(const ViewModel&, std::int32_t row) {
+Text WidthName(const ViewModel&, std::int32_t row) {
   return TextAt(kWidthNames, row);
 }
 /// Every track counts as mono.
-CellValue WidthCount(const ViewModel& model, std::int32_t row) {
-  if (!Has(kWidthNames, row)) return NoValue();
-  return TextValue(row == 0 ? std::to_string(model.trackCount) : "0");
+Number WidthCount(const ViewModel& model, std::int32_t row) {
+  if (!Has(kWidthNames, row)) return {};
+  return Number(row == 0 ? model.trackCount : 0);
 }
 
 constexpr auto kWidthColumns = std::to_array<TableColumn>({
-    {"ItemName", ColumnText::Utf8, 0, WidthName},
-    {"Number", ColumnText::Utf8, 1, WidthCount},
+    ColumnOf<WidthName>("ItemName", ColumnText::Utf8, 0),
+    ColumnOf<WidthCount>("Number", ColumnText::Utf8, 1),
 });
 
 template <class Array>
@@ -164,12 +192,17 @@ std::int32_t NumberOfRows(const ViewModel& model, std::string_view table) {
   return found != nullptr ? found->rows(model) : 0;
 }
 
+const TableColumn* FindColumn(std::string_view table, std::string_view column) {
+  for (const TableColumn& candidate : Columns(table)) {
+    if (candidate.identifier == column) return &candidate;
+  }
+  return nullptr;
+}
+
 CellValue ObjectValue(const ViewModel& model, std::string_view table, std::string_view column,
                       std::int32_t row) {
-  for (const TableColumn& candidate : Columns(table)) {
-    if (candidate.identifier == column) return candidate.value(model, row);
-  }
-  return NoValue();
+  const TableColumn* const found = FindColumn(table, column);
+  return found != nullptr ? found->value(model, row) : CellValue();
 }
 
 void SetObjectValue(ViewModel& model, std::string_view table, std::string_view column,

@@ -37,6 +37,9 @@ struct TableColumn {
   ColumnText text;
   int viewPosition;  ///< from 0, counted from the left of the view's table
   CellValue (*value)(const ViewModel& model, std::int32_t row);
+  /// Adds what `value` tells to the end of `text`, an integer in digits, without a string of its
+  /// own. Nothing is changed or kept: any number of threads may ask at once.
+  CellValue::Kind (*append)(const ViewModel& model, std::int32_t row, std::string& text);
 };
 
 struct Table {
@@ -52,6 +55,9 @@ struct Table {
 
 /// A table's columns; none for a table that is not there.
 [[nodiscard]] std::span<const TableColumn> Columns(std::string_view table);
+
+/// A table's column, null for one that is not there.
+[[nodiscard]] const TableColumn* FindColumn(std::string_view table, std::string_view column);
 
 [[nodiscard]] std::int32_t NumberOfRows(const ViewModel& model, std::string_view table);
 [[nodiscard]] CellValue ObjectValue(const ViewModel& model, std::string_view table,

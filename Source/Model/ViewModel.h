@@ -9,6 +9,10 @@
 #include <vector>
 
 #include "ADL/AES31Project.h"
+#include "Model/EventColumn.h"
+#include "Model/EventRows.h"
+#include "Model/NumberPlaces.h"
+#include "Model/ProjectSummary.h"
 #include "Model/SparseColumn.h"
 
 namespace velmora {
@@ -25,7 +29,7 @@ class ViewModel {
   /// project without any cut loads, but fills neither tracks nor event rows.
   bool LoadFile(const std::string& path);
 
-  /// Builds the event rows anew from the events whose track is on.
+  /// Lists the events whose track is on, anew from what the project's events hold.
   void setupEventList();
 
   /// Kept for the view's interface; nothing reads the number.
@@ -35,8 +39,12 @@ class ViewModel {
   void SetTrackBox(std::int32_t row, bool on);
   void SetEventBox(std::int32_t row, bool on);
 
-  /// Sets the boxes of all tracks that a cut uses at once, as so many edits would.
+  /// Sets the boxes of all tracks that a cut uses at once, as so many edits would; asks once for
+  /// each track.
   void SetTrackBoxes(const std::function<bool(std::int32_t track)>& on);
+
+  /// What the event columns show.
+  [[nodiscard]] const EventRows& Rows() const { return *eventIndices.Rows(); }
 
   [[nodiscard]] bool HasCuts() const { return project != nullptr && firstEvent != nullptr; }
 
@@ -61,18 +69,25 @@ class ViewModel {
   // By event index.
   std::vector<EventBox> eventEnable;
 
-  // By row of the event table.
-  std::vector<std::int32_t> eventIndices;
-  std::vector<std::string> eventTypes;
-  std::vector<std::string> eventNumbers;  ///< "%04d\n" of the event index
-  std::vector<std::string> eventCh;
-  std::vector<std::string> eventName;
-  std::vector<bool> eventFound;
+  // By row of the event table. The columns hold nothing: a million cuts would be nine million
+  // texts. Which events are rows stays as it was when they were listed; each cell is worked out
+  // when asked for, from what no box changes. When the project goes and its rows stay, as after a
+  // failed load, they keep copies of the texts.
+  template <auto Cell>
+  using Column = EventColumn<&EventRows::Size, Cell>;
+  Column<&EventRows::Index> eventIndices{EventRows::None()};
+  Column<&EventRows::Type> eventTypes{EventRows::None()};
+  Column<&EventRows::Number> eventNumbers{EventRows::None()};  ///< "%04d\n" of the event index
+  Column<&EventRows::Ch> eventCh{EventRows::None()};
+  Column<&EventRows::Name> eventName{EventRows::None()};
+  Column<&EventRows::Found> eventFound{EventRows::None()};
 
   // Of listed cuts alone, without gaps for other events: such rows show the next cut's values.
-  std::vector<std::string> eventTrack;
-  std::vector<std::string> eventIn;
-  std::vector<std::string> eventOut;
+  template <auto Cell>
+  using CutColumn = EventColumn<&EventRows::Cuts, Cell>;
+  CutColumn<&EventRows::Track> eventTrack{EventRows::None()};
+  CutColumn<&EventRows::In> eventIn{EventRows::None()};
+  CutColumn<&EventRows::Out> eventOut{EventRows::None()};
 
   std::string errorMessage;    ///< the one line of user messages
   std::string totalStartTime;  ///< start of the project's material, as shown
@@ -80,11 +95,33 @@ class ViewModel {
   bool spotRunning = false;    ///< no box changes while this is set
 
  private:
+  enum class TrackEdit : std::uint8_t { None, Off, On };
+
   bool Load(const std::string& path);
   void FillProjectInfomation();
-  bool FindSpan();
-  void FillTracks();
-  void ListEvent(std::int32_t index, const AES31Event& event);
+  void KeepRows();
+  void SurveyIfOthers();
+  [[nodiscard]] std::int32_t EventCount() const;
+  template <class Visit>
+  void SurveyEvents(const Visit& visit);
+  struct Spans {
+    CutSpan project;
+    std::vector<CutSpan> tracks;  ///< by place in `tracks_`
+  };
+  /// Ticks all boxes, too.
+  Spans SurveyAndTickAll();
+  void FillTracks(const std::vector<CutSpan>& spans);
+  /// `edits` by place in `tracks_`.
+  void EditTracks(const std::vector<TrackEdit>& edits);
+  void ListEvents(EventSet listed);
+  void ListNothing();
+  void Show(const std::shared_ptr<const EventRows>& rows);
+
+  // Of the events as they were last surveyed. An edit of boxes reads these few bytes of each event
+  // and no more: the events themselves are five cache lines each.
+  std::shared_ptr<const EventMarks> marks_;
+  NumberPlaces tracks_;                    ///< those that cuts use
+  std::vector<std::int32_t> trackPlaces_;  ///< by event index, in `tracks_`; kNone for no cut
 };
 
 }  // namespace velmora

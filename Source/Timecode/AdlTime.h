@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace velmora {
 
@@ -47,5 +48,7 @@ inline constexpr std::size_t kTimestampLength = 16;
 /// What a person is shown of a timestamp: the text up to its first `/`, which at 48 kHz leaves the
 /// timecode. Null gives the empty text.
 [[nodiscard]] std::string TimestampTimecode(const char* text);
+/// The same as a part of the caller's own text.
+[[nodiscard]] std::string_view TimestampTimecodeView(const char* text);
 
 }  // namespace velmora

@@ -135,10 +135,11 @@ TEST_F(TablesTest, placeholderWouldShowAsOn) {
 
 TEST_F(TablesTest, boxOfAnEventThatTheArrayLacksHasNoValue) {
   ASSERT_TRUE(LoadCuts({{}}));
-  model.eventIndices[0] = 5;
+  model.eventEnable.clear();
   EXPECT_EQ(Cell("EventListTable", "Space", 0), kNoValue);
   Tick("EventListTable", 0, 0);
-  EXPECT_EQ(EventFlags(), (std::vector<std::int32_t>{1}));
+  EXPECT_TRUE(model.eventEnable.empty());
+  EXPECT_EQ(EventFlags(), (std::vector<std::int32_t>{0})) << "the event itself is there";
 }
 
 // ---- columns ----
