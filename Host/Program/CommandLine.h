@@ -16,6 +16,7 @@ namespace velmora::program {
 struct InfoArguments {
   std::string project;  ///< absolute path
   bool json = false;
+  bool summary = false;  ///< counts in place of the rows; never with `json`
 };
 
 struct SpotArguments {

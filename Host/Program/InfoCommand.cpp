@@ -1,5 +1,7 @@
 #include "Program/InfoCommand.h"
 
+#include <unistd.h>
+
 #include <iostream>
 
 #include "Model/ProjectSummary.h"
@@ -13,14 +15,14 @@ int RunInfo(const InfoArguments& arguments) {
   FindingsHint hint(arguments.project);
   ViewModel model;
   const bool loaded = model.LoadFile(arguments.project);
+  BlockOutput out(STDOUT_FILENO);
   if (arguments.json) {
-    PrintInfoJson(arguments, model, std::cout);
+    PrintInfoJson(arguments, model, out);
   } else if (loaded) {
-    PrintInfoText(arguments, model, std::cout);
+    PrintInfoText(arguments, model, out);
   }
   if (!loaded) ComplainAboutLoad(arguments.project, model);
-  std::cout.flush();
-  if (!std::cout) {
+  if (!out.Finish()) {
     std::cerr << "velmora: standard output takes no more\n";
     return kLeftOut;
   }

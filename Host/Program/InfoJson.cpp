@@ -1,126 +1,200 @@
 #include <algorithm>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "ADL/ShiftJis.h"
 #include "Model/Tables.h"
 #include "Program/InfoCommand.h"
-#include "Program/JsonObjectWriter.h"
+#include "Program/JsonStream.h"
 #include "Program/ProjectJson.h"
 
 namespace velmora::program {
 namespace {
 
-Json CellJson(const CellValue& cell, ColumnText text) {
-  if (cell.kind == CellValue::Integer) return cell.integer;
-  if (cell.kind == CellValue::None) return nullptr;
-  return text == ColumnText::Project ? ShiftJisToUtf8(cell.text.c_str()) : cell.text;
+/// Some 256 KiB of events: a fraction of a millisecond of work.
+constexpr std::size_t kElementsPerBlock = 512;
+
+/// The one object that is printed, with its large arrays formatted on all processors.
+class InfoJson {
+ public:
+  InfoJson(const ViewModel& model, BlockOutput& out)
+      : model_(model), project_(model.project.get()), out_(out), json_(out.Text()) {}
+
+  void Write(const std::string& path);
+
+ private:
+  /// An array of `count` elements. `write` is called with a stream and an index, perhaps by several
+  /// threads.
+  template <class WriteElement>
+  void WriteArray(std::size_t count, const WriteElement& write);
+
+  void WriteDiagnostics();
+  void WriteFailure();
+  void WriteConstants();
+  void WriteSources();
+  void WriteSections(const std::vector<AES31Section>& sections);
+  void WriteContents();
+  void WriteSpan();
+  void WriteTable(const Table& table);
+
+  const ViewModel& model_;
+  const AES31Project* const project_;  ///< null for one that did not load
+  BlockOutput& out_;
+  JsonStream json_;
+};
+
+template <class WriteElement>
+void InfoJson::WriteArray(std::size_t count, const WriteElement& write) {
+  json_.BeginArray();
+  out_.InBlocks(count, kElementsPerBlock,
+                [&write](CharBuffer& text, std::size_t begin, std::size_t end) {
+                  JsonStream json(text);
+                  if (begin > 0) json.ContinueArray();
+                  for (std::size_t i = begin; i < end; ++i) write(json, i);
+                });
+  json_.EndArray();
 }
 
-Json RowJson(const ViewModel& model, const Table& table, std::int32_t row) {
-  Json json = Json::object();
-  for (const TableColumn& column : table.columns) {
-    json[std::string(column.identifier)] = CellJson(column.value(model, row), column.text);
-  }
-  return json;
-}
-
-void WriteTables(JsonObjectWriter& json, std::ostream& out, const ViewModel& model) {
-  json.Key("tables");
-  JsonObjectWriter tables(out);
-  for (const Table& table : Tables()) {
-    const std::int32_t rows = std::min(table.rows(model), kMostTableRows);
-    tables.Array(
-        std::string(table.identifier).c_str(), static_cast<std::size_t>(rows),
-        [&](std::size_t row) { return RowJson(model, table, static_cast<std::int32_t>(row)); });
-  }
-  tables.End();
-}
-
-Json FailureJson(const ViewModel& model) {
-  if (!model.loadFailure) return nullptr;
-  const LoadFailure& failure = *model.loadFailure;
-  return {{"code", NameOf(failure.code)},
-          {"line", failure.line},
-          {"section", ProjectText(failure.section.c_str())},
-          {"label", ProjectText(failure.label.c_str())},
-          {"reason", failure.reason}};
-}
-
-void WriteDiagnostics(JsonObjectWriter& json, const ViewModel& model) {
-  json.Array("diagnostics", model.loadDiagnostics.size(), [&model](std::size_t i) -> Json {
-    const LoadDiagnostic& diagnostic = model.loadDiagnostics[i];
-    return {{"code", NameOf(diagnostic.code)},
-            {"line", diagnostic.line},
-            {"text", ProjectText(diagnostic.text.c_str())}};
+void InfoJson::WriteDiagnostics() {
+  json_.Key("diagnostics");
+  WriteArray(model_.loadDiagnostics.size(), [this](JsonStream& json, std::size_t i) {
+    const LoadDiagnostic& diagnostic = model_.loadDiagnostics[i];
+    json.BeginObject();
+    json.Key("code").Text(NameOf(diagnostic.code));
+    json.Key("line").Integer(diagnostic.line);
+    json.Key("text").ProjectText(diagnostic.text.c_str());
+    json.EndObject();
   });
 }
 
-Json SourceJson(std::int32_t index, const AES31SourceFile& source) {
-  Json f = Json::array();
-  for (const char* const text : source.fValues) f.push_back(ProjectText(text));
-  Json t = Json::array();
-  for (const char* const text : source.tValues) t.push_back(ProjectText(text));
-  return {{"index", index},
-          {"f", std::move(f)},
-          {"t", std::move(t)},
-          {"file", source.file != nullptr ? WaveFileJson(*source.file) : Json()}};
+void InfoJson::WriteFailure() {
+  json_.Key("failure");
+  if (!model_.loadFailure) {
+    json_.Null();
+    return;
+  }
+  const LoadFailure& failure = *model_.loadFailure;
+  json_.BeginObject();
+  json_.Key("code").Text(NameOf(failure.code));
+  json_.Key("line").Integer(failure.line);
+  json_.Key("section").ProjectText(failure.section.c_str());
+  json_.Key("label").ProjectText(failure.label.c_str());
+  json_.Key("reason").Text(failure.reason);
+  json_.EndObject();
+}
+
+void InfoJson::WriteConstants() {
+  json_.Key("constants").BeginObject();
+  for (std::size_t id = 0; id < kProjectConstants.size(); ++id) {
+    json_.Key(kProjectConstants[id].keyword);
+    json_.ProjectText(project_ != nullptr ? project_->constants[id] : nullptr);
+  }
+  json_.EndObject();
+}
+
+void InfoJson::WriteSources() {
+  std::vector<const std::map<std::int32_t, AES31SourceFile>::value_type*> sources;
+  if (project_ != nullptr) {
+    for (const auto& source : project_->sourceFiles) sources.push_back(&source);
+  }
+  json_.Key("sources");
+  WriteArray(sources.size(), [&sources](JsonStream& json, std::size_t i) {
+    WriteSourceJson(json, sources[i]->first, sources[i]->second);
+  });
+}
+
+void InfoJson::WriteSections(const std::vector<AES31Section>& sections) {
+  json_.BeginArray();
+  for (const AES31Section& section : sections) {
+    json_.BeginObject();
+    json_.Key("name").ProjectText(section.name);
+    json_.Key("entries");
+    WriteArray(section.entries.size(), [&section](JsonStream& json, std::size_t i) {
+      WriteEntryJson(json, section.entries[i]);
+    });
+    json_.EndObject();
+  }
+  json_.EndArray();
 }
 
 /// What the project holds; a project that did not load holds nothing.
-void WriteContents(JsonObjectWriter& json, AES31Project* project) {
-  Json constants = Json::object();
-  for (std::size_t id = 0; id < kProjectConstants.size(); ++id) {
-    constants[kProjectConstants[id].keyword] =
-        project != nullptr ? ProjectText(project->constants[id]) : Json();
+void InfoJson::WriteContents() {
+  WriteConstants();
+  WriteSources();
+  json_.Key("events");
+  WriteArray(
+      project_ != nullptr ? project_->events.size() : 0,
+      [this](JsonStream& json, std::size_t i) { WriteEventJson(json, project_->events[i], i); });
+  json_.Key("sections");
+  WriteSections(project_ != nullptr ? project_->sections : std::vector<AES31Section>());
+  json_.Key("refLists").BeginArray();
+  if (project_ != nullptr) {
+    for (const auto& list : project_->refLists) WriteSections(list);
   }
-  json.Member("constants", constants);
+  json_.EndArray();
+  json_.Key("comments");
+  WriteArray(project_ != nullptr ? project_->comments.size() : 0,
+             [this](JsonStream& json, std::size_t i) { json.ProjectText(project_->comments[i]); });
+}
 
-  const std::map<std::int32_t, AES31SourceFile> none;
-  const auto& sources = project != nullptr ? project->sourceFiles : none;
-  auto source = sources.begin();
-  json.Array("sources", sources.size(), [&source](std::size_t) {
-    const auto& [index, record] = *source++;
-    return SourceJson(index, record);
+void InfoJson::WriteSpan() {
+  json_.Key("firstEvent").ProjectText(model_.firstEvent);
+  json_.Key("lastEvent").ProjectText(model_.lastEvent);
+  json_.Key("minTrack").Integer(model_.minTrack);
+  json_.Key("maxTrack").Integer(model_.maxTrack);
+  json_.Key("trackCount").Integer(model_.trackCount);
+  json_.Key("totalStart").ProjectText(model_.totalStartTime.c_str());
+  json_.Key("totalEnd").ProjectText(model_.totalEndTime.c_str());
+}
+
+void WriteCell(JsonStream& json, const CellValue& cell, ColumnText text) {
+  if (cell.kind == CellValue::Integer) {
+    json.Integer(cell.integer);
+  } else if (cell.kind == CellValue::None) {
+    json.Null();
+  } else if (text == ColumnText::Project) {
+    json.ProjectText(cell.text.c_str());
+  } else {
+    json.Text(cell.text);
+  }
+}
+
+void InfoJson::WriteTable(const Table& table) {
+  const std::int32_t rows = std::min(table.rows(model_), kMostTableRows);
+  json_.Key(table.identifier);
+  WriteArray(static_cast<std::size_t>(rows), [this, &table](JsonStream& json, std::size_t row) {
+    json.BeginObject();
+    for (const TableColumn& column : table.columns) {
+      json.Key(column.identifier);
+      WriteCell(json, column.value(model_, static_cast<std::int32_t>(row)), column.text);
+    }
+    json.EndObject();
   });
-  json.Array("events", project != nullptr ? project->events.size() : 0,
-             [project](std::size_t i) { return EventJson(project->events[i], i); });
-  json.Array("sections", project != nullptr ? project->sections.size() : 0,
-             [project](std::size_t i) { return SectionJson(project->sections[i]); });
-  json.Array("refLists", project != nullptr ? project->refLists.size() : 0,
-             [project](std::size_t i) {
-               Json list = Json::array();
-               for (const AES31Section& section : project->refLists[i]) {
-                 list.push_back(SectionJson(section));
-               }
-               return list;
-             });
-  json.Array("comments", project != nullptr ? project->comments.size() : 0,
-             [project](std::size_t i) { return ProjectText(project->comments[i]); });
+}
+
+void InfoJson::Write(const std::string& path) {
+  json_.BeginObject();
+  json_.Key("path").Text(path);
+  json_.Key("folder").Text(project_ != nullptr ? project_->folder
+                                               : path.substr(0, path.rfind('/')));
+  json_.Key("ok").Boolean(project_ != nullptr);
+  json_.Key("message").Text(model_.errorMessage);
+  WriteDiagnostics();
+  WriteFailure();
+  WriteContents();
+  WriteSpan();
+  json_.Key("tables").BeginObject();
+  for (const Table& table : Tables()) WriteTable(table);
+  json_.EndObject();
+  json_.EndObject();
+  out_ << '\n';
 }
 
 }  // namespace
 
-void PrintInfoJson(const InfoArguments& arguments, const ViewModel& model, std::ostream& out) {
-  JsonObjectWriter json(out);
-  json.Member("path", arguments.project);
-  json.Member("folder", model.project != nullptr
-                            ? model.project->folder
-                            : arguments.project.substr(0, arguments.project.rfind('/')));
-  json.Member("ok", model.project != nullptr);
-  json.Member("message", model.errorMessage);
-  WriteDiagnostics(json, model);
-  json.Member("failure", FailureJson(model));
-  WriteContents(json, model.project.get());
-  json.Member("firstEvent", ProjectText(model.firstEvent));
-  json.Member("lastEvent", ProjectText(model.lastEvent));
-  json.Member("minTrack", model.minTrack);
-  json.Member("maxTrack", model.maxTrack);
-  json.Member("trackCount", model.trackCount);
-  json.Member("totalStart", ProjectText(model.totalStartTime.c_str()));
-  json.Member("totalEnd", ProjectText(model.totalEndTime.c_str()));
-  WriteTables(json, out, model);
-  json.End();
-  out << '\n';
+void PrintInfoJson(const InfoArguments& arguments, const ViewModel& model, BlockOutput& out) {
+  InfoJson(model, out).Write(arguments.project);
 }
 
 }  // namespace velmora::program

@@ -1,93 +1,129 @@
 #include "Program/JsonStream.h"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
+#include <string>
 
+#include "ADL/ShiftJis.h"
 #include "Session/JsonText.h"
+#include "Session/PrintableAscii.h"
 
 namespace velmora::program {
 namespace {
 
-constexpr std::size_t kFlushAt = std::size_t{1} << 16;
+/// Room for a double in any form.
+constexpr std::size_t kMostDigits = 32;
+/// "\u001f", the longest form of one byte.
+constexpr std::size_t kMostEscaped = 6;
+/// Longer texts, of which there are few, do not get room for the worst case.
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 16;
 
-/// Printable ASCII without the two characters that JSON escapes.
-bool IsPlain(std::string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; });
+bool IsPlain(char c) {
+  return host::IsPrintableAscii(c) && c != '"' && c != '\\';
+}
+
+/// True if the eight bytes stand in JSON as they are.
+bool ArePlain(std::uint64_t bytes) {
+  return (host::MarkUnprintable(bytes) | host::MarkEqual(bytes, '"') |
+          host::MarkEqual(bytes, '\\')) == 0;
+}
+
+/// Writes an ASCII character that JSON escapes, or 0x7F, which it does not; returns where it ends.
+char* WriteEscaped(char* out, char c) {
+  constexpr std::string_view kShort = "\"\"\\\\\bb\tt\nn\ff\rr";  // each with its letter
+  constexpr const char* kHex = "0123456789abcdef";
+  for (std::size_t i = 0; i < kShort.size(); i += 2) {
+    if (kShort[i] != c) continue;
+    *out++ = '\\';
+    *out++ = kShort[i + 1];
+    return out;
+  }
+  if (c == 0x7F) {
+    *out++ = c;
+    return out;
+  }
+  std::memcpy(out, "\\u00", 4);
+  out[4] = kHex[c >> 4];
+  out[5] = kHex[c & 0xF];
+  return out + kMostEscaped;
 }
 
 }  // namespace
 
-void JsonStream::Separate() {
-  if (needsComma_) buffer_ += ',';
-  needsComma_ = true;
-  if (buffer_.size() > kFlushAt) Flush();
-}
-
-JsonStream& JsonStream::Open(char bracket) {
-  Separate();
-  buffer_ += bracket;
-  needsComma_ = false;
-  return *this;
-}
-
-JsonStream& JsonStream::Close(char bracket) {
-  buffer_ += bracket;
-  needsComma_ = true;
-  return *this;
-}
-
-JsonStream& JsonStream::Key(std::string_view key) {
-  Separate();
-  buffer_ += '"';
-  buffer_ += key;
-  buffer_ += "\":";
-  needsComma_ = false;
-  return *this;
-}
-
-JsonStream& JsonStream::Word(std::string_view word) {
-  Separate();
-  buffer_ += word;
-  return *this;
+bool JsonStream::AsciiText(std::string_view text) {
+  if (text.size() > kMostAtOnce) return false;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  const bool hadComma = needsComma_;
+  char* out = Separated(kMostEscaped * text.size() + 2);
+  *out++ = '"';
+  while (at < end) {
+    if (static_cast<std::size_t>(end - at) >= host::kWordBytes) {
+      std::uint64_t bytes = 0;
+      std::memcpy(&bytes, at, host::kWordBytes);
+      if (ArePlain(bytes)) {
+        std::memcpy(out, &bytes, host::kWordBytes);
+        at += host::kWordBytes;
+        out += host::kWordBytes;
+        continue;
+      }
+    }
+    if (static_cast<unsigned char>(*at) >= 0x80) {
+      needsComma_ = hadComma;
+      return false;
+    }
+    if (IsPlain(*at)) {
+      *out++ = *at;
+    } else {
+      out = WriteEscaped(out, *at);
+    }
+    ++at;
+  }
+  *out++ = '"';
+  text_.Take(out);
+  return true;
 }
 
 JsonStream& JsonStream::Text(std::string_view text) {
-  Separate();
-  if (IsPlain(text)) {
-    buffer_ += '"';
-    buffer_ += text;
-    buffer_ += '"';
-  } else {
-    buffer_ += host::JsonText(std::string(text));
-  }
+  if (AsciiText(text)) return *this;
+  const std::string mended = host::JsonText(std::string(text));
+  char* const room = Separated(mended.size());
+  std::memcpy(room, mended.data(), mended.size());
+  text_.Take(room + mended.size());
   return *this;
 }
 
-JsonStream& JsonStream::Integer(std::int64_t number) {
-  std::array<char, 24> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return Word({digits.data(), end});
+JsonStream& JsonStream::ProjectText(const char* text) {
+  if (text == nullptr) return Null();
+  if (AsciiText(text)) return *this;
+  return Text(ShiftJisToUtf8(text));
 }
 
 JsonStream& JsonStream::Real(double number) {
   if (!std::isfinite(number)) return Null();
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return Word({digits.data(), end});
+  char* const room = Separated(kMostDigits);
+  text_.Take(std::to_chars(room, room + kMostDigits, number).ptr);
+  return *this;
+}
+
+JsonStream& JsonStream::Decimal(double number) {
+  if (!std::isfinite(number)) return Null();
+  char* const room = Separated(kMostDigits);
+  // The library's own writing of numbers, which now and then takes a digit more than is needed.
+  text_.Take(nlohmann::detail::to_chars(room, room + kMostDigits, number));
+  return *this;
 }
 
 void JsonStream::EndLine() {
-  buffer_ += '\n';
+  text_.Append('\n');
   needsComma_ = false;
   Flush();
 }
 
 void JsonStream::Flush() {
-  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
-  buffer_.clear();
+  if (out_ == nullptr) return;
+  const std::string_view text = text_.Text();
+  out_->write(text.data(), static_cast<std::streamsize>(text.size()));
+  text_.Clear();
 }
 
 }  // namespace velmora::program

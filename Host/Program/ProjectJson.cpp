@@ -1,131 +1,184 @@
 #include "Program/ProjectJson.h"
 
-#include <cmath>
-#include <utility>
-
-#include "ADL/ShiftJis.h"
+#include "BWF/AES31BWF.h"
 
 namespace velmora::program {
 namespace {
 
-Json EditJson(const AES31Event& event) {
+void WriteEdit(JsonStream& json, const AES31Cut& cut) {
+  json.BeginObject();
+  json.Key("kind").Text("cut");
+  json.Key("sourceType").ProjectText(cut.sourceType);
+  json.Key("sourceIn").ProjectText(cut.sourceIn);
+  json.Key("destIn").ProjectText(cut.destIn);
+  json.Key("destOut").ProjectText(cut.destOut);
+  json.Key("cutTail").ProjectText(cut.cutTail);
+  json.Key("sourceIndex").Integer(cut.sourceIndex);
+  json.Key("sourceChannel").Integer(cut.sourceChannel);
+  json.Key("destChannel").Integer(cut.destChannel);
+  json.Key("cutMark1").Integer(cut.cutMark1);
+  json.Key("cutMark2").Integer(cut.cutMark2);
+  json.EndObject();
+}
+
+void WriteEdit(JsonStream& json, const AES31Silence& silence) {
+  json.BeginObject();
+  json.Key("kind").Text("silence");
+  json.Key("silenceText1").ProjectText(silence.silenceText1);
+  json.Key("silenceText2").ProjectText(silence.silenceText2);
+  json.Key("silenceText3").ProjectText(silence.silenceText3);
+  json.Key("silenceNumber").Integer(silence.silenceNumber);
+  json.Key("silenceMark").Integer(silence.silenceMark);
+  json.EndObject();
+}
+
+void WriteEdit(JsonStream& json, const AES31Vid& vid) {
+  json.BeginObject();
+  json.Key("kind").Text("vid");
+  json.Key("vidText0").ProjectText(vid.vidText0);
+  json.Key("vidText1").ProjectText(vid.vidText1);
+  json.Key("vidText2").ProjectText(vid.vidText2);
+  json.Key("vidText3").ProjectText(vid.vidText3);
+  json.EndObject();
+}
+
+void WriteEdit(JsonStream& json, const AES31Alt& alt) {
+  json.BeginObject();
+  json.Key("kind").Text("alt");
+  json.Key("altType").ProjectText(alt.altType);
+  json.Key("altTime").ProjectText(alt.altTime);
+  json.Key("altIndex").Integer(alt.altIndex);
+  json.Key("altChannel").Integer(alt.altChannel);
+  json.Key("altMark").Integer(alt.altMark);
+  json.EndObject();
+}
+
+void WriteEdit(JsonStream& json, const AES31Event& event) {
   switch (KindOf(event)) {
     case EditKind::Cut:
-      return {{"kind", "cut"},
-              {"sourceType", ProjectText(event.cut.sourceType)},
-              {"sourceIn", ProjectText(event.cut.sourceIn)},
-              {"destIn", ProjectText(event.cut.destIn)},
-              {"destOut", ProjectText(event.cut.destOut)},
-              {"cutTail", ProjectText(event.cut.cutTail)},
-              {"sourceIndex", event.cut.sourceIndex},
-              {"sourceChannel", event.cut.sourceChannel},
-              {"destChannel", event.cut.destChannel},
-              {"cutMark1", event.cut.cutMark1},
-              {"cutMark2", event.cut.cutMark2}};
+      return WriteEdit(json, event.cut);
     case EditKind::Silence:
-      return {{"kind", "silence"},
-              {"silenceText1", ProjectText(event.silence.silenceText1)},
-              {"silenceText2", ProjectText(event.silence.silenceText2)},
-              {"silenceText3", ProjectText(event.silence.silenceText3)},
-              {"silenceNumber", event.silence.silenceNumber},
-              {"silenceMark", event.silence.silenceMark}};
+      return WriteEdit(json, event.silence);
     case EditKind::Vid:
-      return {{"kind", "vid"},
-              {"vidText0", ProjectText(event.vid.vidText0)},
-              {"vidText1", ProjectText(event.vid.vidText1)},
-              {"vidText2", ProjectText(event.vid.vidText2)},
-              {"vidText3", ProjectText(event.vid.vidText3)}};
+      return WriteEdit(json, event.vid);
     case EditKind::Alt:
-      return {{"kind", "alt"},
-              {"altType", ProjectText(event.alt.altType)},
-              {"altTime", ProjectText(event.alt.altTime)},
-              {"altIndex", event.alt.altIndex},
-              {"altChannel", event.alt.altChannel},
-              {"altMark", event.alt.altMark}};
+      return WriteEdit(json, event.alt);
     case EditKind::None:
       break;
   }
-  return nullptr;
+  json.Null();
 }
 
-Json FadeJson(const AES31Fade& fade) {
-  if (!fade.present) return nullptr;
-  return {{"present", true},
-          {"length", ProjectText(fade.length)},
-          {"fadeText1", ProjectText(fade.fadeText1)},
-          {"fadeText5", ProjectText(fade.fadeText5)},
-          {"fadeText7", ProjectText(fade.fadeText7)},
-          {"fadeNumber6", fade.fadeNumber6},
-          {"fadeParam2", Number(fade.fadeParam2)},
-          {"fadeParam3", Number(fade.fadeParam3)},
-          {"fadeParam4", Number(fade.fadeParam4)}};
+void WriteFade(JsonStream& json, const AES31Fade& fade) {
+  if (!fade.present) {
+    json.Null();
+    return;
+  }
+  json.BeginObject();
+  json.Key("present").Boolean(true);
+  json.Key("length").ProjectText(fade.length);
+  json.Key("fadeText1").ProjectText(fade.fadeText1);
+  json.Key("fadeText5").ProjectText(fade.fadeText5);
+  json.Key("fadeText7").ProjectText(fade.fadeText7);
+  json.Key("fadeNumber6").Integer(fade.fadeNumber6);
+  json.Key("fadeParam2").Decimal(fade.fadeParam2);
+  json.Key("fadeParam3").Decimal(fade.fadeParam3);
+  json.Key("fadeParam4").Decimal(fade.fadeParam4);
+  json.EndObject();
 }
 
-Json CrossfadeJson(const AES31Crossfade& xfade) {
-  if (!xfade.present) return nullptr;
-  return {{"present", true},
-          {"xfadeText1", ProjectText(xfade.xfadeText1)},
-          {"xfadeText2", ProjectText(xfade.xfadeText2)},
-          {"xfadeText3", ProjectText(xfade.xfadeText3)},
-          {"xfadeText5", ProjectText(xfade.xfadeText5)},
-          {"xfadeNumber0", xfade.xfadeNumber0},
-          {"xfadeNumber4", xfade.xfadeNumber4}};
+void WriteCrossfade(JsonStream& json, const AES31Crossfade& xfade) {
+  if (!xfade.present) {
+    json.Null();
+    return;
+  }
+  json.BeginObject();
+  json.Key("present").Boolean(true);
+  json.Key("xfadeText1").ProjectText(xfade.xfadeText1);
+  json.Key("xfadeText2").ProjectText(xfade.xfadeText2);
+  json.Key("xfadeText3").ProjectText(xfade.xfadeText3);
+  json.Key("xfadeText5").ProjectText(xfade.xfadeText5);
+  json.Key("xfadeNumber0").Integer(xfade.xfadeNumber0);
+  json.Key("xfadeNumber4").Integer(xfade.xfadeNumber4);
+  json.EndObject();
 }
 
-Json GainJson(const AES31Gain& gain) {
-  if (!gain.present) return nullptr;
-  return {{"present", true}, {"gainNumber", gain.gainNumber}, {"gainDb", Number(gain.gainDb)}};
+void WriteGain(JsonStream& json, const AES31Gain& gain) {
+  if (!gain.present) {
+    json.Null();
+    return;
+  }
+  json.BeginObject();
+  json.Key("present").Boolean(true);
+  json.Key("gainNumber").Integer(gain.gainNumber);
+  json.Key("gainDb").Decimal(gain.gainDb);
+  json.EndObject();
+}
+
+void WriteWaveFile(JsonStream& json, AES31BWF& file) {
+  json.BeginObject();
+  json.Key("path").Text(file.GetPath());
+  json.Key("valid").Boolean(file.IsValid());
+  json.Key("sampleRate").Integer(file.GetSampleRate());
+  json.Key("channels").Integer(file.GetChannels());
+  json.Key("bitsPerSample").Integer(file.GetBitsPerSample());
+  json.Key("formatTag").Integer(file.GetFormat()->formatTag);
+  json.Key("frames").Integer(static_cast<std::int64_t>(file.frames));
+  json.EndObject();
+}
+
+template <class Texts>
+void WriteTexts(JsonStream& json, const Texts& texts) {
+  json.BeginArray();
+  for (const char* const text : texts) json.ProjectText(text);
+  json.EndArray();
 }
 
 }  // namespace
 
-Json ProjectText(const char* text) {
-  if (text == nullptr) return nullptr;
-  return ShiftJisToUtf8(text);
-}
-
-Json PathText(const std::string& path) {
-  if (path.empty()) return nullptr;
-  return path;
-}
-
-Json Number(double number) {
-  if (!std::isfinite(number)) return nullptr;
-  return number;
-}
-
-Json SectionJson(const AES31Section& section) {
-  Json entries = Json::array();
-  for (const AES31Entry& entry : section.entries) {
-    Json values = Json::array();
-    for (const char* const value : entry.values) values.push_back(ProjectText(value));
-    entries.push_back({{"label", ProjectText(entry.label)}, {"values", std::move(values)}});
+void WriteSourceJson(JsonStream& json, std::int32_t index, const AES31SourceFile& source) {
+  json.BeginObject();
+  json.Key("index").Integer(index);
+  json.Key("f");
+  WriteTexts(json, source.fValues);
+  json.Key("t");
+  WriteTexts(json, source.tValues);
+  json.Key("file");
+  if (source.file != nullptr) {
+    WriteWaveFile(json, *source.file);
+  } else {
+    json.Null();
   }
-  return {{"name", ProjectText(section.name)}, {"entries", std::move(entries)}};
+  json.EndObject();
 }
 
-Json WaveFileJson(AES31BWF& file) {
-  return {{"path", file.GetPath()},
-          {"valid", file.IsValid()},
-          {"sampleRate", file.GetSampleRate()},
-          {"channels", file.GetChannels()},
-          {"bitsPerSample", file.GetBitsPerSample()},
-          {"formatTag", file.GetFormat()->formatTag},
-          {"frames", file.frames}};
+void WriteEventJson(JsonStream& json, const AES31Event& event, std::size_t index) {
+  json.BeginObject();
+  json.Key("index").Integer(static_cast<std::int64_t>(index));
+  json.Key("entryNumber").Integer(event.entryNumber);
+  json.Key("label").ProjectText(event.label);
+  json.Key("edit");
+  WriteEdit(json, event);
+  json.Key("infade");
+  WriteFade(json, event.infade);
+  json.Key("outfade");
+  WriteFade(json, event.outfade);
+  json.Key("xfade");
+  WriteCrossfade(json, event.xfade);
+  json.Key("gain");
+  WriteGain(json, event.gain);
+  json.Key("sourceFile").TextOrNull(event.sourceFile != nullptr ? event.sourceFile->GetPath() : "");
+  json.Key("sourceStart").ProjectText(event.sourceStart);
+  json.Key("sourceLength").ProjectText(event.sourceLength);
+  json.EndObject();
 }
 
-Json EventJson(const AES31Event& event, std::size_t index) {
-  return {{"index", index},
-          {"entryNumber", event.entryNumber},
-          {"label", ProjectText(event.label)},
-          {"edit", EditJson(event)},
-          {"infade", FadeJson(event.infade)},
-          {"outfade", FadeJson(event.outfade)},
-          {"xfade", CrossfadeJson(event.xfade)},
-          {"gain", GainJson(event.gain)},
-          {"sourceFile", PathText(event.sourceFile != nullptr ? event.sourceFile->GetPath() : "")},
-          {"sourceStart", ProjectText(event.sourceStart)},
-          {"sourceLength", ProjectText(event.sourceLength)}};
+void WriteEntryJson(JsonStream& json, const AES31Entry& entry) {
+  json.BeginObject();
+  json.Key("label").ProjectText(entry.label);
+  json.Key("values");
+  WriteTexts(json, entry.values);
+  json.EndObject();
 }
 
 }  // namespace velmora::program

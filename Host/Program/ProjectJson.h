@@ -1,28 +1,20 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <cstdint>
 
 #include "ADL/AES31Event.h"
 #include "ADL/AES31Section.h"
-#include "BWF/AES31BWF.h"
-#include "Session/JsonText.h"
+#include "ADL/AES31SourceFile.h"
+#include "Program/JsonStream.h"
 
 namespace velmora::program {
 
-using host::Json;
-
 // The parts of a project as JSON.
 
-/// A text of the project, read as Shift-JIS; null for none.
-[[nodiscard]] Json ProjectText(const char* text);
-/// A path of the file system, or null for the empty one.
-[[nodiscard]] Json PathText(const std::string& path);
-/// Null for what is not finite.
-[[nodiscard]] Json Number(double number);
-
-[[nodiscard]] Json SectionJson(const AES31Section& section);
-[[nodiscard]] Json WaveFileJson(AES31BWF& file);
-[[nodiscard]] Json EventJson(const AES31Event& event, std::size_t index);
+void WriteSourceJson(JsonStream& json, std::int32_t index, const AES31SourceFile& source);
+/// @param index the event's place in the project's list
+void WriteEventJson(JsonStream& json, const AES31Event& event, std::size_t index);
+void WriteEntryJson(JsonStream& json, const AES31Entry& entry);
 
 }  // namespace velmora::program

@@ -8,13 +8,11 @@
 #include <utility>
 
 #include "Base/Utf8.h"
+#include "Program/RowPrinter.h"
+#include "Session/PrintableAscii.h"
 
 namespace velmora::program {
 namespace {
-
-constexpr const char* kBold = "\x1b[1m";
-constexpr const char* kRed = "\x1b[31m";
-constexpr const char* kPlain = "\x1b[0m";
 
 /// East Asian wide and full-width characters (Unicode Standard Annex 11), by their large blocks.
 bool IsWide(char32_t character) {
@@ -41,47 +39,24 @@ bool ShowsColours(int descriptor) {
 }
 
 std::size_t DisplayWidth(std::string_view utf8) {
+  if (host::IsPrintableAscii(utf8)) return utf8.size();
   std::size_t width = 0;
   for (std::size_t at = 0; at < utf8.size();) width += IsWide(NextCharacter(utf8, at)) ? 2 : 1;
   return width;
 }
 
 void TextTable::Add(std::vector<std::string> cells, bool alarming) {
-  for (std::string& cell : cells) cell = Printable(cell);
   rows_.push_back({std::move(cells), alarming});
 }
 
-std::vector<std::size_t> TextTable::Widths() const {
-  std::vector<std::size_t> widths;
-  for (std::size_t i = 0; i < columns_.size(); ++i) {
-    std::size_t width = DisplayWidth(columns_[i].heading);
-    for (const Row& row : rows_) width = std::max(width, DisplayWidth(row.cells[i]));
-    widths.push_back(width);
-  }
-  return widths;
-}
-
-std::string TextTable::Line(const std::vector<std::string>& cells,
-                            const std::vector<std::size_t>& widths) const {
-  std::string line;
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    const std::string padding(widths[i] - DisplayWidth(cells[i]), ' ');
-    line += "  ";
-    line += columns_[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
-  }
-  line.erase(line.find_last_not_of(' ') + 1);
-  return line;
+void TextTable::Append(CharBuffer& out, bool colours) const {
+  RowPrinter(columns_, *this, colours).Append(out);
 }
 
 void TextTable::Print(std::ostream& out, bool colours) const {
-  const std::vector<std::size_t> widths = Widths();
-  std::vector<std::string> headings;
-  for (const Column& column : columns_) headings.push_back(column.heading);
-  out << (colours ? kBold : "") << Line(headings, widths) << (colours ? kPlain : "") << '\n';
-  for (const Row& row : rows_) {
-    const bool red = colours && row.alarming;
-    out << (red ? kRed : "") << Line(row.cells, widths) << (red ? kPlain : "") << '\n';
-  }
+  CharBuffer text;
+  Append(text, colours);
+  out << text.Text();
 }
 
 }  // namespace velmora::program

@@ -4,8 +4,11 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "Program/CharBuffer.h"
+#include "Program/TableRows.h"
 #include "Session/Printable.h"
 
 namespace velmora::program {
@@ -21,19 +24,15 @@ namespace velmora::program {
 
 using host::Printable;
 
-enum class Align { Left, Right };
-
 /// Rows of texts with a heading, in aligned columns.
-class TextTable {
+class TextTable : private TableRows {
  public:
-  struct Column {
-    std::string heading;
-    Align align = Align::Left;
-  };
+  using Column = PrintedColumn;
   explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
   /// Adds a row of as many cells as there are columns; `alarming` ones are red on a terminal.
   void Add(std::vector<std::string> cells, bool alarming = false);
+  void Append(CharBuffer& out, bool colours) const;
   void Print(std::ostream& out, bool colours) const;
 
  private:
@@ -41,9 +40,11 @@ class TextTable {
     std::vector<std::string> cells;
     bool alarming;
   };
-  [[nodiscard]] std::vector<std::size_t> Widths() const;
-  [[nodiscard]] std::string Line(const std::vector<std::string>& cells,
-                                 const std::vector<std::size_t>& widths) const;
+  [[nodiscard]] std::size_t Count() const override { return rows_.size(); }
+  void AppendCell(std::size_t row, std::size_t column, std::string& text) const override {
+    text += rows_[row].cells[column];
+  }
+  [[nodiscard]] bool IsAlarming(std::size_t row) const override { return rows_[row].alarming; }
 
   std::vector<Column> columns_;
   std::vector<Row> rows_;

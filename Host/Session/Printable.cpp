@@ -1,6 +1,7 @@
 #include "Session/Printable.h"
 
 #include "Base/Utf8.h"
+#include "Session/PrintableAscii.h"
 
 namespace velmora::host {
 namespace {
@@ -16,8 +17,9 @@ bool IsHarmful(char32_t character) {
 }  // namespace
 
 std::string Printable(std::string_view text) {
-  std::string line;
-  line.reserve(text.size());
+  std::string line(WithoutBlankEnd(text));
+  if (CopyPrintableAscii(line, line.data())) return line;
+  line.clear();
   for (std::size_t at = 0; at < text.size();) {
     const char32_t character = NextCharacter(text, at);
     AppendUtf8(line, IsHarmful(character) ? U' ' : character);

@@ -38,7 +38,7 @@ _velmora() {
 
   local options='-h --help'
   case $command in
-    info) options+=' --json' ;;
+    info) options+=' --json --summary' ;;
     spot | report)
       options+=' --position --offset --start --skip-tracks --only-tracks --skip-events --only-events
         --depth --fades --gain --copy-to --session-rate --session-frame-rate --prepare

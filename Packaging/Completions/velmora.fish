@@ -23,6 +23,7 @@ complete -c velmora -n $alone -a prepare -d "Make a clean project out of one tha
 complete -c velmora -n "not $alone" -k -a "(__velmora_project)"
 
 complete -c velmora -n $info -l json -d "As one JSON object"
+complete -c velmora -n $info -l summary -d "Counts in place of the rows"
 
 complete -c velmora -n $spot -l position -x -a "project offset start first" -d "Where the project lands"
 complete -c velmora -n $spot -l offset -x -d "How far --position offset moves it"

@@ -3,7 +3,8 @@
 _velmora_info() {
   _arguments -s \
     '(- *)'{-h,--help}'[print what the command takes]' \
-    '--json[as one JSON object]' \
+    '(--summary)--json[as one JSON object]' \
+    '(--json)--summary[counts in place of the rows]' \
     '*:project:_files -g "*.(#i)adl"'
 }
 

@@ -169,7 +169,8 @@ class LeftOutCuts(ProgramTest):
 
     def test_standardOutputThatTakesNoMore(self):
         project = self.project({})
-        for command in (["info", project], ["info", project, "--json"], ["spot", project], ["spot", project, "--json"]):
+        for command in (["info", project], ["info", project, "--json"], ["info", project, "--summary"],
+                        ["spot", project], ["spot", project, "--json"]):
             with self.subTest(command[0]), open("/dev/full", "wb") as full:
                 result = run(*command, stdout=full)
                 self.assertNotIn(result.status, (ALL_DONE, BAD_USAGE))

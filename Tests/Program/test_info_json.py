@@ -440,6 +440,83 @@ class Text(InfoTest):
         out = run("info", project).out
         self.assertNotRegex(out, r"[\x00-\x09\x0b-\x1f\x7f\x80-\x9f]")
 
+    def test_everyEventHasItsRow(self):
+        """However many there are: the limit is that of JSON alone."""
+        count = 100003
+        project = self.folder / "p.adl"
+        project.write_bytes(b"<ADL>\n<EVENT_LIST>\n" + b"".join(b"(Entry) %d (Aux) 1 a b c\n" % n for n in range(count - 1))
+                            + b"(Entry) 200000 (Cut) I 1 1 7 a b c d\n</EVENT_LIST>\n</ADL>\n")
+        out = run("info", project).out
+        self.assertNotIn("more rows", out)
+        numbers = [line.split()[1] for line in out.split("\nEvents\n")[1].split("\n")[1:] if line.startswith("  x")]
+        self.assertEqual(numbers, [f"{number:04}" for number in range(count)])
+
+
+class Summary(InfoTest):
+    """`info --summary`: the same page with counts in place of the rows of sources, tracks and events."""
+
+    def summary(self, project):
+        result = run("info", project, "--summary")
+        self.assert_status(result, ALL_DONE)
+        return result
+
+    def counts(self, project):
+        """What follows each of the three words."""
+        lines = self.summary(project).out.split("\n")
+        return [line.split(None, 1)[1] for word in ("Sources", "Tracks", "Events") for line in lines
+                if line.startswith(word + " ")]
+
+    def test_saysEverythingButTheRows(self):
+        project = Adl("<PROJECT>\n(PROJ_TITLE) \"Storm\"\n</PROJECT>\n").source(1, "a/gone.wav").cut(1, track=3).write(
+            self.folder / "p.adl")
+        result, whole = self.summary(project), run("info", project)
+        self.assertEqual(result.err, whole.err)
+        head, rest = whole.out.split("\nSources\n")
+        self.assertTrue(result.out.startswith(head + "\nSources  1 (1 missing)\n"), result.out)
+        widths = rest[rest.index("\nWidths\n"):rest.index("\nEvents\n")]
+        self.assertIn(widths, result.out)
+        self.assertTrue(result.out.endswith("\n\nSome files not found. Check event list.\n"))
+        self.assertNotIn("gone.wav", result.out)
+        self.assertNotIn("0000", result.out.split("\nSources")[1].split("\nEvents")[1])
+
+    def test_countsEachKind(self):
+        for name, content in (("pcm.wav", wave(16)), ("float.wav", wave(16, format_tag=3, bits=32)), ("junk.wav", b"junk")):
+            (self.folder / name).write_bytes(content)
+        adl = Adl()
+        for index, name in enumerate(("pcm.wav", "float.wav", "junk.wav", "gone.wav", "away.wav")):
+            adl.source(index, f"a/{name}")
+        adl.cut(1, track=2).cut(2, track=4).entry(3, "(Silence) 1 a b c")
+        sources, tracks, events = self.counts(adl.write(self.folder / "p.adl"))
+        self.assertEqual(sources, "5 (1 found, 1 not PCM, 1 no wave file, 2 missing)")
+        self.assertRegex(tracks, r"\A3 \(\S+ to \S+\)\Z")
+        self.assertEqual(events, "3 (2 cuts, 1 other)")
+
+    def test_countsAreThoseOfTheRows(self):
+        project = one_cut(self.folder)
+        tables = self.info(project)["tables"]
+        _, tracks, events = self.counts(project)
+        self.assertEqual((tracks.split()[0], events), (str(len(tables["TrackTable"])), "1 (1 cut)"))
+
+    def test_projectWithoutACut(self):
+        project = Adl().entry(1, "(Silence) 1 a b c").write(self.folder / "p.adl")
+        self.assertEqual(self.counts(project), ["0", "0", "1 (1 other)"])
+        self.assertIn("There is no cut in this project", self.summary(project).out)
+
+    def test_fileThatIsNoAdl(self):
+        (self.folder / "p.adl").write_bytes(b"hello")
+        self.assertIn("There is no ADL in this file", self.summary(self.folder / "p.adl").out)
+
+    def test_loadThatFailsIsToldAsWithoutIt(self):
+        project = self.folder / "p.adl"
+        project.write_bytes(b"<ADL>\n<EVENT_LIST>\n(Entry)\n</EVENT_LIST>\n</ADL>")
+        for path in (project, self.folder / "gone.adl"):
+            result, plain = run("info", path, "--summary"), run("info", path)
+            self.assertEqual((result.status, result.out, result.err), (DOES_NOT_LOAD, "", plain.err))
+            self.assertEqual(plain.status, DOES_NOT_LOAD)
+
+    def test_doesNotGoWithJson(self):
+        self.assert_bad_usage(run("info", "p.adl", "--json", "--summary"), "--json and --summary exclude each other")
+
 
 if __name__ == "__main__":
     unittest.main()

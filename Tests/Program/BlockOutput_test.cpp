@@ -1,0 +1,121 @@
+#include "Program/BlockOutput.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <new>
+#include <set>
+#include <string>
+
+#include "Program/WorkBlocks.h"
+#include "Support/TemporaryFolder.h"
+
+namespace velmora::program {
+namespace {
+
+constexpr std::size_t kMany = 10007;
+constexpr std::size_t kPerBlock = 64;
+
+void AppendNumbers(CharBuffer& text, std::size_t begin, std::size_t end) {
+  for (std::size_t i = begin; i < end; ++i) text.Append(std::to_string(i) + ' ');
+}
+
+std::string Numbers(std::size_t count) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += std::to_string(i) + ' ';
+  return text;
+}
+
+/// What a descriptor was given.
+class BlockOutputTest : public ::testing::Test {
+ protected:
+  BlockOutputTest()
+      : path_(folder_.Write("out", "")), descriptor_(::open(path_.c_str(), O_WRONLY)) {}
+  ~BlockOutputTest() override { ::close(descriptor_); }
+  std::string Written() const { return test::TemporaryFolder::Read(path_); }
+
+  test::TemporaryFolder folder_;
+  std::string path_;
+  int descriptor_;
+};
+
+TEST_F(BlockOutputTest, writesInTheOrderToldWhateverIsFormattedFirst) {
+  BlockOutput out(descriptor_);
+  out << "before " << '\n';
+  out.InBlocks(kMany, kPerBlock, [](CharBuffer& text, std::size_t begin, std::size_t end) {
+    if (begin % (3 * kPerBlock) == 0) ::usleep(200);  // others overtake this one
+    AppendNumbers(text, begin, end);
+  });
+  out << "between ";
+  out.InBlocks(3, kPerBlock, AppendNumbers);
+  out.InBlocks(0, kPerBlock, AppendNumbers);
+  out << "after";
+  EXPECT_TRUE(out.Finish());
+  EXPECT_EQ(Written(), "before \n" + Numbers(kMany) + "between " + Numbers(3) + "after");
+}
+
+TEST_F(BlockOutputTest, countsAroundTheEndOfABlock) {
+  std::string expected;
+  BlockOutput out(descriptor_);
+  for (const std::size_t count : {kPerBlock - 1, kPerBlock, kPerBlock + 1, 2 * kPerBlock}) {
+    out.InBlocks(count, kPerBlock, AppendNumbers);
+    expected += Numbers(count);
+  }
+  EXPECT_TRUE(out.Finish());
+  EXPECT_EQ(Written(), expected);
+}
+
+TEST_F(BlockOutputTest, whatIsThrownReachesTheCaller) {
+  BlockOutput out(descriptor_);
+  for (const std::size_t failing : {std::size_t{0}, 5 * kPerBlock, kMany - kMany % kPerBlock}) {
+    EXPECT_THROW(out.InBlocks(kMany, kPerBlock,
+                              [failing](CharBuffer& text, std::size_t begin, std::size_t end) {
+                                if (begin == failing) throw std::bad_alloc();
+                                AppendNumbers(text, begin, end);
+                              }),
+                 std::bad_alloc)
+        << failing;
+  }
+}
+
+TEST(BlockOutputErrors, fullDiskIsToldAndEndsTheWork) {
+  const int full = ::open("/dev/full", O_WRONLY);
+  ASSERT_GE(full, 0);
+  std::atomic<std::size_t> formatted = 0;
+  BlockOutput out(full);
+  out.InBlocks(kMany, 1, [&](CharBuffer& text, std::size_t begin, std::size_t end) {
+    formatted += end - begin;
+    AppendNumbers(text, begin, end);
+  });
+  EXPECT_FALSE(out.Finish());
+  EXPECT_LT(formatted, kMany);
+  ::close(full);
+}
+
+TEST(BlockOutputErrors, descriptorThatTakesNoWritingIsTold) {
+  const int readable = ::open("/dev/null", O_RDONLY);
+  BlockOutput out(readable);
+  out << "x";
+  EXPECT_FALSE(out.Finish());
+  ::close(readable);
+}
+
+TEST(WorkInBlocks, doesEachThingOnce) {
+  std::vector<std::atomic<int>> done(kMany);
+  WorkInBlocks(kMany, kPerBlock, [&done](std::size_t begin, std::size_t end) {
+    EXPECT_LE(end - begin, kPerBlock);
+    for (std::size_t i = begin; i < end; ++i) ++done[i];
+  });
+  EXPECT_TRUE(std::all_of(done.begin(), done.end(), [](const auto& count) { return count == 1; }));
+}
+
+TEST(WorkInBlocks, oneBlockNeedsNoThread) {
+  EXPECT_EQ(WorkersFor(1), 1u);
+  EXPECT_EQ(WorkersFor(0), 1u);
+  EXPECT_GE(WorkersFor(100), 1u);
+}
+
+}  // namespace
+}  // namespace velmora::program
