@@ -3,6 +3,9 @@
 #include <iconv.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace velmora {
 namespace {
@@ -45,29 +48,50 @@ bool IsAscii(char c) {
   return static_cast<unsigned char>(c) < 0x80;
 }
 
-}  // namespace
+/// How many bytes of the text stand before the first that is not ASCII.
+std::size_t AsciiLength(std::string_view text) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t length = 0;
+  for (std::uint64_t word = 0; length + sizeof word <= text.size(); length += sizeof word) {
+    std::memcpy(&word, text.data() + length, sizeof word);
+    if ((word & kHighBits) != 0) break;
+  }
+  while (length < text.size() && IsAscii(text[length])) ++length;
+  return length;
+}
 
-std::string ShiftJisToUtf8(const char* text) {
-  if (text == nullptr) return {};
-  const char* at = text;
-  while (*at != '\0' && IsAscii(*at)) ++at;
-  std::string utf8(text, at);
-  if (*at == '\0') return utf8;
-
+/// `text` begins with a byte that is not ASCII.
+void AppendConverted(std::string_view text, std::string& utf8) {
   Converter converter;
-  while (*at != '\0') {
-    if (IsAscii(*at)) {  // the converter would turn backslash and tilde into yen and overline
-      utf8 += *at++;
-    } else if (converter.Append(at, 1, utf8)) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const char* const bytes = text.data() + at;
+    if (IsAscii(*bytes)) {  // the converter would turn backslash and tilde into yen and overline
+      utf8 += *bytes;
       ++at;
-    } else if (at[1] != '\0' && converter.Append(at, 2, utf8)) {
+    } else if (converter.Append(bytes, 1, utf8)) {
+      ++at;
+    } else if (at + 1 < text.size() && converter.Append(bytes, 2, utf8)) {
       at += 2;
     } else {
       utf8 += kReplacement;
       ++at;
     }
   }
+}
+
+}  // namespace
+
+std::string ShiftJisToUtf8(const char* text) {
+  std::string utf8;
+  if (text != nullptr) AppendShiftJisAsUtf8(text, utf8);
   return utf8;
+}
+
+void AppendShiftJisAsUtf8(std::string_view text, std::string& utf8) {
+  const std::size_t ascii = AsciiLength(text);
+  utf8.append(text.data(), ascii);
+  if (ascii < text.size()) AppendConverted(text.substr(ascii), utf8);
 }
 
 }  // namespace velmora

@@ -1,11 +1,11 @@
 #include "Model/ProjectSummary.h"
 
 #include <algorithm>
-#include <set>
 
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
 #include "Base/Wrapping.h"
+#include "Model/NumberPlaces.h"
 #include "Spot/SpotOptions.h"
 #include "Timecode/AdlTime.h"
 
@@ -69,19 +69,22 @@ MissingSource MissingSourceAt(const AES31Project& project, std::int32_t index) {
 
 ProjectSummary Summarize(const AES31Project& project) {
   ProjectSummary summary;
-  std::set<std::int32_t> named;
+  CutSpan span;
+  NumberPlaces sources;
   for (const AES31Event& event : project.events) {
-    if (IsCut(event)) {
-      ++summary.cuts;
-      named.insert(event.cut.sourceIndex);
-    } else {
+    if (!IsCut(event)) {
       ++summary.otherEvents;
+      continue;
     }
+    ++summary.cuts;
+    sources.PlaceOf(event.cut.sourceIndex);
+    span.Include(event.cut);
   }
-  const CutSpan span = SpanOfCuts(project);
   if (span.earliest != nullptr && span.earliest->destIn != nullptr) {
     summary.earliest = span.earliest->destIn;
   }
+  std::vector<std::int32_t> named = sources.Numbers();
+  std::sort(named.begin(), named.end());
   summary.sources = named.size();
   for (const std::int32_t index : named) {
     const auto source = project.sourceFiles.find(index);

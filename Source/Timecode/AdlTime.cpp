@@ -1,7 +1,6 @@
 #include "Timecode/AdlTime.h"
 
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -43,13 +42,13 @@ struct Timestamp {
   char sampleRateMark;
 };
 
-std::int32_t TwoDigitsAt(const TimestampText& text, std::size_t position) {
-  const auto digit = [&text](std::size_t at) { return static_cast<signed char>(text[at]) - '0'; };
+std::int32_t TwoDigitsAt(const char* text, std::size_t position) {
+  const auto digit = [text](std::size_t at) { return static_cast<signed char>(text[at]) - '0'; };
   return 10 * digit(position) + digit(position + 1);
 }
 
-Timestamp Parse(const char* timestamp) {
-  const TimestampText text = TextOf(timestamp);
+/// Of a text of all sixteen characters.
+Timestamp ParseWhole(const char* text) {
   return {.hours = TwoDigitsAt(text, 0),
           .minutes = TwoDigitsAt(text, 3),
           .seconds = TwoDigitsAt(text, 6),
@@ -58,6 +57,12 @@ Timestamp Parse(const char* timestamp) {
           .frameRateMark = text[kFrameRateMarkAt],
           .frameSeparator = text[kFrameSeparatorAt],
           .sampleRateMark = text[kSampleRateMarkAt]};
+}
+
+Timestamp Parse(const char* timestamp) {
+  const bool isWhole =
+      timestamp != nullptr && strnlen(timestamp, kTimestampLength) == kTimestampLength;
+  return ParseWhole(isWhole ? timestamp : TextOf(timestamp).data());
 }
 
 /// Frames since zero. Drop-frame depends on the separator alone, whatever the frame rate.
@@ -73,6 +78,13 @@ std::int32_t FrameCount(const Timestamp& time, std::int32_t framesPerSecond) {
   return drop ? count - 2 * minutesInBlock : count;
 }
 
+/// The next whole number at or above one that 64 bits hold. std::ceil is a call where the processor
+/// may be one without an instruction for it.
+std::int64_t RoundUp(double number) {
+  const auto whole = static_cast<std::int64_t>(number);
+  return static_cast<double>(whole) < number ? whole + 1 : whole;
+}
+
 std::int64_t Samples(const Timestamp& time) {
   const FrameRateMark* const rate = FindFrameRateMark(time.frameRateMark);
   const std::int32_t nominal = rate != nullptr ? rate->framesPerSecond : 0;
@@ -82,9 +94,8 @@ std::int64_t Samples(const Timestamp& time) {
   // With no frame rate the numerator's sign does not matter: infinity and NaN both give the lowest
   // number.
   const double samples = SampleRateOfMark(time.sampleRateMark) * FrameCount(time, nominal);
-  const std::int64_t whole = nominal != 0
-                                 ? Truncate<std::int64_t>(std::ceil(samples / framesPerSecond))
-                                 : std::numeric_limits<std::int64_t>::min();
+  const std::int64_t whole =
+      nominal != 0 ? RoundUp(samples / framesPerSecond) : std::numeric_limits<std::int64_t>::min();
   return WrapAdd<std::int64_t>(whole, time.remainder);
 }
 

@@ -154,5 +154,37 @@ TEST(ShiftJisToUtf8, everyPairAsAnotherConverterHasIt) {
   }
 }
 
+TEST(AppendShiftJisAsUtf8, leavesWhatStoodThere) {
+  std::string text = "before ";
+  AppendShiftJisAsUtf8("\x82\xA0", text);
+  AppendShiftJisAsUtf8("", text);
+  AppendShiftJisAsUtf8(" after", text);
+  EXPECT_EQ(text, "before あ after");
+}
+
+TEST(AppendShiftJisAsUtf8, findsAByteThatIsNotAsciiWhereverItStands) {
+  for (std::size_t length = 0; length < 40; ++length) {
+    const std::string ascii(length, 'a');
+    std::string whole;
+    AppendShiftJisAsUtf8(ascii, whole);
+    EXPECT_EQ(whole, ascii);
+    for (std::size_t at = 0; at <= length; ++at) {
+      std::string converted;
+      AppendShiftJisAsUtf8(ascii.substr(0, at) + "\x82\xA0" + ascii.substr(at), converted);
+      EXPECT_EQ(converted, ascii.substr(0, at) + "あ" + ascii.substr(at)) << length << ' ' << at;
+    }
+  }
+}
+
+TEST(AppendShiftJisAsUtf8, textEndsWhereItsViewEnds) {
+  constexpr std::string_view kPair = "\x82\xA0";
+  std::string text;
+  AppendShiftJisAsUtf8(kPair.substr(0, 1), text);
+  EXPECT_EQ(text, kReplacement);
+  text.clear();
+  AppendShiftJisAsUtf8({"a\0b", 3}, text);
+  EXPECT_EQ(text, std::string("a\0b", 3));
+}
+
 }  // namespace
 }  // namespace velmora
