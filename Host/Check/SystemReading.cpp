@@ -57,7 +57,7 @@ void SystemReading::Read() {
   std::vector<const char*> comments;
   AdlScanner(block_.get(), blockEnd_, refLists, comments).Scan(sections_);
 
-  for (const AES31Section& section : sections_) {
+  for (AES31Section& section : sections_) {
     for (const AES31Entry& line : section.entries) lines_.push_back(&line);
     if (EqualsIgnoringCase(section.name, "SOURCE_INDEX")) TakeSources(section);
     if (EqualsIgnoringCase(section.name, "EVENT_LIST")) TakeEvents(section);
@@ -65,7 +65,7 @@ void SystemReading::Read() {
   byNumber_ = KeepLastOfEach(sources_, 0);
 }
 
-void SystemReading::TakeSources(const AES31Section& section) {
+void SystemReading::TakeSources(AES31Section& section) {
   SourceIndexRules rules;
   bool indexSeen = false;
   for (const AES31Entry& line : section.entries) {
@@ -80,7 +80,7 @@ void SystemReading::TakeSources(const AES31Section& section) {
   }
 }
 
-void SystemReading::TakeEvents(const AES31Section& section) {
+void SystemReading::TakeEvents(AES31Section& section) {
   const std::size_t first = events_.size();
   EventListRules rules;
   for (const AES31Entry& line : section.entries) {

@@ -66,8 +66,9 @@ class SystemReading {
   [[nodiscard]] const std::vector<SystemFault>& Faults() const { return faults_; }
 
  private:
-  void TakeSources(const AES31Section& section);
-  void TakeEvents(const AES31Section& section);
+  // Not const: the entries of a list that could be written to have places of their own.
+  void TakeSources(AES31Section& section);
+  void TakeEvents(AES31Section& section);
   void TakeLine(SystemEvent& event, const AES31Entry& line);
 
   std::unique_ptr<char[]> block_;

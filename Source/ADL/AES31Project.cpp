@@ -12,6 +12,7 @@
 #include "ADL/AdlScanner.h"
 #include "Base/FileAccess.h"
 #include "Base/FileNames.h"
+#include "Base/LargePages.h"
 #include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
@@ -69,6 +70,7 @@ bool AES31Project::LoadBlock(const char* path) {
   const auto size = static_cast<std::size_t>(fileSize);
   block_.reset(new (std::nothrow) char[size + 1]);
   if (block_ == nullptr) return FailWhole(LoadFailureCode::OutOfMemory, kNoMemory);
+  AdviseLargePages(block_.get(), size + 1);
   buffer = block_.get();
   bufferEnd = buffer + size;
   *bufferEnd = '\0';
@@ -78,10 +80,10 @@ bool AES31Project::LoadBlock(const char* path) {
   return true;
 }
 
-bool AES31Project::FailAt(LoadFailureCode code, const AES31Section& section,
-                          const AES31Entry& entry, std::string reason) {
-  failure = LoadFailure{code, LineOf(entry), section.name != nullptr ? section.name : "",
-                        entry.label != nullptr ? entry.label : "", std::move(reason)};
+bool AES31Project::FailAt(LoadFailureCode code, const AES31Section& section, const char* label,
+                          std::string reason) {
+  failure = LoadFailure{code, LineOf(label), section.name != nullptr ? section.name : "",
+                        label != nullptr ? label : "", std::move(reason)};
   return false;
 }
 
@@ -90,17 +92,17 @@ bool AES31Project::FailWhole(LoadFailureCode code, std::string reason) {
   return false;
 }
 
-void AES31Project::Tolerate(LoadDiagnosticCode code, const AES31Entry& entry, std::string text) {
+void AES31Project::Tolerate(LoadDiagnosticCode code, const char* label, std::string text) {
   std::fprintf(stderr, "%s\n", text.c_str());
-  diagnostics.push_back({code, LineOf(entry), std::move(text)});
+  diagnostics.push_back({code, LineOf(label), std::move(text)});
 }
 
-/// The line of the entry's label; 0 for one that is not of the file, since sections may come from a
-/// caller's own hands.
-std::int64_t AES31Project::LineOf(const AES31Entry& entry) const {
+/// The line of a label; 0 for one that is not of the file, since sections may come from a caller's
+/// own hands.
+std::int64_t AES31Project::LineOf(const char* label) const {
   const std::less_equal<const char*> notAfter;
-  const bool isOfFile = notAfter(buffer, entry.label) && notAfter(entry.label, bufferEnd);
-  return isOfFile ? lines_.LineAt(static_cast<std::size_t>(entry.label - buffer)) : 0;
+  const bool isOfFile = notAfter(buffer, label) && notAfter(label, bufferEnd);
+  return isOfFile ? lines_.LineAt(static_cast<std::size_t>(label - buffer)) : 0;
 }
 
 AES31BWF* AES31Project::GetEventFile(std::size_t position) {

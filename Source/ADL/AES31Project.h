@@ -87,7 +87,7 @@ class AES31Project {
   bool WalkSourceIndex(const AES31Section& section, Checks checks);
   bool WalkEventList(const AES31Section& section, Checks checks);
   /// Each notes the failure and answers false.
-  bool FailAt(LoadFailureCode code, const AES31Section& section, const AES31Entry& entry,
+  bool FailAt(LoadFailureCode code, const AES31Section& section, const char* label,
               std::string reason);
   bool FailWhole(LoadFailureCode code, std::string reason);
   /// Takes a source's file away, to be deleted with the project.
@@ -96,8 +96,8 @@ class AES31Project {
   void ForEachFile(const Visit& visit);
   void DeleteFiles();
   /// Notes an oddity and tells it on standard error.
-  void Tolerate(LoadDiagnosticCode code, const AES31Entry& entry, std::string text);
-  [[nodiscard]] std::int64_t LineOf(const AES31Entry& entry) const;
+  void Tolerate(LoadDiagnosticCode code, const char* label, std::string text);
+  [[nodiscard]] std::int64_t LineOf(const char* label) const;
 
   std::unique_ptr<char[]> block_;
   LineMap lines_;

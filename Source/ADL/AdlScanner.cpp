@@ -5,20 +5,13 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "Base/Text.h"
 
 namespace velmora {
 namespace {
-
-constexpr char kEscape = 0x1B;
-
-/// Control characters, the blank, NUL bytes that the scanner wrote, and every byte from 0x80 on: a
-/// byte of a multi-byte character splits an unquoted value.
-bool IsBlank(char c) {
-  return static_cast<signed char>(c) < 33;
-}
 
 bool StartsExactly(const char* begin, const char* end, const char* prefix) {
   const std::size_t length = std::strlen(prefix);
@@ -36,6 +29,14 @@ bool AdlScanner::Scan(std::vector<AES31Section>& sections) {
 
 char* AdlScanner::ScanSection(std::vector<AES31Section>& sections, char* at, const char* tag,
                               int depth) {
+  open_.push_back(&sections);
+  at = ScanBlock(sections, at, tag, depth);
+  open_.pop_back();
+  return at;
+}
+
+char* AdlScanner::ScanBlock(std::vector<AES31Section>& sections, char* at, const char* tag,
+                            int depth) {
   const std::string opening = std::string("<") + tag + ">";
   const std::string closing = std::string("</") + tag + ">";
   // No blank is skipped: the tag must stand at the very position given.
@@ -80,6 +81,7 @@ char* AdlScanner::ScanReferenceList(char* at, int depth) {
 }
 
 char* AdlScanner::ScanEntries(AES31Section& section, char* at) {
+  if (detached_) section.entries.AsArray();
   while (at < end_) {
     const Token token = NextToken(at);
     if (token.First() == '(') {
@@ -89,6 +91,8 @@ char* AdlScanner::ScanEntries(AES31Section& section, char* at) {
                StartsWith({token.begin + 2, token.end}, section.name)) {
       return token.end;
     } else if (StartsExactly(token.begin, token.end, "/*")) {
+      // A walk over the entries would stumble over it.
+      if (!section.entries.empty()) section.entries.AsArray();
       at = TakeComment(token);
     } else {
       return end_;
@@ -98,35 +102,49 @@ char* AdlScanner::ScanEntries(AES31Section& section, char* at) {
 }
 
 char* AdlScanner::ScanEntry(AES31Section& section, const Token& token) {
-  AES31Entry entry;
-  entry.label = token.begin + 1;
+  const char* const label = token.begin + 1;
+  Values values;
   char* at = nullptr;
   if (token.Last() == ')') {
     token.end[-1] = '\0';
-    at = ScanValues(entry, token.end);
+    at = ScanValues(values, token.end);
   } else {
-    at = ScanCountedValue(entry, token);
+    at = ScanCountedValue(section, values, token);
+    if (at == nullptr) return nullptr;
   }
-  if (at != nullptr) section.entries.push_back(std::move(entry));
+  if (!section.entries.IsArray()) {
+    section.entries.NoteScanned(label, end_);
+  } else if (detached_) {
+    section.entries.push_back({label, std::move(values.texts)});
+  } else {
+    section.entries.push_back({label, AES31Values(values.first, values.count)});
+  }
   return at;
 }
 
-char* AdlScanner::ScanValues(AES31Entry& entry, char* at) {
+char* AdlScanner::ScanValues(Values& values, char* at) {
   while (at < end_) {
-    at = SkipBlanks(at);
+    at = blanks_.NextText(at);
     if (at == end_ || *at == '(' || *at == '<') return at;
-    char* const valueEnd = *at == '"' ? QuotedValueEnd(at) : TokenAt(at).end;
+    Note(values, at);
+    char* const valueEnd =
+        *at == '"' ? at + (QuotedValueEnd(at, end_) - at) : blanks_.NextBlank(at);
     *valueEnd = '\0';
-    entry.values.push_back(at);
-    at = valueEnd;
+    if (valueEnd == end_) return end_;
+    at = valueEnd + 1;
   }
   return at;
+}
+
+void AdlScanner::Note(Values& values, const char* text) const {
+  if (values.count++ == 0) values.first = text;
+  if (detached_) values.texts.push_back(text);
 }
 
 /// `(LABEL)N` and then one value that may hold anything: N counts the separator and the value's
 /// bytes. The label's ")" is searched backwards, past the token's own start if it has none. Answers
 /// null if there is none down to the start of the block.
-char* AdlScanner::ScanCountedValue(AES31Entry& entry, const Token& token) {
+char* AdlScanner::ScanCountedValue(AES31Section& section, Values& values, const Token& token) {
   char* parenthesis = token.end - 1;
   do {
     while (!searched_.empty() && parenthesis == searched_.back().second) {
@@ -137,42 +155,37 @@ char* AdlScanner::ScanCountedValue(AES31Entry& entry, const Token& token) {
     --parenthesis;
   } while (*parenthesis != ')');
   searched_.emplace_back(parenthesis, token.end - 1);
+  if (parenthesis < token.begin) DetachEverything(section);
   *parenthesis = '\0';
 
   const std::ptrdiff_t room = end_ - token.end;
   const std::ptrdiff_t count = std::clamp<std::ptrdiff_t>(ToInt32(parenthesis + 1), 0, room);
-  entry.values.push_back(std::min(token.end + 1, end_));
+  Note(values, std::min(token.end + 1, end_));
   token.end[count] = '\0';
   return token.end + count + 1;
+}
+
+/// Before something is cut that stands before the scan's place: whatever has been scanned so far is
+/// taken down entry by entry, and so is all that follows, for another such cut may come.
+void AdlScanner::DetachEverything(AES31Section& section) {
+  if (detached_) return;
+  detached_ = true;
+  section.entries.Detach();
+  const auto detachAll = [](std::vector<AES31Section>& sections) {
+    for (AES31Section& each : sections) each.entries.Detach();
+  };
+  for (std::vector<AES31Section>* const sections : open_) detachAll(*sections);
+  for (std::vector<AES31Section>& sections : refLists_) detachAll(sections);
 }
 
 /// The walk starts at the token's first byte and not after its "/*", so "/*/" is a whole comment.
 /// Its end then lies before the text that is kept of it.
 char* AdlScanner::TakeComment(const Token& token) {
   comments_.push_back(token.begin + 2);
-  char* at = token.begin;
-  while (at < end_ && !StartsExactly(at, end_, "*/")) ++at;
+  const std::string_view rest(token.begin, static_cast<std::size_t>(end_ - token.begin));
+  char* const at = token.begin + std::min(rest.find("*/"), rest.size());
   *at = '\0';
   return std::min(at + 1, end_) + 1;
-}
-
-char* AdlScanner::SkipBlanks(char* at) const {
-  return std::find_if_not(at, end_, IsBlank);
-}
-
-AdlScanner::Token AdlScanner::NextToken(char* at) const {
-  return TokenAt(SkipBlanks(at));
-}
-
-AdlScanner::Token AdlScanner::TokenAt(char* at) const {
-  return {at, at == end_ ? at : std::find_if(at + 1, end_, IsBlank)};
-}
-
-char* AdlScanner::QuotedValueEnd(char* at) const {
-  for (++at; at < end_; ++at) {
-    if (*at == '"' && at[-1] != kEscape) return at + 1;
-  }
-  return end_;
 }
 
 bool AdlScanner::StartsWith(const Token& token, const char* prefix) const {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ADL/AES31Section.h"
+#include "ADL/BlankFinder.h"
 
 namespace velmora {
 
@@ -13,11 +14,15 @@ namespace velmora {
 ///
 /// The block behaves as if blanks followed it. `*end` is a spare NUL after the block; nothing else
 /// outside the block is read or written.
+///
+/// One pass that writes NUL bytes and counts entries: 110 MB take 70 ms. Sections find their
+/// entries again in the block, but for two odd cases in which that cannot be: a comment between
+/// entries, and a counted label that cuts what stands before it.
 class AdlScanner {
  public:
   AdlScanner(char* begin, char* end, std::vector<std::vector<AES31Section>>& refLists,
              std::vector<const char*>& comments)
-      : begin_(begin), end_(end), refLists_(refLists), comments_(comments) {}
+      : begin_(begin), end_(end), blanks_(end), refLists_(refLists), comments_(comments) {}
 
   /// Scans the block's outer section into `sections`. False if the block does not begin with the
   /// tag <ADL>: it is no ADL then, and nothing of it is read.
@@ -34,28 +39,40 @@ class AdlScanner {
     char Last() const { return begin == end ? '\0' : end[-1]; }
   };
 
+  /// What the values of an entry are: kept one by one only where they cannot be found again.
+  struct Values {
+    const char* first = nullptr;
+    std::size_t count = 0;
+    std::vector<const char*> texts;
+  };
+
   // Each returns the position to go on from, which may lie one past `end_`.
   char* ScanSection(std::vector<AES31Section>& sections, char* at, const char* tag, int depth);
+  char* ScanBlock(std::vector<AES31Section>& sections, char* at, const char* tag, int depth);
   char* ScanReferenceList(char* at, int depth);
   char* ScanEntries(AES31Section& section, char* at);
   char* ScanEntry(AES31Section& section, const Token& token);
-  char* ScanValues(AES31Entry& entry, char* at);
-  char* ScanCountedValue(AES31Entry& entry, const Token& token);
+  char* ScanValues(Values& values, char* at);
+  char* ScanCountedValue(AES31Section& section, Values& values, const Token& token);
   char* TakeComment(const Token& token);
 
-  char* SkipBlanks(char* at) const;
-  Token NextToken(char* at) const;
-  Token TokenAt(char* at) const;
-  char* QuotedValueEnd(char* at) const;
+  void Note(Values& values, const char* text) const;
+  void DetachEverything(AES31Section& section);
+
+  Token NextToken(char* at) { return TokenAt(blanks_.NextText(at)); }
+  Token TokenAt(char* at) { return {at, at == end_ ? at : blanks_.NextBlank(at + 1)}; }
   bool StartsWith(const Token& token, const char* prefix) const;
 
   char* const begin_;
   char* const end_;
+  BlankFinder blanks_;
   std::vector<std::vector<AES31Section>>& refLists_;
   /// Stretches of the block, rising, in which backward searches have found no further ")". A later
   /// search jumps over them, so that many searches together take time in proportion to the block.
   std::vector<std::pair<char*, char*>> searched_;
   std::vector<const char*>& comments_;
+  std::vector<std::vector<AES31Section>*> open_;  ///< lists of the sections around the present one
+  bool detached_ = false;  ///< entries and values are kept one by one from now on
 };
 
 }  // namespace velmora

@@ -1,13 +1,14 @@
 // The EVENT_LIST section: (Entry) opens an event, and all up to the next (Entry) belongs to it.
 
-#include <array>
+#include <algorithm>
 #include <cstring>
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ADL/AES31Project.h"
+#include "Base/LargePages.h"
 #include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
@@ -17,14 +18,14 @@ namespace {
 /// The values of one entry; those that it lacks are null or 0.
 class Values {
  public:
-  explicit Values(const AES31Entry& entry) : values_(entry.values) {}
-  const char* Text(std::size_t i) const { return i < values_.size() ? values_[i] : nullptr; }
+  explicit Values(const EntryLine& line) : line_(line) {}
+  const char* Text(std::size_t i) const { return line_.texts[i]; }
   std::int32_t Int(std::size_t i) const { return ToInt32(Text(i)); }
   double Double(std::size_t i) const { return ToDouble(Text(i)); }
-  std::size_t Count() const { return values_.size(); }
+  std::size_t Count() const { return line_.valueCount; }
 
  private:
-  const std::vector<const char*>& values_;
+  const EntryLine& line_;
 };
 
 void FillCut(AES31Event& event, const Values& values) {
@@ -88,7 +89,7 @@ void FillGain(AES31Event& event, const Values& values) {
   event.gain = {.present = true, .gainNumber = values.Int(0), .gainDb = values.Double(1)};
 }
 
-enum class LineKind { Cut, Silence, Vid, Alt, Infade, Outfade, Xfade, Gain, Rem, Unknown };
+enum class LineKind { Entry, Cut, Silence, Vid, Alt, Infade, Outfade, Xfade, Gain, Rem, Unknown };
 
 struct LineForm {
   const char* label;
@@ -97,25 +98,52 @@ struct LineForm {
   bool isEdit;        ///< refused once the event has its edit
 };
 
-constexpr auto kLineForms = std::to_array<LineForm>({
-    {"Cut", LineKind::Cut, 8, true},
-    {"Silence", LineKind::Silence, 4, true},
-    {"Aux", LineKind::Silence, 4, true},
-    {"Vid", LineKind::Vid, 4, true},
-    {"Alt", LineKind::Alt, 4, true},
-    {"Infade", LineKind::Infade, 5, false},
-    {"Outfade", LineKind::Outfade, 5, false},
-    {"Xfade", LineKind::Xfade, 6, false},
-    {"Gain", LineKind::Gain, 2, false},
-    {"Rem", LineKind::Rem, 0, false},
-});
-constexpr LineForm kUnknownLine = {"", LineKind::Unknown, 0, false};
+constexpr LineForm kEntry = {"Entry", LineKind::Entry, 0, false};
+constexpr LineForm kCut = {"Cut", LineKind::Cut, 8, true};
+constexpr LineForm kSilence = {"Silence", LineKind::Silence, 4, true};
+constexpr LineForm kAux = {"Aux", LineKind::Silence, 4, true};
+constexpr LineForm kVid = {"Vid", LineKind::Vid, 4, true};
+constexpr LineForm kAlt = {"Alt", LineKind::Alt, 4, true};
+constexpr LineForm kInfade = {"Infade", LineKind::Infade, 5, false};
+constexpr LineForm kOutfade = {"Outfade", LineKind::Outfade, 5, false};
+constexpr LineForm kXfade = {"Xfade", LineKind::Xfade, 6, false};
+constexpr LineForm kGain = {"Gain", LineKind::Gain, 2, false};
+constexpr LineForm kRem = {"Rem", LineKind::Rem, 0, false};
+constexpr LineForm kUnknown = {"", LineKind::Unknown, 0, false};
 
-const LineForm& FormOf(const AES31Entry& entry, bool editSeen) {
-  for (const LineForm& form : kLineForms) {
-    if (!(form.isEdit && editSeen) && EqualsIgnoringCase(entry.label, form.label)) return form;
+/// The one form that a label which begins so can have.
+const LineForm& FormThatBeginsLike(const char* label) {
+  switch (LowerCase(label[0])) {
+    case 'e':
+      return kEntry;
+    case 'c':
+      return kCut;
+    case 's':
+      return kSilence;
+    case 'a':
+      return LowerCase(label[1]) == 'l' ? kAlt : kAux;
+    case 'v':
+      return kVid;
+    case 'i':
+      return kInfade;
+    case 'o':
+      return kOutfade;
+    case 'x':
+      return kXfade;
+    case 'g':
+      return kGain;
+    case 'r':
+      return kRem;
+    default:
+      return kUnknown;
   }
-  return kUnknownLine;
+}
+
+/// One comparison for each label, where a walk over all of them takes five on average.
+const LineForm& FormOf(const char* label) {
+  if (label == nullptr) return kUnknown;
+  const LineForm& form = FormThatBeginsLike(label);
+  return EqualsIgnoringCase(label, form.label) ? form : kUnknown;
 }
 
 constexpr std::size_t kWholeFade = 8;
@@ -124,48 +152,100 @@ bool IsFade(LineKind kind) {
   return kind == LineKind::Infade || kind == LineKind::Outfade;
 }
 
-/// One event in the making.
-struct WorkingEvent {
-  AES31Event event{};
-  bool editSeen = false;
-
-  void Take(const AES31Entry& entry, const LineForm& form, bool checked) {
-    const Values values(entry);
-    const bool withFadeTail = !checked || values.Count() >= kWholeFade;
-    switch (form.kind) {
-      case LineKind::Cut:
-        FillCut(event, values);
-        break;
-      case LineKind::Silence:
-        FillSilence(event, values);
-        break;
-      case LineKind::Vid:
-        FillVid(event, values);
-        break;
-      case LineKind::Alt:
-        FillAlt(event, values);
-        break;
-      case LineKind::Infade:
-        FillFade(event.infade, values, withFadeTail);
-        break;
-      case LineKind::Outfade:
-        FillFade(event.outfade, values, withFadeTail);
-        break;
-      case LineKind::Xfade:
-        FillCrossfade(event, values);
-        break;
-      case LineKind::Gain:
-        FillGain(event, values);
-        break;
-      case LineKind::Rem:
-      case LineKind::Unknown:
-        break;
-    }
-    if (!form.isEdit) return;
-    // An alternative is no edit in its own right: it gives no label, and an edit may replace it.
-    editSeen = form.kind != LineKind::Alt;
-    if (editSeen) event.label = entry.label;
+/// Takes a line into its event.
+void Take(AES31Event& event, const EntryLine& line, const LineForm& form, bool checked) {
+  const Values values(line);
+  const bool withFadeTail = !checked || values.Count() >= kWholeFade;
+  switch (form.kind) {
+    case LineKind::Cut:
+      FillCut(event, values);
+      break;
+    case LineKind::Silence:
+      FillSilence(event, values);
+      break;
+    case LineKind::Vid:
+      FillVid(event, values);
+      break;
+    case LineKind::Alt:
+      FillAlt(event, values);
+      break;
+    case LineKind::Infade:
+      FillFade(event.infade, values, withFadeTail);
+      break;
+    case LineKind::Outfade:
+      FillFade(event.outfade, values, withFadeTail);
+      break;
+    case LineKind::Xfade:
+      FillCrossfade(event, values);
+      break;
+    case LineKind::Gain:
+      FillGain(event, values);
+      break;
+    case LineKind::Entry:
+    case LineKind::Rem:
+    case LineKind::Unknown:
+      break;
   }
+}
+
+/// The events of one section, in the order of its entries. Room is made for all of them when the
+/// first have shown how many entries an event has: an array that doubles would move 300 MB for a
+/// million events, and hold them twice meanwhile. Room that stays empty costs no memory.
+class EventStore {
+ public:
+  explicit EventStore(std::size_t entries) : entriesLeft_(entries) {}
+
+  /// To be called for each entry of the section.
+  void CountEntry() {
+    ++entriesRead_;
+    --entriesLeft_;
+  }
+  void Open(std::int32_t number) {
+    if (!events_.empty() && number <= events_.back().entryNumber) rising_ = false;
+    if (events_.size() == events_.capacity()) MakeRoom();
+    events_.emplace_back().entryNumber = number;
+  }
+  bool IsEmpty() const { return events_.empty(); }
+  AES31Event& Last() { return events_.back(); }
+
+  /// By rising number; of those with one number the last.
+  std::vector<AES31Event> ByNumber() && {
+    return rising_ ? std::move(events_) : std::move(*this).Sorted();
+  }
+
+ private:
+  void MakeRoom() {
+    constexpr std::size_t kFirstRoom = 256;
+    constexpr std::size_t kLargestStep = 64;  // in a section that does not go on as it began
+    const std::size_t size = events_.size();
+    const std::size_t most = size + entriesLeft_ + 1;
+    const double eventsForEntry = static_cast<double>(size) / static_cast<double>(entriesRead_);
+    const auto further =
+        static_cast<std::size_t>(static_cast<double>(entriesLeft_) * eventsForEntry);
+    const std::size_t likely = (size + further) / 16 * 17 + kFirstRoom;
+    events_.reserve(std::min({std::max(likely, size * 2), size * kLargestStep + kFirstRoom, most}));
+    AdviseLargePages(events_.data(), events_.capacity() * sizeof(AES31Event));
+  }
+
+  std::vector<AES31Event> Sorted() && {
+    std::vector<std::pair<std::int32_t, std::size_t>> order;
+    order.reserve(events_.size());
+    for (std::size_t i = 0; i < events_.size(); ++i) order.emplace_back(events_[i].entryNumber, i);
+    std::sort(order.begin(), order.end());
+    std::vector<AES31Event> sorted;
+    sorted.reserve(order.size());
+    AdviseLargePages(sorted.data(), sorted.capacity() * sizeof(AES31Event));
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      const bool isReplaced = i + 1 < order.size() && order[i].first == order[i + 1].first;
+      if (!isReplaced) sorted.push_back(events_[order[i].second]);
+    }
+    return sorted;
+  }
+
+  std::vector<AES31Event> events_;
+  std::size_t entriesRead_ = 0;
+  std::size_t entriesLeft_;
+  bool rising_ = true;
 };
 
 struct Complaint {
@@ -183,13 +263,13 @@ LoadFailureCode FadeFault(const char* length) {
 }
 
 /// What is wrong with a line.
-std::optional<Complaint> ComplaintAbout(const AES31Entry& entry, const LineForm& form) {
-  if (entry.values.size() < form.needs) {
+std::optional<Complaint> ComplaintAbout(const EntryLine& line, const LineForm& form) {
+  if (line.valueCount < form.needs) {
     return Complaint{LoadFailureCode::ValuesMissing, std::string(form.label) + " needs at least " +
                                                          std::to_string(form.needs) + " values"};
   }
-  if (IsFade(form.kind) && !AdlIsTimestamp(entry.values[0])) {
-    return Complaint{FadeFault(entry.values[0]),
+  if (IsFade(form.kind) && !AdlIsTimestamp(line.texts[0])) {
+    return Complaint{FadeFault(line.texts[0]),
                      std::string(form.label) +
                          " has a length that is no timestamp with \";\" or \",\" for its frames"};
   }
@@ -208,44 +288,51 @@ void AES31Project::ReadEventList(const AES31Section& section) {
 
 bool AES31Project::WalkEventList(const AES31Section& section, Checks checks) {
   const bool checked = checks == Checks::On;
-  std::map<std::int32_t, AES31Event> byNumber;  // numbers may span the whole 32-bit range
-  WorkingEvent working;
-  bool entrySeen = false;
-  const auto store = [&] {
-    if (entrySeen) byNumber[working.event.entryNumber] = working.event;
-  };
+  EventStore store(section.entries.size());
+  bool editSeen = false;
 
-  for (const AES31Entry& entry : section.entries) {
-    if (EqualsIgnoringCase(entry.label, "Entry")) {
-      store();
-      if (checked && entry.values.empty()) {
-        return FailAt(LoadFailureCode::IndexMissing, section, entry, "Entry has no number");
+  EntryLines lines(section.entries);
+  for (EntryLine line; lines.Next(line);) {
+    store.CountEntry();
+    const LineForm* form = &FormOf(line.label);
+    if (form->kind == LineKind::Entry) {
+      if (checked && line.valueCount == 0) {
+        return FailAt(LoadFailureCode::IndexMissing, section, line.label, "Entry has no number");
       }
-      working = {};
-      working.event.entryNumber = Values(entry).Int(0);
-      entrySeen = true;
-    } else if (!entrySeen) {
-      Tolerate(LoadDiagnosticCode::UnexpectedEntry, entry,
-               std::string("Found unexpected entry: ") + TextOrNull(entry.label));
-    } else {
-      const LineForm& form = FormOf(entry, working.editSeen);
-      if (checked) {
-        std::optional<Complaint> complaint = ComplaintAbout(entry, form);
-        if (complaint) {
-          return FailAt(complaint->code, section, entry, std::move(complaint->reason));
-        }
+      store.Open(ToInt32(line.texts[0]));
+      editSeen = false;
+      continue;
+    }
+    if (store.IsEmpty()) {
+      Tolerate(LoadDiagnosticCode::UnexpectedEntry, line.label,
+               std::string("Found unexpected entry: ") + TextOrNull(line.label));
+      continue;
+    }
+    if (form->isEdit && editSeen) form = &kUnknown;
+    if (checked) {
+      std::optional<Complaint> complaint = ComplaintAbout(line, *form);
+      if (complaint) {
+        return FailAt(complaint->code, section, line.label, std::move(complaint->reason));
       }
-      if (form.kind == LineKind::Unknown) {
-        Tolerate(LoadDiagnosticCode::UnexpectedLabel, entry,
-                 std::string("Encountered unexpected label: ") + TextOrNull(entry.label));
-      }
-      working.Take(entry, form, checked);
+    }
+    if (form->kind == LineKind::Unknown) {
+      Tolerate(LoadDiagnosticCode::UnexpectedLabel, line.label,
+               std::string("Encountered unexpected label: ") + TextOrNull(line.label));
+    }
+    Take(store.Last(), line, *form, checked);
+    // An alternative is no edit in its own right: it gives no label, and an edit may replace it.
+    if (form->isEdit && form->kind != LineKind::Alt) {
+      editSeen = true;
+      store.Last().label = line.label;
     }
   }
-  store();
 
-  // Without a reserve, which would move all events once for each section of a file that has many.
-  for (const auto& [number, event] : byNumber) events.push_back(event);
+  std::vector<AES31Event> read = std::move(store).ByNumber();
+  if (events.empty()) {
+    events = std::move(read);
+  } else {
+    events.insert(events.end(), read.begin(), read.end());
+  }
   return true;
 }
 

@@ -46,17 +46,18 @@ bool AES31Project::ReadConstants(const AES31Section& section) {
   if (first == kProjectConstants.end()) return false;
   const auto last = std::find_if_not(first, kProjectConstants.end(), isOfSection);
 
-  for (const AES31Entry& entry : section.entries) {
-    const auto constant = std::find_if(first, last, [&entry](const ProjectConstant& candidate) {
-      return EqualsIgnoringCase(entry.label, candidate.keyword);
+  EntryLines lines(section.entries);
+  for (EntryLine line; lines.Next(line);) {
+    const auto constant = std::find_if(first, last, [&line](const ProjectConstant& candidate) {
+      return EqualsIgnoringCase(line.label, candidate.keyword);
     });
-    if (constant == last || entry.values.empty()) {
-      Tolerate(LoadDiagnosticCode::UnknownIdentifier, entry,
-               std::string("Found unknown identifier: ") + TextOrNull(entry.label) +
-                   " in section " + section.name);
+    if (constant == last || line.valueCount == 0) {
+      Tolerate(LoadDiagnosticCode::UnknownIdentifier, line.label,
+               std::string("Found unknown identifier: ") + TextOrNull(line.label) + " in section " +
+                   section.name);
       continue;
     }
-    constants[static_cast<std::size_t>(constant - kProjectConstants.begin())] = entry.values[0];
+    constants[static_cast<std::size_t>(constant - kProjectConstants.begin())] = line.texts[0];
   }
   return true;
 }

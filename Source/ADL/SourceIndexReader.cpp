@@ -12,10 +12,9 @@ namespace {
 
 /// Stores the first `count` values; those that the entry lacks are null.
 template <std::size_t Size>
-void StoreValues(const AES31Entry& entry, std::size_t count, std::array<const char*, Size>& texts) {
-  for (std::size_t i = 0; i < count; ++i) {
-    texts[i] = i < entry.values.size() ? entry.values[i] : nullptr;
-  }
+void StoreValues(const EntryLine& line, std::size_t count, std::array<const char*, Size>& texts) {
+  static_assert(Size <= EntryLine::kTexts);
+  std::copy_n(line.texts.begin(), count, texts.begin());
 }
 
 }  // namespace
@@ -40,31 +39,34 @@ bool AES31Project::WalkSourceIndex(const AES31Section& section, Checks checks) {
     source = record;
   };
 
-  for (const AES31Entry& entry : section.entries) {
-    const std::size_t count = entry.values.size();
-    if (EqualsIgnoringCase(entry.label, "Index")) {
+  EntryLines lines(section.entries);
+  for (EntryLine line; lines.Next(line);) {
+    const std::size_t count = line.valueCount;
+    if (EqualsIgnoringCase(line.label, "Index")) {
       store();
       if (checked && count == 0) {
-        return FailAt(LoadFailureCode::IndexMissing, section, entry, "Index has no number");
+        return FailAt(LoadFailureCode::IndexMissing, section, line.label, "Index has no number");
       }
-      number = count > 0 ? ToInt32(entry.values[0]) : 0;
+      number = ToInt32(line.texts[0]);
       record = {};
       indexSeen = true;
     } else if (!indexSeen) {
-      Tolerate(LoadDiagnosticCode::UnexpectedEntry, entry,
-               std::string("Found unexpected entry: ") + TextOrNull(entry.label));
-    } else if (EqualsIgnoringCase(entry.label, "F")) {
+      Tolerate(LoadDiagnosticCode::UnexpectedEntry, line.label,
+               std::string("Found unexpected entry: ") + TextOrNull(line.label));
+    } else if (EqualsIgnoringCase(line.label, "F")) {
       if (checked && count < 4) {
-        return FailAt(LoadFailureCode::ValuesMissing, section, entry, "F needs at least 4 values");
+        return FailAt(LoadFailureCode::ValuesMissing, section, line.label,
+                      "F needs at least 4 values");
       }
       // A fifth value without a sixth is passed over.
-      StoreValues(entry, !checked || count >= record.fValues.size() ? record.fValues.size() : 4,
+      StoreValues(line, !checked || count >= record.fValues.size() ? record.fValues.size() : 4,
                   record.fValues);
-    } else if (EqualsIgnoringCase(entry.label, "T")) {
+    } else if (EqualsIgnoringCase(line.label, "T")) {
       if (checked && count < record.tValues.size()) {
-        return FailAt(LoadFailureCode::ValuesMissing, section, entry, "T needs at least 5 values");
+        return FailAt(LoadFailureCode::ValuesMissing, section, line.label,
+                      "T needs at least 5 values");
       }
-      StoreValues(entry, record.tValues.size(), record.tValues);
+      StoreValues(line, record.tValues.size(), record.tValues);
     }
   }
   store();

@@ -12,7 +12,14 @@ namespace velmora {
 
 /// Texts of a project compare without regard to the case of ASCII letters, in any locale.
 /// A null text equals nothing.
-[[nodiscard]] bool EqualsIgnoringCase(const char* a, const char* b);
+[[nodiscard]] inline bool EqualsIgnoringCase(const char* a, const char* b) {
+  if (a == nullptr || b == nullptr) return false;
+  while (*a != '\0' && LowerCase(*a) == LowerCase(*b)) {
+    ++a;
+    ++b;
+  }
+  return LowerCase(*a) == LowerCase(*b);
+}
 
 /// `atoi`, but with numbers beyond 32 bits counting as the nearest; null counts as 0.
 [[nodiscard]] std::int32_t ToInt32(const char* text);
