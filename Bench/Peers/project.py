@@ -81,6 +81,16 @@ def rows_below(path, title):
         return sum(1 for _ in itertools.takewhile(lambda line: line.startswith("  "), file))
 
 
+def counts_in(path):
+    """What `velmora info --summary` counts, by title."""
+    counts = {}
+    with open(path, encoding="utf-8") as file:
+        for words in filter(None, map(str.split, file)):
+            if len(words) > 1 and words[0] in ("Sources", "Tracks", "Events"):
+                counts[words[0]] = int(words[1])
+    return counts
+
+
 def counting_words(project):
     return Command("wc -w", ["wc", "-w", project])
 
@@ -93,19 +103,24 @@ def info(bench):
     argv = [bench.velmora, "info", project]
     rows = Command("velmora", argv, output=printed, makes=[printed])
     nowhere = Command("to nowhere", argv)
+    counted = bench.path("summary.txt")
+    summary = Command("summary", [*argv, "--summary"], output=counted, makes=[counted])
     words = counting_words(project)
 
     def agree():
         expect("sources", rows_below(printed, "Sources"), SOURCES)
         expect("tracks", rows_below(printed, "Tracks"), TRACKS)
         expect("events", rows_below(printed, "Events"), bench.events)
+        counts = {"Sources": SOURCES, "Tracks": TRACKS, "Events": bench.events}
+        expect("the summary", counts_in(counted), counts)
 
     limits = [
         against("wc -w", 1.5),
         Limit("wc -w; rows to /dev/null", 1.5, lambda times: times[nowhere.name] / times[words.name]),
+        Limit("wc -w; --summary", 1.0, lambda times: times[summary.name] / times[words.name]),
         memory_against(project, "memory; the file's size", 4.0),
     ]
-    return Work([rows, nowhere, words], limits, agree)
+    return Work([rows, nowhere, summary, words], limits, agree)
 
 
 @row("json", "info --json of a tenth of them")
