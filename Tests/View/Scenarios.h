@@ -24,6 +24,7 @@ std::vector<Scenario> WaveScenarios();
 std::vector<Scenario> FindingsScenarios();
 std::vector<Scenario> SaveScenarios();
 std::vector<Scenario> ProgramScenarios();
+std::vector<Scenario> SpeedScenarios();
 
 const std::vector<Scenario>& AllScenarios();
 

@@ -5,10 +5,11 @@ namespace velmora::view {
 const std::vector<Scenario>& AllScenarios() {
   static const std::vector<Scenario> all = [] {
     std::vector<Scenario> scenarios;
-    for (const auto& part : {LoadingScenarios(), TroubleScenarios(), TableScenarios(),
-                             EntryScenarios(), EditScenarios(), PasteScenarios(), SpotScenarios(),
-                             AbortScenarios(), LookScenarios(), ShellScenarios(), WaveScenarios(),
-                             FindingsScenarios(), SaveScenarios(), ProgramScenarios()}) {
+    for (const auto& part :
+         {LoadingScenarios(), TroubleScenarios(), TableScenarios(), EntryScenarios(),
+          EditScenarios(), PasteScenarios(), SpotScenarios(), AbortScenarios(), LookScenarios(),
+          ShellScenarios(), WaveScenarios(), FindingsScenarios(), SaveScenarios(),
+          ProgramScenarios(), SpeedScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;

@@ -24,7 +24,10 @@ T Variable(id object, const char* name) {
   return *reinterpret_cast<T*>(reinterpret_cast<char*>(object) + ivar_getOffset(variable));
 }
 
-// Opens the shell and returns when its window takes keys. Once in a process.
+// Opens the shell and returns when its window is up, which may not have the keys yet. Once in a
+// process.
+void StartShellAtOnce(const desktop::ShellOptions& options);
+// The same, and waits until the window takes keys.
 void StartShell(const desktop::ShellOptions& options = {});
 // The same with a project loaded.
 void StartShellWith(const std::string& project);

@@ -56,10 +56,15 @@ std::string BundlePath() {
   });
 }
 
-void StartShell(const desktop::ShellOptions& options) {
+void StartShellAtOnce(const desktop::ShellOptions& options) {
   desktop::ShellOptions complete = options;
   if (complete.bundle.empty()) complete.bundle = VELMORA_BUNDLE;
   shellWanted.set_value(complete);
+  OnMain([] {});  // answered by the loop that runs when the window has been opened
+}
+
+void StartShell(const desktop::ShellOptions& options) {
+  StartShellAtOnce(options);
   WaitFor("the window stands and takes keys",
           [] { return shell != nil && [Window() isVisible] && [Window() isKeyWindow]; });
   Pause(0.2);
