@@ -5,6 +5,8 @@
 
 #import <objc/runtime.h>
 
+#include <cmath>
+
 #import "View/Velmora_ViewController.h"
 
 namespace {
@@ -24,6 +26,7 @@ Function* Exchange(Class cls, SEL selector, Function* replacement) {
 
 id (*originalTableInit)(id, SEL, NSCoder*);
 id (*originalProgressInit)(id, SEL, NSCoder*);
+void (*originalSetProgress)(id, SEL, double);
 id (*originalFontInit)(id, SEL, NSCoder*);
 void (*originalTableDealloc)(id, SEL);
 void (*originalTile)(id, SEL);
@@ -67,15 +70,44 @@ void Tile(id self, SEL selector) {
   tiling = NO;
 }
 
+// A variable of a progress bar that has no setter, or one that does too much. Null in a toolkit
+// that names it otherwise.
+template <class T>
+T* ProgressVariable(id bar, const char* name) {
+  Ivar variable = class_getInstanceVariable([NSProgressIndicator class], name);
+  if (variable == nullptr) return nullptr;
+  return reinterpret_cast<T*>(reinterpret_cast<char*>(bar) + ivar_getOffset(variable));
+}
+
 // A progress bar that is not to be seen while it stands still never is: a bar with a known end
 // counts as standing still for ever, and the setter does nothing. All bars of a nib are shown.
 id InitProgress(id self, SEL selector, NSCoder* coder) {
   self = originalProgressInit(self, selector, coder);
-  Ivar shown = class_getInstanceVariable([NSProgressIndicator class], "_isDisplayedWhenStopped");
-  if (self != nil && shown != NULL) {
-    *(reinterpret_cast<BOOL*>(reinterpret_cast<char*>(self) + ivar_getOffset(shown))) = YES;
-  }
+  BOOL* const shown =
+      self != nil ? ProgressVariable<BOOL>(self, "_isDisplayedWhenStopped") : nullptr;
+  if (shown != nullptr) *shown = YES;
   return self;
+}
+
+// The pixel at which the bar ends for a value.
+double EndOfBar(NSProgressIndicator* bar, double value) {
+  const double span = [bar maxValue] - [bar minValue];
+  return span > 0 ? std::floor((value - [bar minValue]) / span * NSWidth([bar bounds])) : -1;
+}
+
+// A new value has the whole bar drawn anew, with all that lies below it, which takes three quarters
+// of the time that a spot of 10,000 regions asks of the main thread. Most steps of a long spot move
+// the bar by less than a pixel: those only set the value.
+void SetProgress(id self, SEL selector, double value) {
+  NSProgressIndicator* const bar = self;
+  double* const held = ProgressVariable<double>(bar, "_doubleValue");
+  const bool stands = held != nullptr && ![bar isIndeterminate] && ![bar isVertical] &&
+                      EndOfBar(bar, *held) == EndOfBar(bar, value);
+  if (stands) {
+    *held = value;
+  } else {
+    originalSetProgress(self, selector, value);
+  }
 }
 
 // Of a nib's system fonts only the plain one is known.
@@ -112,14 +144,18 @@ NSInteger RunModal(id self, SEL selector) {
   return originalRunModal(self, selector);
 }
 
-// A picture that a nib names is looked for in the main bundle only; the view's lie in its own.
+// A picture that a nib names is looked for in the main bundle only; the view's lie in its own. They
+// come first: the toolkit tries every folder and every type of picture before it gives a name up,
+// which took a tenth of the start.
 NSImage* FindImage(id self, SEL selector, NSString* name) {
-  NSImage* image = originalImageNamed(self, selector, name);
-  if (image != nil) return image;
+  if (![name isEqualToString:@"Spot_Off"] && ![name isEqualToString:@"Cancel_Off"]) {
+    return originalImageNamed(self, selector, name);
+  }
   NSString* resources = [[NSBundle bundleForClass:[Velmora_ViewController class]] resourcePath];
   NSString* pictures = [resources stringByAppendingPathComponent:@"KestaneGUI.bundle"];
   NSString* path = [[NSBundle bundleWithPath:pictures] pathForResource:name ofType:@"png"];
-  return path != nil ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
+  if (path == nil) return originalImageNamed(self, selector, name);
+  return [[[NSImage alloc] initWithContentsOfFile:path] autorelease];
 }
 
 }  // namespace
@@ -147,6 +183,8 @@ NSImage* FindImage(id self, SEL selector, NSString* name) {
   originalTile = Exchange([NSScrollView class], @selector(tile), Tile);
   originalProgressInit =
       Exchange([NSProgressIndicator class], @selector(initWithCoder:), InitProgress);
+  originalSetProgress =
+      Exchange([NSProgressIndicator class], @selector(setDoubleValue:), SetProgress);
   originalFontInit = Exchange([NSFont class], @selector(initWithCoder:), InitFont);
   originalAlignCenter = Exchange([NSTextView class], @selector(alignCenter:), AlignCenter);
   originalRunModal = Exchange([NSAlert class], @selector(runModal), RunModal);

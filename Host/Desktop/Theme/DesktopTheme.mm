@@ -197,6 +197,23 @@ BOOL IsPressed(GSThemeControlState state) {
 
 // Progress bars
 
+// Before its first bar the toolkit looks for twenty pictures of moving ones, two of them through
+// every folder and type: a sixth of the start. A bar with a known end has no picture.
+- (void)drawProgressIndicator:(NSProgressIndicator*)bar
+                   withBounds:(NSRect)bounds
+                     withClip:(NSRect)clip
+                      atCount:(int)count
+                     forValue:(double)share {
+  if ([bar style] != NSProgressIndicatorBarStyle || [bar isIndeterminate] || [bar isVertical] ||
+      ![bar isBezeled]) {
+    [super drawProgressIndicator:bar withBounds:bounds withClip:clip atCount:count forValue:share];
+    return;
+  }
+  NSRect filled = [self drawProgressIndicatorBezel:bounds withClip:clip];
+  filled.size.width *= share;
+  [self drawProgressIndicatorBarDeterminate:NSIntersectionRect(filled, clip)];
+}
+
 - (NSRect)drawProgressIndicatorBezel:(NSRect)bounds withClip:(NSRect)rect {
   DrawRounded(bounds, kCornerRadius, Tone::Surface, Tone::Line);
   return NSInsetRect(bounds, 2, 2);
