@@ -194,14 +194,53 @@ void CopyFolderCannotBeWritten() {
   Check("all eleven controls are free", std::vector<bool>(11, true), ControlsEnabled());
 }
 
+// How many pixels of the progress bar's middle line are filled, as drawn last.
+NSInteger FilledPixels() {
+  return Ask([] {
+    NSProgressIndicator* const bar = [Controller() spotProgressIndicator];
+    [Window() displayIfNeeded];
+    [bar lockFocus];
+    NSBitmapImageRep* const pixels =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[bar bounds]] autorelease];
+    [bar unlockFocus];
+    NSInteger filled = 0;
+    for (NSInteger x = 0; x < [pixels pixelsWide]; ++x) {
+      NSUInteger pixel[4] = {};
+      [pixels getPixel:pixel atX:x y:[pixels pixelsHigh] / 2];
+      filled += pixel[2] > pixel[0] + 100 ? 1 : 0;  // the accent is blue
+    }
+    return filled;
+  });
+}
+
+// Steps that are smaller than a pixel are seen all the same, once they have become one.
+void FillsBarBySmallSteps() {
+  StartShell();
+  NSProgressIndicator* const bar = [Controller() spotProgressIndicator];
+  const double width = Ask([&] { return static_cast<double>(NSWidth([bar bounds])); });
+  constexpr double kSteps = 20000;
+  OnMain([&] { [bar setMaxValue:kSteps]; });
+  double step = 0;
+  for (const double share : {0.1, 0.4, 0.75, 1.0}) {
+    OnMain([&] {
+      while (step < share * kSteps) [bar setDoubleValue:++step];
+    });
+    const double filled = static_cast<double>(FilledPixels());
+    const double wanted = share * width;
+    CheckTrue(Shown(filled) + " of " + Shown(wanted) + " pixels are filled",
+              filled > wanted - 6 && filled < wanted + 2);
+    Check("the value is exact", step, Indicator());
+  }
+  OnMain([&] { [bar setDoubleValue:0]; });
+  Check("an empty bar", NSInteger{0}, FilledPixels());
+}
+
 }  // namespace
 
 std::vector<Scenario> SpotScenarios() {
-  return {{"shows-alerts", ShowsBothAlerts},
-          {"presets-session", PresetsSession},
-          {"runs-to-end", RunsToItsEnd},
-          {"places-by-choice", PlacesByChoice},
-          {"copy-folder-fails", CopyFolderCannotBeWritten}};
+  return {{"shows-alerts", ShowsBothAlerts},    {"presets-session", PresetsSession},
+          {"runs-to-end", RunsToItsEnd},        {"fills-bar", FillsBarBySmallSteps},
+          {"places-by-choice", PlacesByChoice}, {"copy-folder-fails", CopyFolderCannotBeWritten}};
 }
 
 }  // namespace velmora::view
