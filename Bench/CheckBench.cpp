@@ -2,6 +2,7 @@
 
 #include "BenchSupport.h"
 #include "Check/CheckProject.h"
+#include "Check/Glance.h"
 
 namespace velmora::bench {
 namespace {
@@ -22,6 +23,20 @@ void CheckWhole(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(CheckWhole)->Arg(20)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// The look at a plain project that the one line of info and spot needs. To be held against
+/// CheckWhole, which takes its place for any other project.
+void GlancePlain(benchmark::State& state) {
+  const auto cuts = static_cast<std::size_t>(state.range(0));
+  const std::string path = WriteProject(static_cast<std::int32_t>(cuts));
+  for (auto _ : state) {
+    const check::GlanceResult result = check::GlanceAt(path, {});
+    if (!result.isPlain || result.entries != cuts) Fail("the project does not count as plain");
+    benchmark::DoNotOptimize(result.found.loses);
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(GlancePlain)->Arg(20)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace velmora::bench

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "Check/SharedText.h"
+
 namespace velmora::check {
 
 /// What becomes of the project if nothing is done, the worst first.
@@ -121,8 +123,8 @@ struct Finding {
   std::optional<std::int32_t> entry;   ///< number of the (Entry)
   std::optional<std::int32_t> source;  ///< number of the (Index)
   std::string text;                    ///< what stands there
-  std::string effect;                  ///< what the system will do with it
-  std::string remedy;                  ///< what helps
+  SharedText effect;                   ///< what the system will do with it
+  SharedText remedy;                   ///< what helps
 };
 
 }  // namespace velmora::check

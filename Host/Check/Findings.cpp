@@ -61,56 +61,52 @@ std::optional<std::size_t> Findings::SourceAt(std::size_t offset) const {
 }
 
 void Findings::Add(Code code, Severity severity, const Place& place, Words words) {
-  Pending pending;
-  pending.place = place;
+  Place full = place;
   if (place.offset != Place::kWhole) {
-    if (!place.event) pending.place.event = EventAt(place.offset);
-    if (!place.source && !pending.place.event) pending.place.source = SourceAt(place.offset);
+    if (!place.event) full.event = EventAt(place.offset);
+    if (!place.source && !full.event) full.source = SourceAt(place.offset);
   }
-  pending.finding.code = code;
-  pending.finding.severity = severity;
-  pending.finding.text = std::move(words.text);
-  pending.finding.effect = std::move(words.effect);
-  pending.finding.remedy = std::move(words.remedy);
-  FillNumbers(pending);
-  if (severity != Severity::Note) {
-    if (pending.place.event) {
-      seriousEvents_[*pending.place.event] = true;
-    } else if (pending.place.source) {
-      seriousSources_[*pending.place.source] = true;
-    }
+  Finding& finding = findings_.emplace_back();
+  finding.code = code;
+  finding.severity = severity;
+  finding.line = static_cast<std::int64_t>(place.offset + 1);
+  finding.text = std::move(words.text);
+  Said& said = said_[static_cast<std::size_t>(code)];
+  if (said.effect.Text() != words.effect) said.effect = std::move(words.effect);
+  if (said.remedy.Text() != words.remedy) said.remedy = std::move(words.remedy);
+  finding.effect = said.effect;
+  finding.remedy = said.remedy;
+  FillNumbers(full, finding);
+  if (severity == Severity::Note) return;
+  if (full.event) {
+    seriousEvents_[*full.event] = true;
+  } else if (full.source) {
+    seriousSources_[*full.source] = true;
   }
-  pending_.push_back(std::move(pending));
 }
 
-void Findings::FillNumbers(Pending& pending) const {
-  if (pending.place.event) pending.finding.entry = project_.events[*pending.place.event].number;
-  if (pending.place.source) pending.finding.source = project_.sources[*pending.place.source].index;
+void Findings::FillNumbers(const Place& place, Finding& finding) const {
+  if (place.event) finding.entry = project_.events[*place.event].number;
+  if (place.source) finding.source = project_.sources[*place.source].index;
 }
 
 bool Findings::Has(Code code, Severity severity) const {
-  return std::any_of(pending_.begin(), pending_.end(), [&](const Pending& pending) {
-    return pending.finding.code == code && pending.finding.severity == severity;
+  return std::any_of(findings_.begin(), findings_.end(), [&](const Finding& finding) {
+    return finding.code == code && finding.severity == severity;
   });
 }
 
 std::vector<Finding> Findings::Finish() && {
-  // One more than the whole file's number is 0: it comes first.
-  std::stable_sort(pending_.begin(), pending_.end(), [](const Pending& a, const Pending& b) {
-    return a.place.offset + 1 < b.place.offset + 1;
-  });
+  std::stable_sort(findings_.begin(), findings_.end(),
+                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
   const field::TextPlaces places(project_.tree.file);
-  std::vector<Finding> findings;
-  findings.reserve(pending_.size());
-  for (Pending& pending : pending_) {
-    if (pending.place.offset != Place::kWhole) {
-      const field::TextPlace place = places.At(pending.place.offset);
-      pending.finding.line = place.line;
-      pending.finding.column = place.column;
-    }
-    findings.push_back(std::move(pending.finding));
+  for (Finding& finding : findings_) {
+    if (finding.line == 0) continue;
+    const field::TextPlace place = places.At(static_cast<std::size_t>(finding.line - 1));
+    finding.line = place.line;
+    finding.column = place.column;
   }
-  return findings;
+  return std::move(findings_);
 }
 
 }  // namespace velmora::check

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -47,14 +48,10 @@ class Findings {
   [[nodiscard]] std::vector<Finding> Finish() &&;
 
  private:
-  struct Pending {
-    Place place;
-    Finding finding;
-  };
   /// The event or source in whose lines an offset lies.
   [[nodiscard]] std::optional<std::size_t> EventAt(std::size_t offset) const;
   [[nodiscard]] std::optional<std::size_t> SourceAt(std::size_t offset) const;
-  void FillNumbers(Pending& pending) const;
+  void FillNumbers(const Place& place, Finding& finding) const;
 
   struct Stretch {
     std::size_t begin;
@@ -68,7 +65,14 @@ class Findings {
   std::vector<Stretch> sourceStretches_;  ///< by rising begin
   std::vector<bool> seriousEvents_;
   std::vector<bool> seriousSources_;
-  std::vector<Pending> pending_;
+  /// Until they are finished their line is the place in the file plus one, 0 for the file as such.
+  std::vector<Finding> findings_;
+  /// What was said last, by code: mostly the same is said again.
+  struct Said {
+    SharedText effect;
+    SharedText remedy;
+  };
+  std::array<Said, kCodes.size()> said_;
 };
 
 }  // namespace velmora::check

@@ -13,6 +13,7 @@
 #include "Field/FieldTime.h"
 #include "Field/FieldTree.h"
 #include "Field/FileStarts.h"
+#include "Field/Seldom.h"
 
 namespace velmora::field {
 
@@ -92,8 +93,8 @@ struct Event {
   // The last (Infade) and (Outfade), also those that make no fade: of no length, or none given.
   std::optional<EntryPlace> fadeInPlace;
   std::optional<EntryPlace> fadeOutPlace;
-  std::optional<Fade> fadeIn;
-  std::optional<Fade> fadeOut;
+  Seldom<Fade> fadeIn;
+  Seldom<Fade> fadeOut;
   std::vector<Gain> gains;  ///< as written; see GainOf
 
   [[nodiscard]] bool IsOff() const { return IsOffStatus(status); }

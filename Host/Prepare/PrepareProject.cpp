@@ -203,8 +203,11 @@ class Preparation {
     bool moves = false;
     for (Finding& finding : findings) {
       // The folder is known by the name that it will have.
-      for (std::string* const text : {&finding.text, &finding.effect, &finding.remedy}) {
-        ReplaceAll(*text, staging_.Path(), into_);
+      ReplaceAll(finding.text, staging_.Path(), into_);
+      for (check::SharedText* const shared : {&finding.effect, &finding.remedy}) {
+        std::string text = *shared;
+        ReplaceAll(text, staging_.Path(), into_);
+        if (text != shared->Text()) *shared = std::move(text);
       }
       if (finding.code == Code::RateCompensated) {
         moves = true;

@@ -86,7 +86,7 @@ std::optional<std::int32_t> NumberOf(const std::string& source) {
   return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
-void WriteFade(JsonStream& json, const std::optional<field::Fade>& fade) {
+void WriteFade(JsonStream& json, const field::Seldom<field::Fade>& fade) {
   if (!fade) {
     json.Null();
     return;

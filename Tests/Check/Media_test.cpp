@@ -140,7 +140,7 @@ TEST_F(MediaFindings, compensationIsTheSystemsOwn) {
     }
     EXPECT_EQ(Told(checked.findings), "rate-compensated misplaced 20:32 entry 1\n") << row.name;
     ASSERT_EQ(checked.findings.size(), 1U) << row.name;
-    EXPECT_NE(checked.findings[0].effect.find(row.moved), std::string::npos)
+    EXPECT_NE(checked.findings[0].effect.Text().find(row.moved), std::string::npos)
         << checked.findings[0].effect;
   }
 }

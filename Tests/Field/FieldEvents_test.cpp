@@ -238,7 +238,7 @@ TEST(ReadEvents, fades) {
       const Event event =
           OnlyEvent("(Cut) I 1 1 1 " + kTimes + " _\n(" + label + ") " + row.values);
       const bool in = label[0] == 'I';
-      const std::optional<Fade>& fade = in ? event.fadeIn : event.fadeOut;
+      const Seldom<Fade>& fade = in ? event.fadeIn : event.fadeOut;
       EXPECT_EQ(in ? event.fadeInPlace : event.fadeOutPlace, event.place + 2);
       EXPECT_FALSE(in ? event.fadeOut : event.fadeIn);
       ASSERT_EQ(fade.has_value(), row.length.has_value());

@@ -144,7 +144,7 @@ void JudgeRates(const Case& c, Findings& findings) {
          {&cut.sourceIn, &cut.destinationIn, &cut.destinationOut}) {
       told = told || stamps.Judge(*event.edit, *stamp, severity, {.event = i});
     }
-    for (const std::optional<field::Fade>* const fade : {&event.fadeIn, &event.fadeOut}) {
+    for (const field::Seldom<field::Fade>* const fade : {&event.fadeIn, &event.fadeOut}) {
       if (told || !*fade) continue;
       const field::EntryPlace line = (*fade)->place;
       const field::Value length = field::ReadFadeTexts(tree, c.Line(line)).length;

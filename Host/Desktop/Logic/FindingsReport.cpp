@@ -67,9 +67,9 @@ int Compare(const Finding& a, const Finding& b, FindingColumn column) {
     case FindingColumn::Text:
       return Order(a.text, b.text);
     case FindingColumn::Effect:
-      return Order(a.effect, b.effect);
+      return Order(a.effect.Text(), b.effect.Text());
     case FindingColumn::Remedy:
-      return Order(a.remedy, b.remedy);
+      return Order(a.remedy.Text(), b.remedy.Text());
   }
   return 0;
 }
