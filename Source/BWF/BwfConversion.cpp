@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "BWF/AES31BWF.h"
+#include "BWF/BlocksAhead.h"
 #include "BWF/OutputFile.h"
 #include "BWF/SampleConversion.h"
 #include "BWF/StreamCopy.h"
@@ -51,20 +52,33 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
                                     applyGain ? &gain : nullptr);
   // A declared count below 0 has no samples, and a target without bytes takes none.
   const bool hasSamples = static_cast<std::int64_t>(frames) > 0 && conversion.TargetBytes() > 0;
-  std::uint64_t left = hasSamples ? frames * format.channels : 0;
+  const std::uint64_t all = hasSamples ? frames * format.channels : 0;
   const std::size_t blockSamples =
-      BlockSamples(conversion.SourceBytes(), conversion.TargetBytes(), left);
+      BlockSamples(conversion.SourceBytes(), conversion.TargetBytes(), all);
   const Bytes source = Allocate(blockSamples * conversion.SourceBytes());
   const Bytes converted = Allocate(blockSamples * conversion.TargetBytes());
   if (source == nullptr || converted == nullptr) return 1;
   if (stream == nullptr || target->stream == nullptr) return 2;
 
-  while (left > 0) {
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, blockSamples));
-    if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return 2;
-    conversion.Convert(source.get(), converted.get(), count);
-    if (!target->WriteBytes(converted.get(), count * conversion.TargetBytes())) return 2;
-    left -= count;
+  const auto blocks = static_cast<std::size_t>(all == 0 ? 0 : (all - 1) / blockSamples + 1);
+  const auto samplesOf = [&](std::size_t number) {
+    const std::uint64_t left = all - std::uint64_t{number} * blockSamples;
+    return static_cast<std::size_t>(std::min<std::uint64_t>(blockSamples, left));
+  };
+  const auto make = [&](std::size_t number, std::uint8_t* block) {
+    const std::size_t count = samplesOf(number);
+    if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return false;
+    conversion.Convert(source.get(), block, count);
+    return true;
+  };
+  const std::unique_ptr<BlocksAhead> ahead =
+      BlocksAhead::Start(blocks, blockSamples * conversion.TargetBytes(), make);
+  for (std::size_t number = 0; number < blocks; ++number) {
+    const std::uint8_t* const block = ahead != nullptr                ? ahead->Next()
+                                      : make(number, converted.get()) ? converted.get()
+                                                                      : nullptr;
+    if (block == nullptr) return 2;
+    if (!target->WriteBytes(block, samplesOf(number) * conversion.TargetBytes())) return 2;
   }
   return target->Flush() ? 0 : 2;
 }

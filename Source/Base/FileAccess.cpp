@@ -44,14 +44,21 @@ std::int64_t FileSize(std::FILE* stream) {
   return fstat(fileno(stream), &facts) == 0 ? std::int64_t{facts.st_size} : -1;
 }
 
+std::size_t ReadSomeAt(std::FILE* stream, std::int64_t place, void* bytes, std::size_t count) {
+  ssize_t got = 0;
+  do {
+    got = pread(fileno(stream), bytes, count, place);
+  } while (got < 0 && errno == EINTR);
+  return got > 0 ? static_cast<std::size_t>(got) : 0;
+}
+
 std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t got = pread(fileno(stream), static_cast<char*>(bytes) + done, count - done,
-                              place + static_cast<std::int64_t>(done));
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) break;
-    done += static_cast<std::size_t>(got);
+    const std::size_t got = ReadSomeAt(stream, place + static_cast<std::int64_t>(done),
+                                       static_cast<char*>(bytes) + done, count - done);
+    if (got == 0) break;
+    done += got;
   }
   return done;
 }

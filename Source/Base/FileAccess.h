@@ -19,8 +19,14 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 /// Bytes of an open file, -1 if the system cannot tell.
 [[nodiscard]] std::int64_t FileSize(std::FILE* stream);
 
-/// Reads up to `count` bytes from a place in an open file, past the stream: neither its buffer nor
-/// its position is touched.
+/// Reads from a place in an open file by one call to the system, past the stream: neither its
+/// buffer nor its position is touched.
+/// @return the bytes read; fewer than `count` mostly mean the end of the file, 0 means it for sure,
+///         or an error
+[[nodiscard]] std::size_t ReadSomeAt(std::FILE* stream, std::int64_t place, void* bytes,
+                                     std::size_t count);
+
+/// The same, but goes on until all is read.
 /// @return the bytes read; fewer than `count` at the end of the file and after an error
 [[nodiscard]] std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes,
                                  std::size_t count);

@@ -31,30 +31,59 @@ bool WaitUntilAfter(std::int64_t time) {
   }
   return true;
 }
+
+std::int64_t LastChange(const FileStamp& stamp) {
+  return std::max(stamp.contentsChanged, stamp.factsChanged);
+}
+
+/// Some file systems keep whole seconds, and a second is a long time to be changed in.
+bool IsInWholeSeconds(const FileStamp& stamp) {
+  return stamp.factsChanged % kNanosecondsPerSecond == 0;
+}
 #endif
 
 }  // namespace
 
+FileStamp StampOf(const struct stat& facts) {
+  FileStamp stamp{facts.st_dev, facts.st_ino, std::int64_t{facts.st_size}};
+#if defined(CLOCK_REALTIME_COARSE)
+  stamp.contentsChanged = Nanoseconds(facts.st_mtim);
+  stamp.factsChanged = Nanoseconds(facts.st_ctim);
+#endif
+  return stamp;
+}
+
+bool IsSettled([[maybe_unused]] const FileStamp& stamp) {
+#if defined(CLOCK_REALTIME_COARSE)
+  return !IsInWholeSeconds(stamp) && Now() > LastChange(stamp);
+#else
+  return false;
+#endif
+}
+
 std::optional<FileStamp> CurrentStamp([[maybe_unused]] const std::string& path) {
 #if defined(CLOCK_REALTIME_COARSE)
   struct stat facts {};
-  if (stat(path.c_str(), &facts) != 0) return std::nullopt;
-  return FileStamp{facts.st_dev, facts.st_ino, std::int64_t{facts.st_size},
-                   Nanoseconds(facts.st_mtim), Nanoseconds(facts.st_ctim)};
-#else
-  return std::nullopt;
+  if (stat(path.c_str(), &facts) == 0) return StampOf(facts);
 #endif
+  return std::nullopt;
+}
+
+std::optional<FileStamp> CurrentStamp([[maybe_unused]] std::FILE* stream) {
+#if defined(CLOCK_REALTIME_COARSE)
+  struct stat facts {};
+  if (fstat(fileno(stream), &facts) == 0) return StampOf(facts);
+#endif
+  return std::nullopt;
 }
 
 std::optional<FileStamp> SettledStamp(const std::string& path) {
   const std::optional<FileStamp> stamp = CurrentStamp(path);
 #if defined(CLOCK_REALTIME_COARSE)
-  if (!stamp) return std::nullopt;
-  const std::int64_t changed = std::max(stamp->contentsChanged, stamp->factsChanged);
-  // Some file systems keep whole seconds, and a second is a long time to be changed in.
-  const bool inWholeSeconds = stamp->factsChanged % kNanosecondsPerSecond == 0;
-  if (inWholeSeconds || !WaitUntilAfter(changed) || CurrentStamp(path) != stamp)
+  if (!stamp || IsInWholeSeconds(*stamp) || !WaitUntilAfter(LastChange(*stamp)) ||
+      CurrentStamp(path) != stamp) {
     return std::nullopt;
+  }
 #endif
   return stamp;
 }

@@ -3,8 +3,11 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
+
+struct stat;
 
 namespace velmora {
 
@@ -25,7 +28,14 @@ struct FileStamp {
 /// @return none if the file cannot be looked at, or if it or the system keeps no such times
 [[nodiscard]] std::optional<FileStamp> SettledStamp(const std::string& path);
 
+/// Whether every later change will make the stamp another one, without waiting for it.
+[[nodiscard]] bool IsSettled(const FileStamp& stamp);
+
 /// The stamp that the file has now; none if it cannot be looked at.
 [[nodiscard]] std::optional<FileStamp> CurrentStamp(const std::string& path);
+[[nodiscard]] std::optional<FileStamp> CurrentStamp(std::FILE* stream);
+
+/// The stamp among the facts of a file. Never settled where the system keeps no such times.
+[[nodiscard]] FileStamp StampOf(const struct stat& facts);
 
 }  // namespace velmora

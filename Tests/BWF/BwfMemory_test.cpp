@@ -197,8 +197,10 @@ TEST_F(BwfMemory, copyOfTheSameDepthIsBounded) {
 }
 
 TEST_F(BwfMemory, conversionAndRenderersHoldNoMoreThanTheirBlocks) {
-  AES31BWF source(folder.Write("long.wav", PlainWave({}, Ints(1 << 20, 0x4000))).c_str());
-  constexpr std::size_t kBlocks = 400 * 1024;
+  // Conversions hold five blocks: one as it was read, and four converted ones, so that some can be
+  // made ahead.
+  AES31BWF source(folder.Write("long.wav", PlainWave({}, Ints(8 << 20, 0x4000))).c_str());
+  constexpr std::size_t kBlocks = 4U << 20;
   EXPECT_LT(BytesFor([&] { EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone); }), kBlocks);
   EXPECT_LT(BytesFor([&] { EXPECT_NE(RenderScaledFile(target.c_str(), &source, 0.5), nullptr); }),
             kBlocks);
@@ -213,29 +215,31 @@ TEST_F(BwfMemory, writerAllocatesNothingForDeclaredFrames) {
 }
 
 TEST_F(BwfMemory, conversionWithoutMemoryGivesOneAndLeavesTheHeader) {
-  AES31BWF source(folder.Write("source.wav", PlainWave({}, {1, 2})).c_str());
+  constexpr std::int32_t kSamples = 100'000;  // 200,000 bytes, to become 300,000
+  AES31BWF source(folder.Write("source.wav", PlainWave({}, Ints(kSamples, 1))).c_str());
   {
-    AES31BWF file(target.c_str(), 48000, 1, 24, 2);
+    AES31BWF file(target.c_str(), 48000, 1, 24, kSamples);
     source.OpenAtData();
-    ScarceMemory scarce(30000);
+    ScarceMemory scarce(150'000);
     EXPECT_EQ(source.ConvertInto(&file, false, 0.0), 1);
   }
-  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, 2));
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, kSamples));
   {
-    ScarceMemory scarce(50000);  // the first of the two buffers can be had
+    ScarceMemory scarce(250'000);  // the first of the two buffers can be had
     EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyFailed);
   }
-  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, 2));
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 24, kSamples));
   EXPECT_EQ(source.CopyTo(target.c_str(), 24), CopyDone);
 }
 
 TEST_F(BwfMemory, scalingRendererWithoutMemoryGivesNullAndLeavesTheHeader) {
-  AES31BWF source(folder.Write("source.wav", PlainWave({}, {1, 2})).c_str());
+  constexpr std::int32_t kSamples = 100'000;
+  AES31BWF source(folder.Write("source.wav", PlainWave({}, Ints(kSamples, 1))).c_str());
   {
-    ScarceMemory scarce(30000);
+    ScarceMemory scarce(150'000);
     EXPECT_EQ(RenderScaledFile(target.c_str(), &source, 0.5), nullptr);
   }
-  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 16, 2));
+  EXPECT_EQ(TemporaryFolder::Read(target), WrittenHeader(48000, 1, 16, kSamples));
 }
 
 TEST_F(BwfMemory, copyOfTheSameDepthWithoutMemoryFailsWithAnEmptyTargetOrNeedsNone) {
