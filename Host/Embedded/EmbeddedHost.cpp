@@ -10,8 +10,6 @@
 
 #include "BWF/AES31BWF.h"
 #include "Embedded/AliasRecord.h"
-#include "Embedded/MacStatus.h"
-#include "Embedded/RegionMessageReader.h"
 
 namespace velmora::host {
 namespace {
@@ -68,18 +66,39 @@ std::uint32_t FolderId(const std::string& path) {
 std::int32_t EmbeddedHost::MakeAlias(const char* path, std::vector<std::uint8_t>& alias) {
   alias.clear();
   if (path == nullptr) return paramErr;
-  AliasRecord record;
-  if (const MacStatus status = MakeAbsolute(path, record.path); status != noErr) return status;
+  std::string absolute;
+  if (const MacStatus status = MakeAbsolute(path, absolute); status != noErr) return status;
   struct stat facts {};
   // An empty path is that of nothing, not of the current folder.
-  if (const MacStatus status = Stat(record.path, facts); status != noErr) return status;
-  if (record.path.find_first_not_of('/') == std::string::npos) return notAFileErr;
+  if (const MacStatus status = Stat(absolute, facts); status != noErr) return status;
+  if (absolute.find_first_not_of('/') == std::string::npos) return notAFileErr;
+  return AliasOf(absolute, facts, files_.find(absolute), alias);
+}
 
+/// An alias that is known is used again only while it is sure to come out the same: the facts of
+/// the file must be those that it was made of. The folder's number is safe where the file has no
+/// other name, since moving it into another folder changes its stamp.
+MacStatus EmbeddedHost::AliasOf(const std::string& path, const struct stat& facts,
+                                KnownFiles::iterator known, std::vector<std::uint8_t>& alias) {
+  const bool isKnown = known != files_.end();
+  const FileStamp stamp = StampOf(facts);
+  const bool hasOneName = facts.st_nlink == 1;
+  if (isKnown && hasOneName && !known->second.alias.empty() && known->second.aliasStamp == stamp) {
+    alias = known->second.alias;
+    return noErr;
+  }
+  AliasRecord record;
+  record.path = path;
   record.isFolder = S_ISDIR(facts.st_mode);
   record.fileId = FileId(facts);
-  record.folderId = FolderId(record.path);
+  record.folderId = FolderId(path);
   record.fileDate = MacTime(facts.st_mtime);
-  return EncodeAlias(record, alias) == AliasStatus::Ok ? noErr : paramErr;
+  if (EncodeAlias(record, alias) != AliasStatus::Ok) return paramErr;
+  if (isKnown && hasOneName && IsSettled(stamp)) {
+    known->second.alias = alias;
+    known->second.aliasStamp = stamp;
+  }
+  return noErr;
 }
 
 std::int32_t EmbeddedHost::Send(const RegionMessage& message) {
@@ -92,30 +111,59 @@ std::int32_t EmbeddedHost::Send(const RegionMessage& message) {
   struct stat facts {};
   if (const MacStatus status = Stat(alias.path, facts); status != noErr) return status;
   if (!S_ISREG(facts.st_mode)) return notAFileErr;
+  Land(received, alias.path, files_.find(alias.path));
+  return noErr;
+}
 
+std::int32_t EmbeddedHost::Place(const char* path, const RegionPlacement& placement,
+                                 std::string_view name) {
+  path_ = path != nullptr ? path : "";
+  // The alias of any other path leads to it in another form.
+  const bool isPlain = path_.size() > 1 && path_.size() <= kAliasPathLimit && path_[0] == '/' &&
+                       path_[1] != '/' && path_.back() != '/';
+  if (!isPlain) return SessionHost::Place(path, placement, name);
+  struct stat facts {};
+  if (const MacStatus status = Stat(path_, facts); status != noErr) return status;
+  FillRegionMessage(placement, name, message_);
+  const KnownFiles::iterator known = files_.find(path_);
+  if (const MacStatus status = AliasOf(path_, facts, known, message_.parameters[0].data);
+      status != noErr) {
+    return status;
+  }
+  ReceivedRegion received;
+  if (const MacStatus status = ReadRegionMessage(message_, received); status != noErr) {
+    return status;
+  }
+  if (!S_ISREG(facts.st_mode)) return notAFileErr;
+  Land(received, path_, known);
+  return noErr;
+}
+
+/// @param known what is known of the file; the end for nothing
+void EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
+                        KnownFiles::iterator known) {
   SessionRegion region;
   region.track = received.track;
   region.position = received.position;
   region.start = received.start;
   region.stop = received.stop;
   region.stream = received.stream;
-  region.path = std::move(alias.path);
+  region.path = path;
   region.name = received.name;
-  RemarkOn(session_->Place(std::move(region)));
-  return noErr;
+  const std::size_t index = session_->Place(std::move(region));
+  if (known == files_.end()) known = Probe(path);
+  RemarkOn(index, known->second);
 }
 
-EmbeddedHost::WaveFacts EmbeddedHost::Probe(const std::string& path) {
-  const auto [entry, isNew] = waves_.try_emplace(path);
-  if (isNew) {
-    AES31BWF wave(path.c_str());
-    entry->second.valid = wave.IsValid();
-    entry->second.frames = wave.frames;
-  }
-  return entry->second;
+EmbeddedHost::KnownFiles::iterator EmbeddedHost::Probe(std::string_view path) {
+  const auto known = files_.try_emplace(std::string(path)).first;
+  AES31BWF wave(known->first.c_str());
+  known->second.isWave = wave.IsValid();
+  known->second.frames = wave.frames;
+  return known;
 }
 
-void EmbeddedHost::RemarkOn(std::size_t index) {
+void EmbeddedHost::RemarkOn(std::size_t index, const KnownFile& file) {
   const SessionRegion& region = session_->Regions()[index];
   const auto remark = [&](std::string text) { remarks_.push_back({index, std::move(text)}); };
   const auto number = [](auto value) { return std::to_string(value); };
@@ -135,11 +183,10 @@ void EmbeddedHost::RemarkOn(std::size_t index) {
   if (region.stream != 1) remark("asks for stream " + number(region.stream));
   if (region.name.empty()) remark("has no name");
 
-  const WaveFacts wave = Probe(region.path);
-  if (!wave.valid) {
+  if (!file.isWave) {
     remark("its file is not a wave file that can be read");
-  } else if (region.stop > 0 && static_cast<std::uint64_t>(region.stop) > wave.frames) {
-    remark("stops at sample " + number(region.stop) + " of a file of " + number(wave.frames) +
+  } else if (region.stop > 0 && static_cast<std::uint64_t>(region.stop) > file.frames) {
+    remark("stops at sample " + number(region.stop) + " of a file of " + number(file.frames) +
            " samples");
   }
 }

@@ -14,9 +14,14 @@ std::size_t Session::Place(SessionRegion region) {
   const std::int64_t end = region.End();
   Pieces& pieces = tracks_[region.track];
   regions_.push_back(std::move(region));
-  if (end > position) {
+  if (end <= position) return index;
+  const VisiblePiece piece{index, position, end};
+  // Most regions come in the order of the timeline, and then cover nothing.
+  if (pieces.empty() || pieces.rbegin()->second.end <= position) {
+    pieces.emplace_hint(pieces.end(), position, piece);
+  } else {
     Clear(pieces, position, end);
-    pieces.emplace(position, VisiblePiece{index, position, end});
+    pieces.emplace(position, piece);
   }
   return index;
 }

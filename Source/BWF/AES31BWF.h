@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "BWF/BwfRecords.h"
@@ -125,7 +126,12 @@ class AES31BWF {
   std::int32_t CopyBytes(OutputFile& file);
   std::int32_t CopyConverted(OutputFile& file, std::int32_t bitDepth);
 
-  OutputFile* handed_ = nullptr;  ///< the file of a CopyInto that is under way; not owned
+  /// Lets a small file collect in memory, so that it goes to the disk in one write when it is
+  /// closed.
+  void CollectIfSmall(std::size_t bytes);
+
+  OutputFile* handed_ = nullptr;       ///< the file of a CopyInto that is under way; not owned
+  std::unique_ptr<char[]> collected_;  ///< the stream's buffer, if it is not the stream's own
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
   bool writeFailed_ = false;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,7 @@ constexpr std::uint32_t kRiffOverhead =
 
 class HeaderBytes {
  public:
+  explicit HeaderBytes(std::size_t count) { bytes_.reserve(count); }
   void Code(std::string_view fourCharacters) { bytes_ += fourCharacters; }
   void Zeros(std::size_t count) { bytes_.append(count, '\0'); }
   void U16(std::uint32_t value) { Number(value, 2); }
@@ -47,7 +49,7 @@ class HeaderBytes {
 
 /// All sizes are final: they come from the declared frames, and closing the file patches nothing.
 std::string HeaderOf(const BwfFormat& format, std::uint32_t dataSize) {
-  HeaderBytes header;
+  HeaderBytes header(kRiffOverhead + kChunkHeadBytes);
   header.Code("RIFF");
   header.U32(dataSize + kRiffOverhead);
   header.Code("WAVE");
@@ -78,8 +80,7 @@ AES31BWF::AES31BWF(const char* filePath, std::uint32_t sampleRate, std::uint32_t
 }
 
 AES31BWF::AES31BWF(OutputFile& file, std::uint32_t sampleRate, std::uint32_t channels,
-                   std::int32_t bitDepth, std::int32_t frameCount)
-    : path(file.Path()) {
+                   std::int32_t bitDepth, std::int32_t frameCount) {
   DeclareFrames(sampleRate, channels, bitDepth, frameCount);
   CreateIn(file);
 }
@@ -101,11 +102,19 @@ void AES31BWF::DeclareFrames(std::uint32_t sampleRate, std::uint32_t channels,
 void AES31BWF::CreateIn(OutputFile& file) {
   const std::string header = HeaderOf(format, dataSize_);
   stream = file.Create();
-  if (stream == nullptr) return;
   path = file.Path();
+  if (stream == nullptr) return;
+  CollectIfSmall(header.size() + dataSize_);
   hasBext = hasFormat = hasData = true;
   dataOffset = static_cast<std::int64_t>(header.size());
   WriteBytes(header.data(), header.size());
+}
+
+void AES31BWF::CollectIfSmall(std::size_t bytes) {
+  constexpr std::size_t kSmallBytes = std::size_t{64} << 10;
+  if (bytes > kSmallBytes) return;
+  collected_.reset(new (std::nothrow) char[bytes]);
+  if (collected_ != nullptr) std::setvbuf(stream.get(), collected_.get(), _IOFBF, bytes);
 }
 
 bool AES31BWF::WriteBytes(const void* bytes, std::size_t count) {
@@ -130,6 +139,7 @@ void AES31BWF::NoteWriteError() {
 void AES31BWF::CloseFile() {
   if (stream == nullptr) return;
   if (std::fclose(stream.release()) != 0) NoteWriteError();
+  collected_.reset();
 }
 
 void AES31BWF::WriteSample(float value) {

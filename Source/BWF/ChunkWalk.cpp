@@ -30,7 +30,8 @@ void HeaderReader::ReadBlock() {
   blockBegin_ = place_;
   blockBytes_ = 0;
   if (stream == nullptr) return;
-  blockBytes_ = static_cast<std::int64_t>(ReadAt(stream, place_, block_.data(), block_.size()));
+  // A block that comes out short is taken as it is: what is missing is read when it is asked for.
+  blockBytes_ = static_cast<std::int64_t>(ReadSomeAt(stream, place_, block_.data(), block_.size()));
 }
 
 std::vector<std::uint8_t> HeaderReader::Bytes(std::int64_t count) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,12 @@ class HeaderReader {
 
   template <class Container>
   void Fill(Container& bytes) {
+    static_assert(sizeof(typename Container::value_type) == 1);
+    if (Holds(static_cast<std::int64_t>(bytes.size()))) {
+      std::memcpy(bytes.data(), block_.data() + (place_ - blockBegin_), bytes.size());
+      place_ += static_cast<std::int64_t>(bytes.size());
+      return;
+    }
     for (auto& byte : bytes) byte = static_cast<typename Container::value_type>(Byte());
   }
 

@@ -16,7 +16,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   /// Final once Create has returned.
-  [[nodiscard]] const std::string& Path() const { return path_; }
+  [[nodiscard]] virtual const std::string& Path() { return path_; }
 
   /// The new file, open for writing; null if it cannot be created.
   [[nodiscard]] virtual FileStream Create() = 0;

@@ -8,6 +8,12 @@
 
 namespace velmora {
 
+/// Where a series of names stands.
+struct NameSeries {
+  std::uint64_t number = 0;  ///< of the name given last, 0 for the one without a number
+  bool made = false;         ///< its file was made and kept
+};
+
 /// A new file under the first free name of a series: take_Gain.wav, take_Gain.1.wav,
 /// take_Gain.2.wav and on.
 ///
@@ -22,21 +28,27 @@ class NewFile : public OutputFile {
   /// Removes the file if it was created but not kept: a name taken in vain is given back.
   ~NewFile() override;
 
+  /// Looks the first free name up, unless that has been done or the file has been created.
+  [[nodiscard]] const std::string& Path() override;
   [[nodiscard]] FileStream Create() override;
-  void Keep() override { created_ = false; }
+  void Keep() override;
 
  private:
   friend class OutputNames;
-  /// @param number where the series stands, moved on to the name that is taken; must outlive this
-  NewFile(std::string base, std::string extension, std::uint64_t& number);
+  /// @param series moved on to the name that is taken; must outlive this
+  NewFile(std::string base, std::string extension, NameSeries& series);
 
   /// Takes the first free name from `number_` on.
   void GoToFreeName();
   void GoTo(std::uint64_t number);
+  void GoToLikelyName();
+  /// Creates the file under the name that it stands at.
+  [[nodiscard]] FileStream CreateHere();
 
   std::string base_;
   std::string extension_;
-  std::uint64_t& number_;
+  NameSeries& series_;
+  bool named_ = false;    ///< the name has been looked up, or taken
   bool created_ = false;  ///< and not kept yet
 };
 
@@ -53,7 +65,7 @@ class OutputNames {
   [[nodiscard]] std::string Find(const std::string& source, const char* folder, const char* suffix);
 
  private:
-  std::unordered_map<std::string, std::uint64_t> lastNumber_;  ///< by base, NUL, extension
+  std::unordered_map<std::string, NameSeries> series_;  ///< by base, NUL, extension
 };
 
 /// The stem: from after the last `/` to before the first `.` that follows. Stem and extension

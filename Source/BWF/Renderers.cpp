@@ -17,20 +17,36 @@ bool IsWave(AES31BWF* file) {
 /// Closes a file that is read on every way out of a renderer.
 class ClosingSource {
  public:
-  explicit ClosingSource(AES31BWF& file) : file_(file) {}
-  ~ClosingSource() { file_.CloseFile(); }
+  /// @param kept where its stream may stay; null for nowhere
+  explicit ClosingSource(AES31BWF& file, KeptStreams* kept = nullptr) : file_(file), kept_(kept) {}
+  ~ClosingSource() {
+    if (kept_ != nullptr) {
+      kept_->Close(file_);
+    } else {
+      file_.CloseFile();
+    }
+  }
   ClosingSource(const ClosingSource&) = delete;
   ClosingSource& operator=(const ClosingSource&) = delete;
 
   /// False if frames are wanted and the file has gone since the project was loaded. An open one
   /// keeps its position.
   bool OpenFor(std::int64_t frames) {
-    if (file_.stream == nullptr && frames > 0) file_.OpenAtData();
+    if (file_.stream == nullptr && frames > 0) Open();
     return file_.stream != nullptr || frames <= 0;
   }
 
  private:
+  void Open() {
+    if (kept_ != nullptr) {
+      kept_->Open(file_);
+    } else {
+      file_.OpenAtData();
+    }
+  }
+
   AES31BWF& file_;
+  KeptStreams* kept_;
 };
 
 /// A new file in the format of `model`; null if it cannot be created, or if a length from the
@@ -88,8 +104,8 @@ void MultiplyByLine(float* values, std::uint32_t given, std::int64_t frames, dou
 }
 
 std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int64_t length,
-                                    bool rising, std::int64_t first) {
-  ClosingSource closing(source);
+                                    bool rising, std::int64_t first, KeptStreams* kept) {
+  ClosingSource closing(source, kept);
   if (!closing.OpenFor(length)) return nullptr;
   const std::uint32_t channels = source.GetChannels();
   const std::int64_t blockFrames = BlockFrames(length, channels);
@@ -113,9 +129,9 @@ std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int
 
 std::unique_ptr<AES31BWF> WriteCrossfade(OutputFile& file, AES31BWF& outgoing, AES31BWF& incoming,
                                          std::int64_t firstOutgoing, std::int64_t firstIncoming,
-                                         std::int64_t length) {
-  ClosingSource closingIncoming(incoming);  // closed last
-  ClosingSource closingOutgoing(outgoing);
+                                         std::int64_t length, KeptStreams* kept) {
+  ClosingSource closingIncoming(incoming, kept);  // closed last
+  ClosingSource closingOutgoing(outgoing, kept);
   if (!closingOutgoing.OpenFor(length) || !closingIncoming.OpenFor(length)) return nullptr;
   const std::uint32_t channels = outgoing.GetChannels();
   const std::int64_t blockFrames = BlockFrames(length, channels);
@@ -165,29 +181,32 @@ std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, d
 }
 
 std::unique_ptr<AES31BWF> RenderFadeInto(OutputFile& file, AES31BWF* source, std::int64_t length,
-                                         bool rising, std::int64_t first) {
+                                         bool rising, std::int64_t first, KeptStreams* kept) {
   if (!IsWave(source)) return nullptr;
-  return Finish(WriteFade(file, *source, length, rising, first));
+  return Finish(WriteFade(file, *source, length, rising, first, kept));
 }
 
 std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
                                          bool rising, std::int64_t first) {
   NamedFile file(path);
-  return RenderFadeInto(file, source, length, rising, first);
+  return RenderFadeInto(file, source, length, rising, first, nullptr);
 }
 
 std::unique_ptr<AES31BWF> RenderCrossfadeInto(OutputFile& file, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
-                                              std::int64_t firstIncoming, std::int64_t length) {
+                                              std::int64_t firstIncoming, std::int64_t length,
+                                              KeptStreams* kept) {
   if (!IsWave(outgoing) || !IsWave(incoming)) return nullptr;
-  return Finish(WriteCrossfade(file, *outgoing, *incoming, firstOutgoing, firstIncoming, length));
+  return Finish(
+      WriteCrossfade(file, *outgoing, *incoming, firstOutgoing, firstIncoming, length, kept));
 }
 
 std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
                                               std::int64_t firstIncoming, std::int64_t length) {
   NamedFile file(path);
-  return RenderCrossfadeInto(file, outgoing, incoming, firstOutgoing, firstIncoming, length);
+  return RenderCrossfadeInto(file, outgoing, incoming, firstOutgoing, firstIncoming, length,
+                             nullptr);
 }
 
 }  // namespace velmora

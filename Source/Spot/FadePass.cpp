@@ -10,6 +10,7 @@
 #include "Timecode/AdlTime.h"
 
 namespace velmora {
+
 bool SpotPasses::FadePass() {
   // The live event handled last. Nothing looks further back, and nothing ahead.
   const AES31Event* previous = nullptr;
@@ -40,7 +41,7 @@ void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {
   NewFile target = DerivedFile(event, "_FadeIn");
   const std::int64_t length = AdlToSamples(event.infade.length);
   std::unique_ptr<AES31BWF> file =
-      RenderFadeInto(target, event.sourceFile, length, true, FirstSample(event));
+      RenderFadeInto(target, event.sourceFile, length, true, FirstSample(event), &kept_);
   SpotPiece(index, event, RegionPiece::FadeIn, std::move(file), target.Path(),
             AdlToSamples(event.cut.destIn), length);
 }
@@ -52,7 +53,7 @@ void SpotPasses::MakeCrossfade(std::int32_t index, const AES31Event& previous,
   const std::int64_t length = AdlToSamples(event.infade.length);
   std::unique_ptr<AES31BWF> file =
       RenderCrossfadeInto(target, previous.sourceFile, event.sourceFile,
-                          FirstSampleOfTail(previous, length), FirstSample(event), length);
+                          FirstSampleOfTail(previous, length), FirstSample(event), length, &kept_);
   SpotPiece(index, event, RegionPiece::Crossfade, std::move(file), target.Path(),
             AdlToSamples(event.cut.destIn), length);
 }
@@ -61,8 +62,8 @@ void SpotPasses::MakeFadeOut(std::int32_t index, const AES31Event& event) {
   if (event.sourceFile == nullptr) return;
   NewFile target = DerivedFile(event, "_FadeOut");
   const std::int64_t length = AdlToSamples(event.outfade.length);
-  std::unique_ptr<AES31BWF> file =
-      RenderFadeInto(target, event.sourceFile, length, false, FirstSampleOfTail(event, length));
+  std::unique_ptr<AES31BWF> file = RenderFadeInto(target, event.sourceFile, length, false,
+                                                  FirstSampleOfTail(event, length), &kept_);
   SpotPiece(index, event, RegionPiece::FadeOut, std::move(file), target.Path(),
             WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
 }

@@ -50,6 +50,11 @@ struct RegionPlacement {
                                                std::string_view name,
                                                std::vector<std::uint8_t> alias);
 
+/// The same in a message that has been used before: its memory is used again. The alias, the data
+/// of the first parameter, stays as it is.
+void FillRegionMessage(const RegionPlacement& placement, std::string_view name,
+                       RegionMessage& message);
+
 /// Where messages go.
 class RegionHost {
  public:
@@ -59,6 +64,11 @@ class RegionHost {
   virtual std::int32_t MakeAlias(const char* path, std::vector<std::uint8_t>& alias) = 0;
   /// Hands the message over. 0, or a status, of which the low 16 bits count.
   virtual std::int32_t Send(const RegionMessage& message) = 0;
+  /// Places a region of the file at `path`: makes the alias, builds the message and sends it. A
+  /// host inside this program may do that in one, with the same answers.
+  /// @return 0, or the status of the step that failed, its low 16 bits sign-extended
+  virtual std::int32_t Place(const char* path, const RegionPlacement& placement,
+                             std::string_view name);
 };
 
 }  // namespace velmora

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "BWF/KeptStreams.h"
 #include "BWF/OutputPaths.h"
 #include "Spot/MadeFiles.h"
 #include "Spot/RegionSpotter.h"
@@ -69,6 +70,7 @@ class SpotPasses {
   SpotObserver& observer_;
   OutputNames names_;
   MadeFiles made_;
+  KeptStreams kept_;  ///< of the sources that fades are made of
   std::int32_t progress_ = 0;
 };
 

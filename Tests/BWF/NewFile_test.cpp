@@ -88,6 +88,18 @@ TEST_F(NewFileTest, takesTheFirstFreeName) {
   }
 }
 
+TEST_F(NewFileTest, nameThatNobodyAskedForIsTheSame) {
+  folder.Write("a.wav", "in use");
+  OutputNames names;
+  for (const char* const expected : {"/a.1.wav", "/a.2.wav", "/a.3.wav"}) {
+    NewFile file = New(names);
+    EXPECT_TRUE(WriteInto(file));
+    EXPECT_EQ(file.Path(), root + expected);
+    EXPECT_EQ(TemporaryFolder::Read(root + expected), "made");
+  }
+  EXPECT_EQ(TemporaryFolder::Read(root + "/a.wav"), "in use");
+}
+
 TEST_F(NewFileTest, namesHeldInAnyFormArePassedOver) {
   OrdinaryRights rights;  // as the owner of a fresh folder, so that rights count
   TemporaryFolder own;
@@ -166,9 +178,11 @@ TEST_F(NewFileTest, folderThatRefusesEveryNameEndsAtTheFirst) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.rule);
     OutputNames names;
-    for (int again = 0; again < 2; ++again) {
+    for (const bool isAskedBefore : {true, false, true}) {
       NewFile file = names.New(source, row.folder.c_str(), "");
-      EXPECT_EQ(file.Path(), row.folder + row.first);
+      if (isAskedBefore) {
+        EXPECT_EQ(file.Path(), row.folder + row.first);
+      }
       EXPECT_EQ(file.Create(), nullptr);
       EXPECT_EQ(file.Path(), row.folder + row.first);
     }

@@ -5,10 +5,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <limits>
+#include <thread>
+#include <tuple>
 
 #include "Embedded/AliasRecord.h"
 #include "Embedded/MacStatus.h"
@@ -550,6 +554,129 @@ TEST_F(EmbeddedHostTest, receivesWhatARegionSpotterSends) {
   EXPECT_EQ(regions[1].name, "drum_Gain");
   ASSERT_EQ(host_.Remarks().size(), 1u);
   EXPECT_EQ(host_.Remarks()[0].region, 1u);
+}
+
+/// A host that is reached by its alias and its message alone.
+class ByMessage : public RegionHost {
+ public:
+  explicit ByMessage(RegionHost& host) : host_(host) {}
+  std::int32_t MakeAlias(const char* path, Bytes& alias) override {
+    return host_.MakeAlias(path, alias);
+  }
+  std::int32_t Send(const RegionMessage& message) override { return host_.Send(message); }
+
+ private:
+  RegionHost& host_;
+};
+
+TEST_F(EmbeddedHostTest, placesAtOnceWhatAliasAndMessagePlace) {
+  folder_.Write("folder/wave.wav", Wave(10));
+  folder_.Write("no wave", "text");
+  std::vector<std::string> paths = {"",
+                                    "/",
+                                    "//",
+                                    "relative",
+                                    "/tmp",
+                                    wave_,
+                                    "/" + wave_,
+                                    wave_ + "/",
+                                    wave_ + "/below",
+                                    folder_.Path("gone.wav"),
+                                    folder_.Path("folder"),
+                                    folder_.Path("folder/../drum.wav"),
+                                    folder_.Path("folder//wave.wav"),
+                                    folder_.Path("no wave"),
+                                    "/" + std::string(5000, 'x'),
+                                    folder_.Path("a\nb\x80:c")};
+  folder_.Write("a\nb\x80:c", Wave(5));
+  const RegionPlacement placements[] = {
+      {.track = 3, .position = 4800, .start = 1, .stop = 7},
+      {.track = 3, .position = -1, .stream = 2, .relative = true, .start = -5, .stop = 2000},
+      {.track = -1, .stop = 1},
+      {.track = -100, .stop = 1},
+      {.track = 32767, .stop = 1},
+      {.track = -1, .relative = true, .stop = 1}};
+  Session expected;
+  EmbeddedHost plain(expected);
+  ByMessage byMessage(plain);
+  for (int round = 0; round < 3; ++round) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    for (const std::string& path : paths) {
+      for (const RegionPlacement& placement : placements) {
+        for (const std::string& name : {std::string(), std::string("n"), std::string(300, 'n')}) {
+          ASSERT_EQ(host_.Place(path.c_str(), placement, name),
+                    byMessage.Place(path.c_str(), placement, name))
+              << path;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(host_.Place(nullptr, placements[0], "n"), paramErr);
+  ASSERT_EQ(session_.Regions().size(), expected.Regions().size());
+  EXPECT_GT(expected.Regions().size(), 100U);
+  for (std::size_t i = 0; i < expected.Regions().size(); ++i) {
+    const SessionRegion& a = session_.Regions()[i];
+    const SessionRegion& b = expected.Regions()[i];
+    EXPECT_EQ(std::tie(a.track, a.position, a.start, a.stop, a.stream, a.path, a.name),
+              std::tie(b.track, b.position, b.start, b.stop, b.stream, b.path, b.name));
+  }
+  ASSERT_EQ(host_.Remarks().size(), plain.Remarks().size());
+  for (std::size_t i = 0; i < plain.Remarks().size(); ++i) {
+    EXPECT_EQ(host_.Remarks()[i].region, plain.Remarks()[i].region);
+    EXPECT_EQ(host_.Remarks()[i].text, plain.Remarks()[i].text);
+  }
+}
+
+struct ChangeRow {
+  const char* rule;
+  std::function<void(const std::filesystem::path& folder)> change;
+};
+
+/// A host that knows a file makes the alias that one makes which has never seen it.
+TEST_F(EmbeddedHostTest, aliasOfAKnownFileIsNeverStale) {
+  namespace fs = std::filesystem;
+  const ChangeRow rows[] = {
+      {"nothing", [](const fs::path&) {}},
+      {"contents", [](const fs::path& f) { std::ofstream(f / "now/x.wav", std::ios::app) << "x"; }},
+      {"date", [](const fs::path& f) { fs::last_write_time(f / "now/x.wav", {}); }},
+      {"otherFile", [](const fs::path& f) { fs::rename(f / "x2.wav", f / "now/x.wav"); }},
+      {"otherFolder",
+       [](const fs::path& f) {
+         fs::rename(f / "now", f / "before");
+         fs::create_directory(f / "now");
+         fs::rename(f / "before/x.wav", f / "now/x.wav");
+       }},
+      {"linkToAnotherFolder",
+       [](const fs::path& f) {
+         fs::rename(f / "now", f / "before");
+         fs::create_directory_symlink("other", f / "now");
+       }},
+  };
+  for (const ChangeRow& row : rows) {
+    SCOPED_TRACE(row.rule);
+    const std::string before = std::string(row.rule) + "/";
+    const std::string path = folder_.Write(before + "now/x.wav", Wave(10));
+    folder_.Write(before + "x2.wav", Wave(20));
+    folder_.Write(before + "other/y.wav", Wave(20));
+    // One file in two folders, each by its own name and since long before.
+    fs::create_hard_link(path, folder_.Path(before + "other/x.wav"));
+    if (std::string(row.rule) != "linkToAnotherFolder") {
+      fs::remove(folder_.Path(before + "other/x.wav"));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), noErr);
+    row.change(folder_.Path(row.rule));
+    Session other;
+    EmbeddedHost fresh(other);
+    for (int i = 0; i < 2; ++i) {
+      Bytes expected;
+      ASSERT_EQ(fresh.MakeAlias(path.c_str(), expected), noErr);
+      EXPECT_EQ(Alias(path), expected);
+      ASSERT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), noErr);
+    }
+    fs::remove(path);
+    EXPECT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), fnfErr);
+  }
 }
 
 TEST_F(EmbeddedHostTest, spotterOfAMissingFileSendsNothing) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Spot/FadeFixture.h"
@@ -156,6 +158,26 @@ TEST_F(FadePassTest, missingSourceMakesNoPiece) {
   EXPECT_TRUE(Run());
   EXPECT_EQ(observer.files, Lines{});
   EXPECT_EQ(host.messages.size(), 0U);
+}
+
+TEST_F(FadePassTest, sourceThatGoesAmongItsPiecesMakesNoFurtherOne) {
+  const std::string fade = FadeLength(4);
+  LoadCuts({{.destIn = Stamp(100), .destOut = Stamp(150), .infade = fade, .outfade = fade},
+            {.destIn = Stamp(300), .destOut = Stamp(350), .infade = fade},
+            {.source = 2,
+             .sourceIn = Stamp(1030),
+             .destIn = Stamp(500),
+             .destOut = Stamp(550),
+             .infade = fade}});
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // its stream may be kept by then
+  host.onSend = [this] {
+    if (host.messages.size() == 4) std::filesystem::remove(folder.Path("a.wav"));
+  };
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(observer.files,
+            (std::vector<std::string>{"fade 0 a_FadeIn.wav 0", "fade 0 a_FadeOut.wav 2",
+                                      "fade 1 a_FadeIn.1.wav 2", "fade 2 b_FadeIn.wav 0"}));
+  EXPECT_EQ(PieceFiles(), (std::vector<std::string>{"a_FadeIn.wav", "b_FadeIn.wav"}));
 }
 
 TEST_F(FadePassTest, failedRendererHasNoRegion) {
