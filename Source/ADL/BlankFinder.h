@@ -38,20 +38,18 @@ class BlankFinder {
 
   /// Bytes from `at` to the first whose bit is set once all bits are flipped by `flip`.
   std::ptrdiff_t Distance(const char* at, std::uint64_t flip) {
-    const char* from = at;
     // Subtracted as numbers: a window that lies elsewhere gives some number beyond its width.
     std::size_t offset =
-        reinterpret_cast<std::uintptr_t>(from) - reinterpret_cast<std::uintptr_t>(window_);
+        reinterpret_cast<std::uintptr_t>(at) - reinterpret_cast<std::uintptr_t>(window_);
     if (offset >= kWidth) {
-      if (from >= end_) return end_ - at;
-      MoveTo(from);
+      if (at >= end_) return end_ - at;
+      MoveTo(at);
       offset = 0;
     }
     std::uint64_t found = (blanks_ ^ flip) >> offset;
     while (found == 0) {
-      from = window_ + kWidth;
       if (Remaining() <= kWidth) return end_ - at;
-      MoveTo(from);
+      MoveTo(window_ + kWidth);
       offset = 0;
       found = blanks_ ^ flip;
     }

@@ -78,6 +78,26 @@ TEST(LinkEvents, cutOnAnAbsentNumberStaysWithNulls) {
   ExpectUnlinked(linked.event(), "absent");
 }
 
+TEST(LinkEvents, findsNumbersOverTheWholeRange) {
+  for (const char* const between : {"5", "1000000"}) {
+    const LoadedProject project(Adl(
+        "(Index) 4 (F) l _ s4 _ (Index) " + std::string(between) + " (F) l _ s _\n",
+        "(Entry) 1 (Cut) I 4 1 1 a b c d (Entry) 2 (Cut) I " + std::string(between) +
+            " 1 1 a b c d\n(Entry) 3 (Cut) I 3 1 1 a b c d (Entry) 4 (Cut) I 1000001 1 1 a b c d"
+            " (Entry) 5 (Cut) I -2147483648 1 1 a b c d (Entry) 6 (Cut) I 2147483647 1 1 a b c d"));
+    ASSERT_EQ(project->GetEventCount(), 6);
+    EXPECT_EQ(Shown(project->events[0].sourceStart), "s4") << between;
+    EXPECT_EQ(Shown(project->events[1].sourceStart), "s") << between;
+    for (std::size_t i = 2; i < 6; ++i) EXPECT_EQ(project->events[i].sourceStart, nullptr) << i;
+  }
+  const LoadedProject ends(
+      Adl("(Index) -2147483648 (F) l _ low _ (Index) 2147483647 (F) l _ high _\n",
+          "(Entry) 1 (Cut) I 2147483647 1 1 a b c d (Entry) 2 (Cut) I -2147483648 1 1 a b c d"));
+  ASSERT_EQ(ends->GetEventCount(), 2);
+  EXPECT_EQ(Shown(ends->events[0].sourceStart), "high");
+  EXPECT_EQ(Shown(ends->events[1].sourceStart), "low");
+}
+
 TEST(LinkEvents, cutOnMinusOneCountsAsHavingNoSource) {
   Linked linked("(Entry) 1 (Cut) I -1 1 1 a b c d");
   ASSERT_NE(linked.project().sourceFiles[-1].file, nullptr);
