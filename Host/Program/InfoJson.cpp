@@ -24,8 +24,11 @@ class InfoJson {
   void Write(const std::string& path);
 
  private:
-  /// An array of `count` elements. `write` is called with a stream and an index, perhaps by several
-  /// threads.
+  /// An array of `count` elements. `write` is called with a stream and the first index and one past
+  /// the last of those to write, perhaps by several threads.
+  template <class WriteElements>
+  void WriteBlocks(std::size_t count, const WriteElements& write);
+  /// The same with a call for each element.
   template <class WriteElement>
   void WriteArray(std::size_t count, const WriteElement& write);
 
@@ -44,16 +47,23 @@ class InfoJson {
   JsonStream json_;
 };
 
-template <class WriteElement>
-void InfoJson::WriteArray(std::size_t count, const WriteElement& write) {
+template <class WriteElements>
+void InfoJson::WriteBlocks(std::size_t count, const WriteElements& write) {
   json_.BeginArray();
   out_.InBlocks(count, kElementsPerBlock,
                 [&write](CharBuffer& text, std::size_t begin, std::size_t end) {
                   JsonStream json(text);
                   if (begin > 0) json.ContinueArray();
-                  for (std::size_t i = begin; i < end; ++i) write(json, i);
+                  write(json, begin, end);
                 });
   json_.EndArray();
+}
+
+template <class WriteElement>
+void InfoJson::WriteArray(std::size_t count, const WriteElement& write) {
+  WriteBlocks(count, [&write](JsonStream& json, std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) write(json, i);
+  });
 }
 
 void InfoJson::WriteDiagnostics() {
@@ -148,29 +158,41 @@ void InfoJson::WriteSpan() {
   json_.Key("totalEnd").ProjectText(model_.totalEndTime.c_str());
 }
 
-void WriteCell(JsonStream& json, const CellValue& cell, ColumnText text) {
-  if (cell.kind == CellValue::Integer) {
-    json.Integer(cell.integer);
-  } else if (cell.kind == CellValue::None) {
-    json.Null();
-  } else if (text == ColumnText::Project) {
-    json.ProjectText(cell.text.c_str());
-  } else {
-    json.Text(cell.text);
+/// A cell of a row. `text` is room for it, and empty.
+void WriteCell(JsonStream& json, const ViewModel& model, const TableColumn& column,
+               std::int32_t row, std::string& text) {
+  switch (column.append(model, row, text)) {
+    case CellValue::None:
+      json.Null();
+      break;
+    case CellValue::Integer:
+      json.Word(text);
+      break;
+    case CellValue::Text:
+      if (column.text == ColumnText::Project) {
+        json.ProjectText(text.c_str());
+      } else {
+        json.Text(text);
+      }
   }
 }
 
 void InfoJson::WriteTable(const Table& table) {
   const std::int32_t rows = std::min(table.rows(model_), kMostTableRows);
   json_.Key(table.identifier);
-  WriteArray(static_cast<std::size_t>(rows), [this, &table](JsonStream& json, std::size_t row) {
-    json.BeginObject();
-    for (const TableColumn& column : table.columns) {
-      json.Key(column.identifier);
-      WriteCell(json, column.value(model_, static_cast<std::int32_t>(row)), column.text);
-    }
-    json.EndObject();
-  });
+  WriteBlocks(static_cast<std::size_t>(rows),
+              [this, &table](JsonStream& json, std::size_t begin, std::size_t end) {
+                std::string text;
+                for (std::size_t row = begin; row < end; ++row) {
+                  json.BeginObject();
+                  for (const TableColumn& column : table.columns) {
+                    json.Key(column.identifier);
+                    text.clear();
+                    WriteCell(json, model_, column, static_cast<std::int32_t>(row), text);
+                  }
+                  json.EndObject();
+                }
+              });
 }
 
 void InfoJson::Write(const std::string& path) {

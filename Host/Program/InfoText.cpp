@@ -56,13 +56,10 @@ class ViewRows : public TableRows {
   }
 
   [[nodiscard]] std::size_t Count() const override { return count_; }
-  void AppendCell(std::size_t row, std::size_t column, std::string& text) const override {
-    const CellValue value = columns_[column].value(model_, static_cast<std::int32_t>(row));
-    if (value.kind == CellValue::Integer) {
-      text += value.integer != 0 ? 'x' : '-';
-    } else {
-      text += value.text;
-    }
+  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
+    const CellValue::Kind kind =
+        columns_[column].append(model_, static_cast<std::int32_t>(row), text);
+    if (kind == CellValue::Integer) text = text != "0" ? 'x' : '-';
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override {
     const auto number = static_cast<std::int32_t>(row);
@@ -133,7 +130,7 @@ class SourceRows : public TableRows {
   }
 
   [[nodiscard]] std::size_t Count() const override { return sources_.size(); }
-  void AppendCell(std::size_t row, std::size_t column, std::string& text) const override {
+  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
     const auto& [index, source] = *sources_[row];
     if (column == 0) text += std::to_string(index);
     if (column == 1) text += kFindings[static_cast<std::size_t>(FindingOf(source))];

@@ -85,11 +85,7 @@ bool JsonStream::AsciiText(std::string_view text) {
 
 JsonStream& JsonStream::Text(std::string_view text) {
   if (AsciiText(text)) return *this;
-  const std::string mended = host::JsonText(std::string(text));
-  char* const room = Separated(mended.size());
-  std::memcpy(room, mended.data(), mended.size());
-  text_.Take(room + mended.size());
-  return *this;
+  return Word(host::JsonText(std::string(text)));
 }
 
 JsonStream& JsonStream::ProjectText(const char* text) {

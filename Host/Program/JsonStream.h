@@ -59,8 +59,10 @@ class JsonStream {
   JsonStream& Real(double number);
   /// The same in the form that JsonText has: a whole number ends in ".0".
   JsonStream& Decimal(double number);
-  JsonStream& Boolean(bool value) { return value ? Word("true") : Word("false"); }
-  JsonStream& Null() { return Word("null"); }
+  /// A value in the form that it has in JSON.
+  JsonStream& Word(std::string_view word) { return Word(word.data(), word.size()); }
+  JsonStream& Boolean(bool value) { return value ? Word("true", 4) : Word("false", 5); }
+  JsonStream& Null() { return Word("null", 4); }
   template <class Number>
   JsonStream& IntegerOrNull(const std::optional<Number>& number) {
     return number ? Integer(*number) : Null();
@@ -93,11 +95,10 @@ class JsonStream {
     needsComma_ = false;
     return *this;
   }
-  template <std::size_t kSize>
-  JsonStream& Word(const char (&word)[kSize]) {
-    char* const room = Separated(kSize - 1);
-    std::memcpy(room, word, kSize - 1);
-    text_.Take(room + kSize - 1);
+  JsonStream& Word(const char* word, std::size_t size) {
+    char* const room = Separated(size);
+    std::memcpy(room, word, size);
+    text_.Take(room + size);
     return *this;
   }
   JsonStream& Open(char bracket) {

@@ -91,7 +91,7 @@ void RowPrinter::Measure(std::size_t begin, std::size_t end, Widths& widths) con
   for (std::size_t row = begin; row < end; ++row) {
     for (std::size_t column = 0; column < columns_.size(); ++column) {
       cell.clear();
-      rows_.AppendCell(row, column, cell);
+      rows_.FillCell(row, column, cell);
       Widen(widths[column], cell);
     }
   }
@@ -115,7 +115,7 @@ void RowPrinter::AppendRows(CharBuffer& out, std::size_t begin, std::size_t end)
     Line line(out);
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       cell.clear();
-      rows_.AppendCell(row, i, cell);
+      rows_.FillCell(row, i, cell);
       line.Add(cell, columns_[i].align, widths_[i]);
     }
     if (red) out.Append(kPlain);

@@ -18,8 +18,9 @@ class TableRows {
  public:
   virtual ~TableRows() = default;
   [[nodiscard]] virtual std::size_t Count() const = 0;
-  /// Appends a cell's text, which may be any bytes: the printer makes them harmless.
-  virtual void AppendCell(std::size_t row, std::size_t column, std::string& text) const = 0;
+  /// Puts a cell's text into `text`, which is empty. It may be any bytes: the printer makes them
+  /// harmless.
+  virtual void FillCell(std::size_t row, std::size_t column, std::string& text) const = 0;
   /// True for a row that is red on a terminal.
   [[nodiscard]] virtual bool IsAlarming(std::size_t row) const = 0;
 

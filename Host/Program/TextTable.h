@@ -41,7 +41,7 @@ class TextTable : private TableRows {
     bool alarming;
   };
   [[nodiscard]] std::size_t Count() const override { return rows_.size(); }
-  void AppendCell(std::size_t row, std::size_t column, std::string& text) const override {
+  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
     text += rows_[row].cells[column];
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override { return rows_[row].alarming; }

@@ -109,7 +109,7 @@ class ManyRows : public TableRows {
   static constexpr std::size_t kCount = 20000;
   static constexpr std::size_t kWidest = 17321;
   std::size_t Count() const override { return kCount; }
-  void AppendCell(std::size_t row, std::size_t column, std::string& text) const override {
+  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
     if (column == 0) text += std::to_string(row);
     if (column == 1) text += row == kWidest ? "a wide one, 嵐" : "-";
     if (column == 2) text += row % 2 == 0 ? "end" : "";
@@ -124,7 +124,7 @@ TEST(RowPrinter, printsLargeTablesInOrderWithOneWidthForAllRows) {
   for (std::size_t i = 0; i < rows.Count(); ++i) {
     Row row(columns.size());
     for (std::size_t column = 0; column < row.size(); ++column)
-      rows.AppendCell(i, column, row[column]);
+      rows.FillCell(i, column, row[column]);
     plain.Add(std::move(row), rows.IsAlarming(i));
   }
   const test::TemporaryFolder folder;
