@@ -36,6 +36,7 @@ class InfoJson {
   void WriteFailure();
   void WriteConstants();
   void WriteSources();
+  void WriteEntries(const AES31Entries& entries);
   void WriteSections(const std::vector<AES31Section>& sections);
   void WriteContents();
   void WriteSpan();
@@ -114,15 +115,20 @@ void InfoJson::WriteSources() {
   });
 }
 
+void InfoJson::WriteEntries(const AES31Entries& entries) {
+  WriteBlocks(entries.size(), [&entries](JsonStream& json, std::size_t begin, std::size_t end) {
+    auto entry = entries.From(begin);  // the next one is a step away, where any other is a walk
+    for (std::size_t i = begin; i < end; ++i, ++entry) WriteEntryJson(json, *entry);
+  });
+}
+
 void InfoJson::WriteSections(const std::vector<AES31Section>& sections) {
   json_.BeginArray();
   for (const AES31Section& section : sections) {
     json_.BeginObject();
     json_.Key("name").ProjectText(section.name);
     json_.Key("entries");
-    WriteArray(section.entries.size(), [&section](JsonStream& json, std::size_t i) {
-      WriteEntryJson(json, section.entries[i]);
-    });
+    WriteEntries(section.entries);
     json_.EndObject();
   }
   json_.EndArray();
