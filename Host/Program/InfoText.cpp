@@ -141,8 +141,7 @@ class SourceRows : public TableRows {
     }
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override {
-    const Finding finding = FindingOf(sources_[row]->second);
-    return finding == Finding::Missing || finding == Finding::NotPcm;
+    return FindingOf(sources_[row]->second) != Finding::Found;
   }
 
  private:

@@ -79,6 +79,16 @@ class Colours(TerminalTest):
         for line in red:
             self.assertTrue(line.endswith(PLAIN))
 
+    def test_sourcesThatGiveNoSamplesAreRed(self):
+        (self.folder / "junk.wav").write_bytes(b"junk")
+        (self.folder / "float.wav").write_bytes(wave(16, format_tag=3, bits=32))
+        adl = Adl().source(1, "a/take.wav").source(2, "a/junk.wav").source(3, "a/float.wav").source(4, "a/gone.wav")
+        _, out, _ = on_terminal("info", adl.cut(1).write(self.folder / "p.adl"))
+        red = [line for line in out.split(b"\r\n") if RED in line]
+        self.assertEqual(len(red), 3, red)
+        for line, words in zip(red, (b"no wave file", b"not PCM", b"MISSING")):
+            self.assertIn(words, line)
+
     def test_noRedWhereNothingIsMissing(self):
         _, out, _ = on_terminal("info", self.whole)
         self.assertIn(ESCAPE, out)
