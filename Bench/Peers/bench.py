@@ -130,7 +130,10 @@ def memory_against(file, of, most, ours="velmora"):
 def benchmark_times(output):
     """The times of an iteration, by name and argument, as in "LoadTree/1000"."""
     with open(output, encoding="utf-8") as file:
-        told = json.load(file)["benchmarks"]
+        text = file.read()
+    if not text:
+        raise Disagreement("velmora_bench knows no such benchmark")
+    told = json.loads(text)["benchmarks"]
     scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
     times = {}
     for one in told:
@@ -273,8 +276,9 @@ def install_peers():
     subprocess.run(["bash", "-c", shell], check=True, stdout=sys.stderr)
 
 
-def build(target, place):
-    shell = f'source "{ROOT}/Tools/build.sh" && build release {target}'
+def build(target, place, preset="release"):
+    packages = 'install_packages "${view_packages[@]}" && ' if preset == "view" else ""
+    shell = f'source "{ROOT}/Tools/build.sh" && {packages}build {preset} {target}'
     subprocess.run(["bash", "-c", shell], check=True, stdout=sys.stderr)
     return os.path.join(ROOT, "build/release", place)
 

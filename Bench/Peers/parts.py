@@ -19,6 +19,7 @@ def growth(title, name, events):
 def grow(bench):
     names = {
         "load": "LoadTree",
+        "model": "FillModel",
         "load, model": "LoadProject",
         "event list": "ListEvents",
         "track box": "EditTrackBox",

@@ -6,7 +6,12 @@ import platform
 
 from bench import middle_half
 
+_TITLES = ["work", "beside", "ratio", "middle half", "cpu", "middle half", "target", ""]
 _FORM = "{:<42} {:<32} {:>8} {:>16} {:>8} {:>16} {:>7}  {}"
+
+
+def _line(columns, markdown):
+    return f"| {' | '.join(columns)} |" if markdown else _FORM.format(*columns).rstrip()
 
 
 def _processor():
@@ -18,7 +23,8 @@ def _processor():
         return platform.processor()
 
 
-def head(bench):
+def head(bench, markdown):
+    rule = ["|" + "---|" * len(_TITLES)] if markdown else []
     return "\n".join(
         [
             f"{datetime.date.today()}, {_processor()}, {os.cpu_count()} processors, "
@@ -26,7 +32,8 @@ def head(bench):
             f"median of {bench.rounds} rounds",
             f"sources of {bench.megabytes} MB, {bench.count} pieces, {bench.events} events",
             "",
-            _FORM.format("work", "beside", "ratio", "middle half", "cpu", "middle half", "target", ""),
+            _line(_TITLES, markdown),
+            *rule,
         ]
     )
 
@@ -36,7 +43,7 @@ def _spread(values, unit):
     return f"{median:.2f}{unit}", f"{low:.2f} to {high:.2f}"
 
 
-def lines_of(row, results):
+def lines_of(row, results, markdown):
     for i, result in enumerate(results):
         limit = result.limit
         columns = [text for values in result.figures for text in _spread(values, limit.unit)]
@@ -47,4 +54,4 @@ def lines_of(row, results):
             target = f"{limit.most:g}{limit.unit}"
             word = "" if kept[0] else "kept in cpu time" if any(kept) else "missed"
         title = row.title if i == 0 else ""
-        yield _FORM.format(title, limit.of, *columns, target, word).rstrip()
+        yield _line([title, limit.of, *columns, target, word], markdown)
