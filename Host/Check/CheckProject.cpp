@@ -85,6 +85,7 @@ class MediaReader {
 
 std::vector<std::optional<field::SourceAudio>> AudioOf(const std::vector<SourceMedia>& media) {
   std::vector<std::optional<field::SourceAudio>> audio;
+  audio.reserve(media.size());
   for (const SourceMedia& source : media) audio.push_back(AudioOf(source));
   return audio;
 }
