@@ -248,7 +248,8 @@ struct AES31Section {
 };
 
 /// The entries of a section one after the other, for those who read them all: each with its first
-/// values at hand. For 3 million entries this takes 70 ms where the lists above take twice that.
+/// values at hand. For 3 million entries with 10 million values this takes 50 ms, and the lists
+/// above twice that.
 class EntryLines {
  public:
   explicit EntryLines(const AES31Entries& entries);

@@ -124,11 +124,10 @@ char* AdlScanner::ScanEntry(AES31Section& section, const Token& token) {
 
 char* AdlScanner::ScanValues(Values& values, char* at) {
   while (at < end_) {
-    at = blanks_.NextText(at);
+    at = NextText(at, end_);
     if (at == end_ || *at == '(' || *at == '<') return at;
     Note(values, at);
-    char* const valueEnd =
-        *at == '"' ? at + (QuotedValueEnd(at, end_) - at) : blanks_.NextBlank(at);
+    char* const valueEnd = *at == '"' ? at + (QuotedValueEnd(at, end_) - at) : NextBlank(at, end_);
     *valueEnd = '\0';
     if (valueEnd == end_) return end_;
     at = valueEnd + 1;

@@ -3,8 +3,6 @@
 #include <array>
 #include <cstddef>
 
-#include "ADL/BlankFinder.h"
-
 namespace velmora {
 
 /// An entry with the values that readers ask for.
@@ -23,14 +21,14 @@ class EntryWalk {
  public:
   EntryWalk() : EntryWalk(nullptr, nullptr) {}
   /// @param label the first entry's; the block ends at `blockEnd`
-  EntryWalk(const char* label, const char* blockEnd) : at_(label), blanks_(blockEnd) {}
+  EntryWalk(const char* label, const char* blockEnd) : at_(label), end_(blockEnd) {}
 
   /// Reads the entry whose label begins here and moves to the next label.
   void Read(EntryLine& line);
 
  private:
   const char* at_;
-  BlankFinder blanks_;
+  const char* end_;
 };
 
 /// The byte after a quoted value, which begins at `quote`; the block's end if it is not closed. A

@@ -14,7 +14,7 @@ namespace velmora {
 
 std::int32_t ToInt32(const char* text) {
   if (text == nullptr) return 0;
-  // Up to nine digits at the start, which is what projects have: 4 ns instead of 20.
+  // Up to nine digits at the start, which is what projects have: 4 ns instead of 8.
   constexpr int kDigitsThatFit = 9;
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
   std::int32_t number = 0;

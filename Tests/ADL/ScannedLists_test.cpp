@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "ADL/BlankFinder.h"
 #include "LoadedProject.h"
 
 namespace velmora::test {
@@ -115,28 +113,6 @@ TEST(ScannedLists, readersTakeListsMadeByHandAndTwice) {
   EXPECT_EQ(project->events[1].vid.vidText3, project->events[0].vid.vidText3);
   EXPECT_EQ(project->events[2].entryNumber, 7);
   EXPECT_STREQ(project->events[2].cut.cutTail, "_");
-}
-
-TEST(BlankFinder, agreesWithLookingAtEachByte) {
-  std::mt19937 random(9);
-  for (std::size_t size = 0; size < 300; ++size) {
-    std::string text(size, '\0');
-    const auto share = 1 + random() % 200;
-    for (char& c : text)
-      c = random() % share == 0 ? static_cast<char>(random()) : "ab "[random() % 3];
-    const std::vector<char> block(text.begin(), text.end());  // of its exact size
-    const char* const end = block.data() + block.size();
-    BlankFinder finder(end);
-    for (const char* at = block.data(); at <= end; at += 1 + random() % 9) {
-      const char* blank = at;
-      while (blank != end && !IsBlank(*blank)) ++blank;
-      const char* word = at;
-      while (word != end && IsBlank(*word)) ++word;
-      ASSERT_EQ(finder.NextBlank(at) - at, blank - at) << size;
-      ASSERT_EQ(finder.NextText(at) - at, word - at) << size;
-      if (static_cast<std::size_t>(end - at) < 9) break;
-    }
-  }
 }
 
 }  // namespace
