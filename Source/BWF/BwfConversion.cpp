@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <new>
@@ -72,7 +73,7 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
     return true;
   };
   const std::unique_ptr<BlocksAhead> ahead =
-      BlocksAhead::Start(blocks, blockSamples * conversion.TargetBytes(), make);
+      BlocksAhead::Start(blocks, blockSamples * conversion.TargetBytes(), std::ref(make));
   for (std::size_t number = 0; number < blocks; ++number) {
     const std::uint8_t* const block = ahead != nullptr                ? ahead->Next()
                                       : make(number, converted.get()) ? converted.get()

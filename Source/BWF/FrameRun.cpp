@@ -19,7 +19,7 @@ namespace {
 bool IsForBlocks(const AES31BWF& file, std::uint32_t channels) {
   const BwfFormat& format = file.format;
   const std::uint32_t sampleBytes = format.bitsPerSample / 8U;
-  return typeid(file) == typeid(AES31BWF) && format.formatTag == kIntegerPcm &&
+  return typeid(file) == typeid(AES31BWF) && format.formatTag == kIntegerPcm && channels >= 1 &&
          format.channels == channels && format.bitsPerSample % 8 == 0 && sampleBytes >= 1 &&
          sampleBytes <= 4 && format.blockAlign == sampleBytes * channels &&
          std::cmp_equal(file.bytesPerSample, sampleBytes) &&
@@ -115,7 +115,7 @@ void FrameRun::ReadWith(FrameRun& other, std::int64_t begin, std::int64_t frames
     if (oneFile && forBlocks_) {
       count = std::min(CountAlike(begin, frames), other.CountAlike(begin, frames));
     }
-    if (!oneFile) {
+    if (!oneFile && (forBlocks_ || other.forBlocks_)) {
       Read(begin, count, values);
       other.Read(begin, count, otherValues);
     } else if (forBlocks_ && !(IsInFile(begin) && other.IsInFile(begin))) {

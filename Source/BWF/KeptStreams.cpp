@@ -1,12 +1,21 @@
 #include "BWF/KeptStreams.h"
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <optional>
 #include <typeinfo>
 #include <utility>
 
 namespace velmora {
+
+int KeptStreams::HalfOfDescriptors() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 0;
+  return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max()) / 2);
+}
 
 KeptStreams::Place KeptStreams::Find(const AES31BWF& file) {
   return std::find_if(kept_.begin(), kept_.end(),
@@ -41,7 +50,8 @@ void KeptStreams::Close(AES31BWF& file) {
   const Place known = Find(file);
   const bool isSound = file.stream != nullptr && std::ferror(file.stream.get()) == 0 &&
                        std::feof(file.stream.get()) == 0;
-  if (known != kept_.end() && known->stream == nullptr && isSound) {
+  if (known != kept_.end() && known->stream == nullptr && isSound &&
+      fileno(file.stream.get()) < mostDescriptor_) {
     known->stream = std::move(file.stream);
   } else {
     file.CloseFile();

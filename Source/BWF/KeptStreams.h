@@ -32,8 +32,12 @@ class KeptStreams {
 
   [[nodiscard]] Place Find(const AES31BWF& file);
 
-  /// So few that no limit on open files is near.
   static constexpr std::size_t kMost = 8;
+
+  /// The system gives the lowest number that is free: one in the upper half of what the process may
+  /// have tells that others will soon be missed.
+  int mostDescriptor_ = HalfOfDescriptors();
+  static int HalfOfDescriptors();
 
   std::vector<Kept> kept_;  ///< at most one of a file, those used last at the end
 };

@@ -38,7 +38,7 @@ class NewFile : public OutputFile {
   /// @param series moved on to the name that is taken; must outlive this
   NewFile(std::string base, std::string extension, NameSeries& series);
 
-  /// Takes the first free name from `number_` on.
+  /// Takes the first free name of the series from its present number on.
   void GoToFreeName();
   void GoTo(std::uint64_t number);
   void GoToLikelyName();

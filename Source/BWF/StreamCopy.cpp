@@ -1,5 +1,7 @@
 #include "BWF/StreamCopy.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <memory>
@@ -23,7 +25,13 @@ std::uint64_t CopyBySystem(std::FILE* source, std::FILE* target, std::uint64_t c
   const std::int64_t held = FileSize(source);
   std::int64_t done = 0;
   // A file shares all blocks or none here, so it must not hold more than is wanted.
-  if (held > 0 && held <= wanted && ShareBlocks(fileno(source), fileno(target))) done = held;
+  if (held > 0 && held <= wanted && ShareBlocks(fileno(source), fileno(target))) {
+    // The source may have grown or shrunk meanwhile.
+    const std::int64_t shared = FileSize(target);
+    const bool fits = shared <= wanted || ftruncate(fileno(target), wanted) == 0;
+    done = fits ? std::min(shared, wanted) : 0;
+    lseek(fileno(target), done, SEEK_SET);
+  }
   while (done < wanted) {
     const std::int64_t copied =
         CopyInsideSystem(fileno(source), fileno(target), done, wanted - done);

@@ -24,16 +24,22 @@ std::int64_t Now() {
 /// False if the clock does not get past a time: it lies in the future, as another machine's may.
 bool WaitUntilAfter(std::int64_t time) {
   constexpr timespec kMillisecond = {0, 1'000'000};
-  constexpr int kLongestTick = 10;  // in milliseconds
+  constexpr int kLongestWait = 30;  // in milliseconds
   for (int waited = 0; Now() <= time; ++waited) {
-    if (waited == kLongestTick) return false;
+    if (waited == kLongestWait) return false;
     nanosleep(&kMillisecond, nullptr);
   }
   return true;
 }
 
-std::int64_t LastChange(const FileStamp& stamp) {
-  return std::max(stamp.contentsChanged, stamp.factsChanged);
+/// The end of the time in which a change leaves the stamp as it is. The clock stands still for up
+/// to 10 ms; and where file systems cut times to hundredths of a second or to 100 ns, the clock is
+/// past them at once.
+std::int64_t LastMoment(const FileStamp& stamp) {
+  constexpr std::int64_t kFinestCut = 100;
+  constexpr std::int64_t kLongestMoment = 20'000'000;
+  const std::int64_t last = std::max(stamp.contentsChanged, stamp.factsChanged);
+  return last % kFinestCut == 0 ? last + kLongestMoment : last;
 }
 
 /// Some file systems keep whole seconds, and a second is a long time to be changed in.
@@ -55,7 +61,7 @@ FileStamp StampOf(const struct stat& facts) {
 
 bool IsSettled([[maybe_unused]] const FileStamp& stamp) {
 #if defined(CLOCK_REALTIME_COARSE)
-  return !IsInWholeSeconds(stamp) && Now() > LastChange(stamp);
+  return !IsInWholeSeconds(stamp) && Now() > LastMoment(stamp);
 #else
   return false;
 #endif
@@ -80,7 +86,7 @@ std::optional<FileStamp> CurrentStamp([[maybe_unused]] std::FILE* stream) {
 std::optional<FileStamp> SettledStamp(const std::string& path) {
   const std::optional<FileStamp> stamp = CurrentStamp(path);
 #if defined(CLOCK_REALTIME_COARSE)
-  if (!stamp || IsInWholeSeconds(*stamp) || !WaitUntilAfter(LastChange(*stamp)) ||
+  if (!stamp || IsInWholeSeconds(*stamp) || !WaitUntilAfter(LastMoment(*stamp)) ||
       CurrentStamp(path) != stamp) {
     return std::nullopt;
   }

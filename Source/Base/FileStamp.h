@@ -24,7 +24,7 @@ struct FileStamp {
 
 /// A stamp that every later change will make another one of. The clock that stamps are made by
 /// stands still for some milliseconds at a time, and a change in the same moment would leave the
-/// stamp as it is: so this waits for the next moment, 10 ms at most, if the file changed just now.
+/// stamp as it is: so this waits for the next moment, 30 ms at most, if the file changed just now.
 /// @return none if the file cannot be looked at, or if it or the system keeps no such times
 [[nodiscard]] std::optional<FileStamp> SettledStamp(const std::string& path);
 

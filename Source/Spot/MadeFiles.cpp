@@ -30,17 +30,22 @@ std::optional<std::int32_t> MadeFiles::CopyOf(const Recipe& recipe, OutputFile& 
   FileStream target = file.Create();
   if (target == nullptr) return CopyTargetNotCreated;
   const auto bytes = static_cast<std::uint64_t>(made.stamp.size);
-  return CopyStream(first.get(), std::move(target), bytes, file) ? CopyDone : CopyFailed;
+  const bool copied = CopyStream(first.get(), std::move(target), bytes, file);
+  // Somebody may have written to the first one meanwhile.
+  return copied && CurrentStamp(made.path) == made.stamp ? CopyDone : CopyFailed;
 }
 
 bool MadeFiles::IsWorthNoting(const Recipe& recipe) {
   const AES31BWF& source = *recipe.source;
   // An unchanged copy is made by the system from the source itself.
   if (std::cmp_equal(recipe.bitDepth, source.format.bitsPerSample) && !recipe.gainDb) return false;
+  // As a header has it, where a frame of none or of too many bytes makes a file that its writer can
+  // use and no reader takes.
   const std::uint64_t frameBytes =
-      std::uint64_t{source.format.channels} * static_cast<std::uint16_t>(recipe.bitDepth) / 8;
+      std::uint64_t{source.format.channels} * (static_cast<std::uint16_t>(recipe.bitDepth) / 8U);
   // What a class derived from AES31BWF makes is its own affair.
   return typeid(source) == typeid(AES31BWF) && frameBytes > 0 &&
+         frameBytes <= std::numeric_limits<std::uint16_t>::max() &&
          source.frames >= std::uint64_t{kSmallestBytes} / frameBytes &&
          source.frames <= std::uint64_t{kLargestBytes} / frameBytes;
 }

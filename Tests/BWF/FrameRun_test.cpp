@@ -247,6 +247,39 @@ TEST_F(FrameRunTest, derivedClassIsAskedForEachSample) {
   ExpectSame(made, {11, 11.0625F, 12, 12.0625F, 13, 13.0625F});
 }
 
+/// The turns of two files in which each sample is asked for, as a crossfade mixes them.
+TEST_F(FrameRunTest, derivedClassesAreAskedInTurns) {
+  static std::string asked;
+  class Telling : public AES31BWF {
+   public:
+    Telling(const char* path, char who) : AES31BWF(path), who_(who) {}
+    float GetSampleAt(std::int32_t, std::uint32_t) override {
+      asked += who_;
+      return 0;
+    }
+
+   private:
+    char who_;
+  };
+  const std::string path = Noise(kFormats[2], kFrames * 2);
+  Telling outgoing(path.c_str(), 'o');
+  Telling incoming(path.c_str(), 'i');
+  FrameRun run(outgoing, 0, 1);
+  FrameRun other(incoming, 0, 1);
+  Values values(3);
+  Values otherValues(3);
+  run.ReadWith(other, 0, 3, values.data(), otherValues.data());
+  EXPECT_EQ(asked, "oioioi");
+}
+
+/// A file that is written may have no channels at all.
+TEST_F(FrameRunTest, noChannelsMakeNoSamples) {
+  AES31BWF file(folder.Path("none.wav").c_str(), 48000, 0, 16, 10);
+  file.CloseFile();
+  FrameRun run(file, 0, 0);
+  run.Read(0, 5, nullptr);
+}
+
 /// Read errors go the slow way, which takes each byte that cannot be read as ones.
 TEST_F(FrameRunTest, readErrors) {
   const std::string path = Noise(kFormats[2], kFrames * 2);

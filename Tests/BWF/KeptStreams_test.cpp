@@ -3,6 +3,7 @@
 #include "BWF/KeptStreams.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -32,7 +33,7 @@ class KeptStreamsTest : public testing::Test {
   /// A mono file of two samples, old enough for its stamp to be relied on.
   std::string Write(const std::string& name, std::int32_t first) const {
     std::string path = folder.Write(name, PlainWave({.bits = 16}, {first, 2}));
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::this_thread::sleep_for(std::chrono::milliseconds(40));
     return path;
   }
   static float First(AES31BWF& file) { return file.GetSampleAt(0, 0) * 32768; }
@@ -99,7 +100,7 @@ TEST_F(KeptStreamsTest, fileThatMayNoLongerBeReadDoesNotOpen) {
   OrdinaryRights rights;
   TemporaryFolder own;
   const std::string path = own.Write("a.wav", PlainWave({.bits = 16}, {1, 2}));
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  std::this_thread::sleep_for(std::chrono::milliseconds(40));
   AES31BWF file(path.c_str());
   kept.Open(file);
   kept.Close(file);
@@ -116,7 +117,7 @@ TEST_F(KeptStreamsTest, fewStayOpenAtOnce) {
         folder.Write(std::to_string(i) + ".wav", PlainWave({.bits = 16}, {i, 2}));
     files.push_back(std::make_unique<AES31BWF>(path.c_str()));
   }
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  std::this_thread::sleep_for(std::chrono::milliseconds(40));
   const std::ptrdiff_t before = OpenDescriptors();
   for (int round = 0; round < 2; ++round) {
     for (int i = 0; i < 20; ++i) {
@@ -126,6 +127,22 @@ TEST_F(KeptStreamsTest, fewStayOpenAtOnce) {
     }
   }
   EXPECT_EQ(OpenDescriptors(), before + 8);
+}
+
+TEST_F(KeptStreamsTest, noneStaysOpenWhereDescriptorsAreFew) {
+  AES31BWF file(Write("a.wav", 1).c_str());
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const auto few = static_cast<rlim_t>(OpenDescriptors() + 2);
+  const rlimit low = {few, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
+  KeptStreams careful;
+  setrlimit(RLIMIT_NOFILE, &before);
+  const std::ptrdiff_t open = OpenDescriptors();
+  careful.Open(file);
+  EXPECT_EQ(First(file), 1);
+  careful.Close(file);
+  EXPECT_EQ(OpenDescriptors(), open);
 }
 
 TEST_F(KeptStreamsTest, streamThatSomebodyElseOpenedIsClosed) {

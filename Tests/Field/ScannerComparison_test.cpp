@@ -20,7 +20,7 @@ namespace {
 
 using test::TemporaryFolder;
 
-std::string Shown(const std::string& name, const std::vector<AES31Entry>& entries) {
+std::string Shown(const std::string& name, const AES31Entries& entries) {
   std::string text = name + "\n";
   for (const AES31Entry& entry : entries) {
     text += std::string(" (") + entry.label + ")";

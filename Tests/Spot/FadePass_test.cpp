@@ -169,7 +169,7 @@ TEST_F(FadePassTest, sourceThatGoesAmongItsPiecesMakesNoFurtherOne) {
              .destIn = Stamp(500),
              .destOut = Stamp(550),
              .infade = fade}});
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // its stream may be kept by then
+  std::this_thread::sleep_for(std::chrono::milliseconds(40));  // its stream may be kept by then
   host.onSend = [this] {
     if (host.messages.size() == 4) std::filesystem::remove(folder.Path("a.wav"));
   };

@@ -237,6 +237,11 @@ TEST(MadeFiles, whatIsNotWorthNoting) {
   EXPECT_FALSE(MadeFiles::IsWorthNoting({&largeFile, 24, {}})) << "a copy";
   EXPECT_TRUE(MadeFiles::IsWorthNoting({&largeFile, 24, 1U})) << "a gain";
   EXPECT_FALSE(MadeFiles::IsWorthNoting({&largeFile, 0, {}}));
+  // What is written then is no valid wave file to a reader, though the writer could use it.
+  EXPECT_FALSE(MadeFiles::IsWorthNoting({&largeFile, 4, 1U})) << "frames of no whole byte";
+  AES31BWF wide(large.c_str());
+  wide.format.channels = 32768;
+  EXPECT_FALSE(MadeFiles::IsWorthNoting({&wide, 16, 1U})) << "frames of 65536 bytes";
 }
 
 }  // namespace
