@@ -135,8 +135,8 @@ TEST_F(LongConversion, ofAShortSourceIsFilledWithZeros) {
   AES31BWF file(folder.Write("half.wav", half).c_str());
   EXPECT_EQ(file.CopyTo(folder.Path("target.wav").c_str(), 16), CopyDone);
   const std::string made = TemporaryFolder::Read(folder.Path("target.wav"));
-  ASSERT_EQ(made.size(), 668 + std::size_t{kFrames} * 2);
-  EXPECT_EQ(made.find_first_not_of('\0', 668 + 2'000'002 / 3 * 2), std::string::npos);
+  ASSERT_EQ(made.size(), kHeaderBytes + std::size_t{kFrames} * 2);
+  EXPECT_EQ(made.find_first_not_of('\0', kHeaderBytes + 2'000'002 / 3 * 2), std::string::npos);
 }
 
 TEST_F(LongConversion, thatFindsNoRoomEndsAndTellsIt) {
