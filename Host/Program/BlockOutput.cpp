@@ -77,7 +77,10 @@ class BlocksInOrder {
 void BlockOutput::InBlocks(
     std::size_t count, std::size_t perBlock,
     const std::function<void(CharBuffer& text, std::size_t begin, std::size_t end)>& format) {
-  if (failed_) return;
+  if (failed_) {
+    text_.Clear();  // or the words between the blocks would gather
+    return;
+  }
   if (count <= perBlock) {
     if (count > 0) format(text_, 0, count);
     if (text_.Size() >= kWriteFrom) WriteText();

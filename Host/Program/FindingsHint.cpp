@@ -4,9 +4,10 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <iostream>
+#include <new>
 #include <optional>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -48,7 +49,7 @@ FindingsHint::FindingsHint(std::string path, check::CheckOptions options)
   if (!IsLarge(path_)) return;
   try {
     look_ = std::async(std::launch::async, [this] { return Look(); });
-  } catch (const std::system_error&) {  // no thread is to be had: Tell looks itself
+  } catch (const std::exception&) {  // neither thread nor memory is to be had: Tell looks itself
   }
 }
 
@@ -64,7 +65,12 @@ check::GlanceResult FindingsHint::Look() const {
 void FindingsHint::Tell(const ViewModel& model) {
   constexpr std::int64_t kFileAsAWhole = 0;
   if (model.loadFailure && model.loadFailure->line == kFileAsAWhole) return;
-  const std::string troubles = Troubles(model);
+  std::string troubles;
+  try {
+    troubles = Troubles(model);
+  } catch (
+      const std::bad_alloc&) {  // the project itself had enough, and that is what was asked for
+  }
   if (troubles.empty()) return;
   std::cerr << "velmora: " << troubles << "; velmora check " << Printable(path_)
             << " says why and what helps\n";

@@ -143,7 +143,8 @@ void InfoJson::WriteContents() {
       project_ != nullptr ? project_->events.size() : 0,
       [this](JsonStream& json, std::size_t i) { WriteEventJson(json, project_->events[i], i); });
   json_.Key("sections");
-  WriteSections(project_ != nullptr ? project_->sections : std::vector<AES31Section>());
+  static const std::vector<AES31Section> kNone;
+  WriteSections(project_ != nullptr ? project_->sections : kNone);
   json_.Key("refLists").BeginArray();
   if (project_ != nullptr) {
     for (const auto& list : project_->refLists) WriteSections(list);

@@ -20,11 +20,11 @@ AES31Values::AES31Values(List texts) {
 }
 
 AES31Values::AES31Values(const char* first, size_type count) {
-  constexpr size_type kMostWalked = 0xFFFF;
+  constexpr size_type kMostWalked = 0x7FFF;
   if (count == 0) return;
   const std::uint64_t place = reinterpret_cast<std::uintptr_t>(first);
   if (count <= kMostWalked && place <= kPointerMask) {
-    word_ = static_cast<std::uint64_t>(count) << kCountAt | place;
+    word_ = kIsWalked | static_cast<std::uint64_t>(count) << kCountAt | place;
     return;
   }
   List texts(count);
@@ -61,7 +61,7 @@ AES31Values& AES31Values::operator=(std::initializer_list<const char*> texts) {
 }
 
 void AES31Values::Own(List texts) {
-  word_ = reinterpret_cast<std::uintptr_t>(new List(std::move(texts)));
+  word_ = std::uint64_t{reinterpret_cast<std::uintptr_t>(new List(std::move(texts)))} >> 1;
 }
 
 AES31Values::const_iterator AES31Values::begin() const {

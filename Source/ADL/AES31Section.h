@@ -107,17 +107,19 @@ class AES31Values {
   void clear() { Release(); }
 
  private:
-  // A pointer leaves the upper 16 bits free on every system that we know. One that does not is
-  // never put beside a number: its list is an array.
+  // The highest bit tells the two forms apart. Below it stand a count of 15 bits and a place of 48:
+  // a place that needs more, as some systems' do, is never put there, and its list is an array. The
+  // pointer to an array is even, so that it loses nothing by one bit to the right.
+  static constexpr std::uint64_t kIsWalked = std::uint64_t{1} << 63;
   static constexpr unsigned kCountAt = 48;
   static constexpr std::uint64_t kPointerMask = (std::uint64_t{1} << kCountAt) - 1;
 
-  bool IsWalked() const { return word_ > kPointerMask; }
-  size_type WalkedCount() const { return static_cast<size_type>(word_ >> kCountAt); }
+  bool IsWalked() const { return (word_ & kIsWalked) != 0; }
+  size_type WalkedCount() const { return static_cast<size_type>((word_ & ~kIsWalked) >> kCountAt); }
   const char* WalkedFirst() const {
     return reinterpret_cast<const char*>(static_cast<std::uintptr_t>(word_ & kPointerMask));
   }
-  List& Listed() const { return *reinterpret_cast<List*>(static_cast<std::uintptr_t>(word_)); }
+  List& Listed() const { return *reinterpret_cast<List*>(static_cast<std::uintptr_t>(word_ << 1)); }
   void Own(List texts);
   void Release() {
     if (word_ != 0 && !IsWalked()) delete &Listed();
@@ -178,6 +180,7 @@ class AES31Entries {
   AES31Entries& operator=(const AES31Entries& other);
   AES31Entries& operator=(AES31Entries&& other) noexcept;
   AES31Entries& operator=(std::initializer_list<AES31Entry> entries);
+  operator List() const { return {begin(), end()}; }  // NOLINT(google-explicit-constructor)
 
   [[nodiscard]] size_type size() const { return list_ != nullptr ? list_->size() : count_; }
   [[nodiscard]] bool empty() const { return size() == 0; }

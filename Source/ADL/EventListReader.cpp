@@ -223,7 +223,9 @@ class EventStore {
     const auto further =
         static_cast<std::size_t>(static_cast<double>(entriesLeft_) * eventsForEntry);
     const std::size_t likely = (size + further) / 16 * 17 + kFirstRoom;
-    events_.reserve(std::min({std::max(likely, size * 2), size * kLargestStep + kFirstRoom, most}));
+    // More than a list may have is more than there is memory for, and told as that.
+    events_.reserve(std::min(
+        {std::max(likely, size * 2), size * kLargestStep + kFirstRoom, most, events_.max_size()}));
     AdviseLargePages(events_.data(), events_.capacity() * sizeof(AES31Event));
   }
 
@@ -256,6 +258,7 @@ struct Complaint {
 /// Tells a fade length that only has another separator before its frames from any other text.
 LoadFailureCode FadeFault(const char* length) {
   constexpr std::size_t kSeparatorAt = 8;
+  if (length == nullptr) return LoadFailureCode::FadeForm;
   std::string text(length, strnlen(length, kTimestampLength));
   if (text.size() < kTimestampLength) return LoadFailureCode::FadeForm;
   text[kSeparatorAt] = ';';

@@ -218,7 +218,8 @@ void ViewModel::SurveyIfOthers() {
 }
 
 void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on) {
-  if (spotRunning || project == nullptr || !HasCuts()) return;
+  if (spotRunning || project == nullptr) return;
+  if (!std::any_of(project->events.begin(), project->events.end(), IsCut)) return;
   SurveyIfOthers();
   std::vector<TrackEdit> edits;
   for (const std::int32_t track : tracks_.Numbers()) {

@@ -35,7 +35,8 @@ class ViewModel {
   /// Kept for the view's interface; nothing reads the number.
   void SetTrackNo(std::int32_t trackNo);
 
-  /// Edits of check boxes, ignored while a spot runs, with no project, and for rows not there.
+  /// Edits of check boxes, ignored while a spot runs, with no project, and for rows not there. They
+  /// touch no event but those concerned: flags that were set by hand show after setupEventList.
   void SetTrackBox(std::int32_t row, bool on);
   void SetEventBox(std::int32_t row, bool on);
 

@@ -252,7 +252,7 @@ TEST_F(FrameRunTest, derivedClassesAreAskedInTurns) {
   static std::string asked;
   class Telling : public AES31BWF {
    public:
-    Telling(const char* path, char who) : AES31BWF(path), who_(who) {}
+    Telling(const std::string& at, char who) : AES31BWF(at.c_str()), who_(who) {}
     float GetSampleAt(std::int32_t, std::uint32_t) override {
       asked += who_;
       return 0;
@@ -261,9 +261,9 @@ TEST_F(FrameRunTest, derivedClassesAreAskedInTurns) {
    private:
     char who_;
   };
-  const std::string path = Noise(kFormats[2], kFrames * 2);
-  Telling outgoing(path.c_str(), 'o');
-  Telling incoming(path.c_str(), 'i');
+  const std::string noise = Noise(kFormats[2], kFrames * 2);
+  Telling outgoing(noise, 'o');
+  Telling incoming(noise, 'i');
   FrameRun run(outgoing, 0, 1);
   FrameRun other(incoming, 0, 1);
   Values values(3);
