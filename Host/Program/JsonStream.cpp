@@ -1,5 +1,7 @@
 #include "Program/JsonStream.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 
@@ -41,7 +43,8 @@ char* WriteEscaped(char* out, char c) {
     *out++ = c;
     return out;
   }
-  std::memcpy(out, "\\u00", 4);
+  constexpr std::array<char, 4> kByNumber = {'\\', 'u', '0', '0'};
+  std::copy(kByNumber.begin(), kByNumber.end(), out);
   out[4] = kHex[c >> 4];
   out[5] = kHex[c & 0xF];
   return out + kMostEscaped;

@@ -60,7 +60,7 @@ class Line {
     if (align == Align::Right) blanks_ += padding;
     char* const room = out_.Room(blanks_ + cell.size());
     std::memset(room, ' ', blanks_);
-    std::memcpy(room + blanks_, cell.data(), cell.size());
+    std::copy(cell.begin(), cell.end(), room + blanks_);
     out_.Take(room + blanks_ + cell.size());
     blanks_ = align == Align::Right ? 0 : padding;
   }
