@@ -19,9 +19,9 @@ view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xd
 # shellcheck disable=SC2034
 packaging_packages=(dpkg-dev file man-db desktop-file-utils shared-mime-info xdg-utils libfile-mimeinfo-perl
   gnustep-back0.29)
-# clang builds for the sanitizers, and the sources are held against its formatter and its checker.
+# clang builds for the sanitizers, and the sources are held against its formatter and two checkers.
 # shellcheck disable=SC2034
-checker_packages=(clang libclang-rt-dev clang-format clang-tidy)
+checker_packages=(clang libclang-rt-dev clang-format clang-tidy cppcheck)
 
 # Where a compiler cache is installed it is used, unless somebody has chosen another launcher.
 # What it may take on trust lets it keep precompiled headers.

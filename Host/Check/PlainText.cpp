@@ -21,7 +21,7 @@ enum ByteClass : std::uint8_t {
   kQuoted = 8,  ///< of a value in quotation marks
 };
 
-constexpr auto kClasses = [] {
+constexpr auto kClasses = []() {
   std::array<std::uint8_t, 256> classes{};
   for (std::size_t c = 1; c < classes.size(); ++c) {
     std::uint8_t of = 0;

@@ -68,9 +68,9 @@ class EmbeddedHost : public SessionHost {
 
   Session* session_;
   std::vector<Remark> remarks_;
-  KnownFiles files_;       ///< by path; a file is opened once
-  RegionMessage message_;  ///< the one that Place made last, for its memory
-  std::string path_;       ///< the same
+  KnownFiles files_;         ///< by path; a file is opened once
+  RegionMessage message_{};  ///< the one that Place made last, for its memory
+  std::string path_;         ///< the same
 };
 
 }  // namespace velmora::host
