@@ -9,7 +9,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <system_error>
+#include <thread>
 #include <utility>
+
+#include "Ardour/LocalOnly.h"
 
 namespace velmora::ardour {
 namespace {
@@ -92,8 +96,19 @@ int ScriptProcess::Start(const Command& command) {
   const SpawnAttributes attributes(guard_);
   std::vector<std::string> words = {command.program};
   words.insert(words.end(), command.arguments.begin(), command.arguments.end());
-  const int error = posix_spawn(&script_, command.program.c_str(), actions.Get(), attributes.Get(),
-                                PointersTo(words).data(), PointersTo(command.environment).data());
+  int error = 0;
+  const auto spawn = [&] {
+    // A session needs no network, so nothing that a project says gets there. Where the system
+    // cannot keep the script from it, it runs all the same.
+    static_cast<void>(StayLocal());
+    error = posix_spawn(&script_, command.program.c_str(), actions.Get(), attributes.Get(),
+                        PointersTo(words).data(), PointersTo(command.environment).data());
+  };
+  try {
+    std::thread(spawn).join();  // this thread keeps its network
+  } catch (const std::system_error& trouble) {
+    error = trouble.code().value();
+  }
   if (error != 0) {
     script_ = -1;
     return error;

@@ -1,10 +1,14 @@
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -192,6 +196,27 @@ TEST_F(StandIn, itsHomeIsItsOwnAndGoesWithIt) {
       "done\n"
       "echo settings > \"$HOME/.left\"; echo velmora: failed apart\n";
   ExpectNothingIsMade(MakeWith(commands), "apart");
+}
+
+TEST_F(StandIn, itReachesNoNetwork) {
+  const int server = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in place{};
+  place.sin_family = AF_INET;
+  place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof place;
+  auto* const address = reinterpret_cast<sockaddr*>(&place);
+  ASSERT_EQ(::bind(server, address, size), 0);
+  ASSERT_EQ(::listen(server, 8), 0);
+  ASSERT_EQ(::getsockname(server, address, &size), 0);
+  const std::string connect =
+      "bash -c ': < /dev/tcp/127.0.0.1/" + std::to_string(ntohs(place.sin_port)) + "'";
+  // What this program starts by itself gets there, before and after.
+  EXPECT_EQ(std::system(connect.c_str()), 0);
+  ExpectNothingIsMade(
+      MakeWith(connect + " && echo velmora: failed reached; echo velmora: failed apart\n"),
+      "apart");
+  EXPECT_EQ(std::system(connect.c_str()), 0);
+  ::close(server);
 }
 
 TEST_F(StandIn, aFolderThatAppearsMeanwhileStays) {
