@@ -72,8 +72,8 @@ class OutputNames {
 /// follow different rules on purpose, so a name with two dots loses its middle.
 [[nodiscard]] std::string CopyBaseName(const char* path);
 
-/// True for whatever opens for reading, a folder too. Never blocks. Not the rule for new files: a
-/// name that does not open may be held all the same.
+/// True for whatever would open for reading, a folder too. Never blocks. Not the rule for new
+/// files: a name that does not open may be held all the same.
 bool FileExists(const char* path);
 
 }  // namespace velmora

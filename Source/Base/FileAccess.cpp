@@ -21,15 +21,26 @@ int OpenDescriptor(const char* path) {
   return open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
 }
 
+/// 0 for a regular file, else the errno that tells what it is. It is asked before anything is
+/// opened: to open a device is an act that may wind a tape back or start a watchdog, and to open a
+/// FIFO lets its writer go on.
+int RefusalOf(const struct stat& facts) {
+  if (S_ISREG(facts.st_mode)) return 0;
+  return S_ISDIR(facts.st_mode) ? EISDIR : ENODEV;
+}
+
 }  // namespace
 
 FileStream OpenRegularFile(const char* path) {
-  const int descriptor = OpenDescriptor(path);
-  if (descriptor < 0) return nullptr;
   struct stat facts {};
-  int error = fstat(descriptor, &facts) == 0 ? 0 : errno;
-  if (error == 0 && S_ISDIR(facts.st_mode)) error = EISDIR;
-  if (error == 0 && !S_ISREG(facts.st_mode)) error = ENODEV;
+  int error = stat(path, &facts) == 0 ? RefusalOf(facts) : errno;
+  const int descriptor = error == 0 ? OpenDescriptor(path) : -1;
+  if (descriptor < 0) {
+    if (error != 0) errno = error;
+    return nullptr;
+  }
+  // The path may lead to something else by now.
+  error = fstat(descriptor, &facts) == 0 ? RefusalOf(facts) : errno;
   std::FILE* const stream = error == 0 ? fdopen(descriptor, "rb") : nullptr;
   if (stream == nullptr) {
     if (error == 0) error = errno;
@@ -98,10 +109,9 @@ NameState LookUpName(const char* path) {
 }
 
 bool OpensForReading(const char* path) {
-  const int descriptor = OpenDescriptor(path);
-  if (descriptor < 0) return false;
-  close(descriptor);
-  return true;
+  struct stat facts {};
+  if (stat(path, &facts) != 0 || S_ISSOCK(facts.st_mode)) return false;
+  return faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0;
 }
 
 void LogWriteError(const char* path, int error) {

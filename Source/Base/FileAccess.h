@@ -12,8 +12,8 @@ struct CloseStream {
 };
 using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 
-/// Opens a regular file for reading; null for anything else. Never blocks, not even on a FIFO.
-/// errno tells the reason of a null.
+/// Opens a regular file for reading; null for anything else, which is left unopened. Never blocks,
+/// not even on a FIFO. errno tells the reason of a null.
 [[nodiscard]] FileStream OpenRegularFile(const char* path);
 
 /// Bytes of an open file, -1 if the system cannot tell.
@@ -51,7 +51,7 @@ enum class NameState {
 /// Whether a name is there, whatever it stands for. Opens nothing and follows no link at its end.
 [[nodiscard]] NameState LookUpName(const char* path);
 
-/// True for whatever opens for reading, a folder too. Never blocks.
+/// True for whatever would open for reading, a folder too. Opens nothing, so it never blocks.
 [[nodiscard]] bool OpensForReading(const char* path);
 
 /// Tells the system log that a file came out short; `error` is the errno of the failed write.
