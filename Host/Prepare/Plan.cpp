@@ -158,7 +158,9 @@ class Planner {
                                           media.obstacle == media::Obstacle::Chunks);
     const bool asItIs =
         channel == kAllChannels && media.obstacle == media::Obstacle::None && !resampled;
-    file.how = options_.copyMedia ? HowMade::Copied : HowMade::Linked;
+    // What nothing reads as audio may be anything that the project names: its bytes stay where they
+    // are.
+    file.how = options_.copyMedia && readable ? HowMade::Copied : HowMade::Linked;
     file.frames = FramesAtProjectRate(checked_, source);
     const bool made = used && readable && !asItIs;
     file.tooLong = made && !LimitToRange(file, source, channel, key, resampled);

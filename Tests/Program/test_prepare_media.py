@@ -137,6 +137,12 @@ class Media(ProgramTest):
         self.assertFalse(copy.is_symlink())
         self.assertEqual(copy.read_bytes(), take.read_bytes())
 
+    def test_what_is_no_audio_is_never_copied(self):
+        (self.source / "take.wav").write_bytes(b"passwords")
+        prepared = self.prepare(m.project(), "--copy-media", status=LEFT_OUT)
+        self.assertEqual(self.made(prepared), [("linked", "take.wav")])
+        self.assertTrue((self.out / "Audio/take.wav").is_symlink())
+
     def test_folder_can_be_moved_and_leans_on_no_other(self):
         (self.source / "take.wav").write_bytes(material.wave_of(m.packed(LEFT)))
         self.prepare(m.project())
