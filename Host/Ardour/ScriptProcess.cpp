@@ -2,15 +2,12 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 #include "Ardour/LocalOnly.h"
@@ -31,41 +28,14 @@ std::vector<char*> PointersTo(const std::vector<std::string>& texts) {
   return pointers;
 }
 
-/// What a new process is to have: a place in a group, all signals as they are by default.
-class SpawnAttributes {
- public:
-  explicit SpawnAttributes(pid_t group) {
-    posix_spawnattr_init(&attributes_);
-    sigset_t none, all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setsigdefault(&attributes_, &all);
-    posix_spawnattr_setpgroup(&attributes_, group);
-    posix_spawnattr_setflags(
-        &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+/// In a new process: joins a descriptor to one that the program expects.
+void Join(int from, int to) {
+  if (from == to) {
+    ::fcntl(to, F_SETFD, 0);
+  } else {
+    ::dup2(from, to);
   }
-  ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
-  SpawnAttributes(const SpawnAttributes&) = delete;
-  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-  [[nodiscard]] const posix_spawnattr_t* Get() const { return &attributes_; }
-
- private:
-  posix_spawnattr_t attributes_{};
-};
-
-class SpawnActions {
- public:
-  SpawnActions() { posix_spawn_file_actions_init(&actions_); }
-  ~SpawnActions() { posix_spawn_file_actions_destroy(&actions_); }
-  SpawnActions(const SpawnActions&) = delete;
-  SpawnActions& operator=(const SpawnActions&) = delete;
-  void Connect(int from, int to) { posix_spawn_file_actions_adddup2(&actions_, from, to); }
-  [[nodiscard]] const posix_spawn_file_actions_t* Get() const { return &actions_; }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-};
+}
 
 }  // namespace
 
@@ -89,36 +59,61 @@ int ScriptProcess::Start(const Command& command) {
   }
   // The guard comes first: so there is no moment at which the script has none.
   if (const int error = StartGuard(); error != 0) return error;
-  SpawnActions actions;
-  actions.Connect(input_.readEnd.Number(), STDIN_FILENO);
-  actions.Connect(streams_[Output].writeEnd.Number(), STDOUT_FILENO);
-  actions.Connect(streams_[Errors].writeEnd.Number(), STDERR_FILENO);
-  const SpawnAttributes attributes(guard_);
-  std::vector<std::string> words = {command.program};
-  words.insert(words.end(), command.arguments.begin(), command.arguments.end());
-  int error = 0;
-  const auto spawn = [&] {
-    // A session needs no network, so nothing that a project says gets there. Where the system
-    // cannot keep the script from it, it runs all the same.
-    static_cast<void>(StayLocal());
-    error = posix_spawn(&script_, command.program.c_str(), actions.Get(), attributes.Get(),
-                        PointersTo(words).data(), PointersTo(command.environment).data());
-  };
-  try {
-    std::thread(spawn).join();  // this thread keeps its network
-  } catch (const std::system_error& trouble) {
-    error = trouble.code().value();
-  }
-  if (error != 0) {
-    script_ = -1;
-    return error;
-  }
+  if (const int error = StartScript(command); error != 0) return error;
   for (Pipe& stream : streams_) {
     stream.writeEnd.Close();
     ::fcntl(stream.readEnd.Number(), F_SETFL, O_NONBLOCK);
   }
   lastProgress_ = std::chrono::steady_clock::now();
   return 0;
+}
+
+int ScriptProcess::StartScript(const Command& command) {
+  std::vector<std::string> words = {command.program};
+  words.insert(words.end(), command.arguments.begin(), command.arguments.end());
+  const std::vector<char*> arguments = PointersTo(words);
+  const std::vector<char*> environment = PointersTo(command.environment);
+  Pipe trouble;
+  if (const int error = trouble.Open(); error != 0) return error;
+  // A handler of this process must not run in the new one.
+  sigset_t all, before;
+  sigfillset(&all);
+  ::pthread_sigmask(SIG_SETMASK, &all, &before);
+  script_ = ::fork();
+  const int failure = errno;
+  if (script_ != 0) ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  if (script_ < 0) return failure;
+  if (script_ == 0) {
+    const int error = BecomeScript(arguments.data(), environment.data());
+    static_cast<void>(::write(trouble.writeEnd.Number(), &error, sizeof error));
+    ::_exit(127);
+  }
+  // The pipe closes without a word when the script begins.
+  trouble.writeEnd.Close();
+  int error = 0;
+  ssize_t count = 0;
+  do {
+    count = ::read(trouble.readEnd.Number(), &error, sizeof error);
+  } while (count < 0 && errno == EINTR);
+  return count == sizeof error ? error : 0;
+}
+
+/// In a copy of this process that may have had threads: only what is safe in a signal handler may
+/// be called here. Returns an errno, if at all.
+int ScriptProcess::BecomeScript(char* const* arguments, char* const* environment) const {
+  ::setpgid(0, guard_);
+  Join(input_.readEnd.Number(), STDIN_FILENO);
+  Join(streams_[Output].writeEnd.Number(), STDOUT_FILENO);
+  Join(streams_[Errors].writeEnd.Number(), STDERR_FILENO);
+  struct sigaction plain {};
+  plain.sa_handler = SIG_DFL;
+  for (int signal = 1; signal < NSIG; ++signal) ::sigaction(signal, &plain, nullptr);
+  ::sigprocmask(SIG_SETMASK, &plain.sa_mask, nullptr);
+  // A session needs no network, so nothing that a project says gets there. Where the system cannot
+  // keep the script from it, it runs all the same.
+  static_cast<void>(StayLocal());
+  ::execve(arguments[0], arguments, environment);
+  return errno;
 }
 
 int ScriptProcess::StartGuard() {

@@ -81,6 +81,8 @@ class ScriptProcess {
   };
   enum Stream { Output, Errors };
 
+  [[nodiscard]] int StartScript(const Command& command);
+  [[nodiscard]] int BecomeScript(char* const* arguments, char* const* environment) const;
   [[nodiscard]] int StartGuard();
   void RunGuard() const;
   void EndGroup();
