@@ -22,11 +22,28 @@ set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/Debian/finish-tree.cmake
 set(CPACK_VELMORA_DEBIAN ${CMAKE_CURRENT_SOURCE_DIR}/Debian)  # for that script
 # It is found when a spot goes there, and too large for those who never do.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS ardour)
+# Libraries that are loaded when they are first needed, which no linker tells of: asked for by the names of the packages that
+# they come from here, as the linker's are.
+set(depends "")
+get_property(late_files GLOBAL PROPERTY VELMORA_LATE_FILES)
+find_program(VELMORA_DPKG_QUERY dpkg-query)
+mark_as_advanced(VELMORA_DPKG_QUERY)
+foreach(file IN LISTS late_files)
+  file(REAL_PATH ${file} file)
+  if(VELMORA_DPKG_QUERY)
+    execute_process(COMMAND ${VELMORA_DPKG_QUERY} -S ${file} OUTPUT_VARIABLE owner ERROR_QUIET)
+    if(owner MATCHES "^([^:,]+)[:,]")
+      list(APPEND depends ${CMAKE_MATCH_1})
+    endif()
+  endif()
+endforeach()
 if(TARGET velmora_desktop)
   # Fonts are found by name, which no linker sees. What the toolkit loads itself (the back end that draws, its daemons)
   # its own library asks for.
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS fonts-dejavu-core)
+  list(APPEND depends fonts-dejavu-core)
   # For the Japanese names of projects.
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-ipafont-gothic | fonts-noto-cjk")
 endif()
+list(REMOVE_DUPLICATES depends)
+list(JOIN depends ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 include(CPack)

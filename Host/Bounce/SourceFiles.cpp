@@ -35,7 +35,7 @@ bool IsWave(int container) {
 
 std::optional<BounceDepth> SameBytes(const SoundFile& sound) {
   if (!IsWave(sound.Container()) && sound.Container() != SF_FORMAT_W64) return {};
-  if (sf_command(sound.Handle(), SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) != SF_FALSE) return {};
+  if (sound.HasForeignByteOrder()) return {};
   switch (sound.Encoding()) {
     case SF_FORMAT_PCM_16:
       return BounceDepth::Bits16;
@@ -128,17 +128,15 @@ bool SourceFiles::ReadFrames(std::size_t number, std::int64_t frame, std::int64_
                              Read read) {
   File& file = files_[number];
   if (!Open(file, number)) return false;
-  SNDFILE* const handle = file.sound->Handle();
-  if (file.place != frame && sf_seek(handle, frame, SEEK_SET) != frame) {
-    return Fail(file, frame, sf_strerror(handle));
-  }
-  const std::int64_t got = read(handle);
+  const SoundFile& sound = *file.sound;
+  if (file.place != frame && !sound.Seek(frame)) return Fail(file, frame, sound.Last().text);
+  const std::int64_t got = read(sound);
   file.place = frame + got;
   if (got == count) return true;
-  const int error = file.sound->ReadError();
+  const int error = sound.ReadError();
   if (error != 0) return Fail(file, frame + got, std::strerror(error));
-  const bool isDamaged = sf_error(handle) != SF_ERR_NO_ERROR;
-  return Fail(file, frame + got, isDamaged ? sf_strerror(handle) : "the file ends there now");
+  const SoundFile::LastCall last = sound.Last();
+  return Fail(file, frame + got, last.hasFailed ? last.text : "the file ends there now");
 }
 
 bool SourceFiles::ReadBytes(std::size_t number, std::int64_t frame, std::int64_t count,
@@ -146,23 +144,21 @@ bool SourceFiles::ReadBytes(std::size_t number, std::int64_t frame, std::int64_t
   const SourceFacts& facts = Facts(number);
   const auto frameBytes =
       static_cast<std::int64_t>(facts.channels * SampleBytes(*facts.sameBytesAs));
-  return ReadFrames(number, frame, count, [&](SNDFILE* handle) -> std::int64_t {
-    return sf_read_raw(handle, samples, count * frameBytes) / frameBytes;
+  return ReadFrames(number, frame, count, [&](const SoundFile& sound) {
+    return sound.ReadBytes(samples, count * frameBytes) / frameBytes;
   });
 }
 
 bool SourceFiles::ReadIntegers(std::size_t number, std::int64_t frame, std::int64_t count,
                                std::int32_t* samples) {
-  return ReadFrames(number, frame, count, [&](SNDFILE* handle) -> std::int64_t {
-    return sf_readf_int(handle, samples, count);
-  });
+  return ReadFrames(number, frame, count,
+                    [&](const SoundFile& sound) { return sound.ReadIntegers(samples, count); });
 }
 
 bool SourceFiles::ReadFractions(std::size_t number, std::int64_t frame, std::int64_t count,
                                 double* samples) {
-  return ReadFrames(number, frame, count, [&](SNDFILE* handle) -> std::int64_t {
-    return sf_readf_double(handle, samples, count);
-  });
+  return ReadFrames(number, frame, count,
+                    [&](const SoundFile& sound) { return sound.ReadFractions(samples, count); });
 }
 
 }  // namespace velmora::bounce

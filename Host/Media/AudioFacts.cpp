@@ -94,16 +94,9 @@ FileKind KindOf(const SoundFile& sound, const std::optional<WaveHeader>& wave) {
   return wave->formatTag == kTagPcm ? FileKind::Pcm : FileKind::Other;
 }
 
-std::string NameOfEncoding(int encoding) {
-  SF_FORMAT_INFO info{};
-  info.format = encoding;
-  const int status = sf_command(nullptr, SFC_GET_FORMAT_INFO, &info, sizeof info);
-  return status == 0 && info.name != nullptr ? info.name : "unknown encoding";
-}
-
 std::string FormatText(const SoundFile& sound, const AudioFacts& facts) {
   const std::string container = NameOfContainer(sound.Container());
-  if (!IsPlain(sound.Encoding())) return container + ", " + NameOfEncoding(sound.Encoding());
+  if (!IsPlain(sound.Encoding())) return container + ", " + sound.EncodingName();
   std::string text = std::to_string(facts.bitsPerSample) + "-bit ";
   if (IsFloat(sound.Encoding())) text += "float ";
   text += container;

@@ -26,7 +26,7 @@ std::string Refusal(const SoundFile& sound, const Plan& plan,
       return "it would become a file of 2 GiB of audio or more, which is not supported";
     }
   }
-  if (sf_seek(sound.Handle(), plan.firstFrame, SEEK_SET) != plan.firstFrame) return kEndsEarly;
+  if (!sound.Seek(plan.firstFrame)) return kEndsEarly;
   return {};
 }
 

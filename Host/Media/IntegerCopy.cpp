@@ -40,8 +40,7 @@ bool BeginsWith(const SoundFile& sound, const Plan& plan, const PlainAudio& plai
   std::vector<int> decoded(static_cast<std::size_t>(sound.Info().channels));
   std::vector<std::uint8_t> packed;
   std::vector<std::uint8_t> read(plain.frameBytes);
-  const bool known = sf_readf_int(sound.Handle(), decoded.data(), 1) == 1 &&
-                     sf_seek(sound.Handle(), plan.firstFrame, SEEK_SET) == plan.firstFrame &&
+  const bool known = sound.ReadIntegers(decoded.data(), 1) == 1 && sound.Seek(plan.firstFrame) &&
                      ReadAt(sound.Stream(), plain.place, read.data(), read.size()) == read.size();
   PackSamples(decoded, 1, kAllChannels, plan.bits, packed);
   return known && packed == read;
@@ -120,7 +119,7 @@ bool CopyDecoded(const SoundFile& sound, const Plan& plan,
   std::vector<std::int32_t> block(static_cast<std::size_t>(most * channels));
   for (std::int64_t done = 0; done < plan.sourceFrames;) {
     const std::int64_t count = std::min(most, plan.sourceFrames - done);
-    if (sf_readf_int(sound.Handle(), block.data(), count) != count) {
+    if (sound.ReadIntegers(block.data(), count) != count) {
       return outputs.Blame(kEndsEarly);
     }
     const auto samples = static_cast<std::size_t>(count * channels);

@@ -5,12 +5,30 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 
+#include "Base/SystemLog.h"
 #include "Base/Text.h"
 #include "Base/Utf8.h"
+#include "Media/LateLibrary.h"
 
 namespace velmora::media {
 namespace {
+
+/// What we use of ICU.
+struct IcuFunctions {
+  decltype(&unorm2_getNFDInstance) getNfdInstance;
+  decltype(&unorm2_normalize) normalize;
+  decltype(&u_strFoldCase) foldCase;
+};
+
+void FindIcu(LateLibrary& library, IcuFunctions& functions) {
+  library.Find(VELMORA_FUNCTION(unorm2_getNFDInstance), functions.getNfdInstance);
+  library.Find(VELMORA_FUNCTION(unorm2_normalize), functions.normalize);
+  library.Find(VELMORA_FUNCTION(u_strFoldCase), functions.foldCase);
+}
+
+LateFunctions<IcuFunctions> icu(VELMORA_ICU, FindIcu);
 
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
@@ -38,21 +56,27 @@ std::u16string Worked(std::u16string_view text, const Work& work) {
 }
 
 /// Taken apart into letters and accents (Unicode NFD).
-std::u16string Decomposed(std::u16string_view text) {
+std::u16string Decomposed(const IcuFunctions& library, std::u16string_view text) {
   UErrorCode error = U_ZERO_ERROR;
-  const UNormalizer2* const form = unorm2_getNFDInstance(&error);
+  const UNormalizer2* const form = library.getNfdInstance(&error);
   if (U_FAILURE(error) != 0) return std::u16string(text);
-  return Worked(text, [form](const char16_t* from, std::int32_t length, char16_t* to,
-                             std::int32_t room, UErrorCode* status) {
-    return unorm2_normalize(form, from, length, to, room, status);
+  return Worked(text, [&library, form](const char16_t* from, std::int32_t length, char16_t* to,
+                                       std::int32_t room, UErrorCode* status) {
+    return library.normalize(form, from, length, to, room, status);
   });
 }
 
-std::u16string CaseFolded(std::u16string_view text) {
-  return Worked(text, [](const char16_t* from, std::int32_t length, char16_t* to, std::int32_t room,
-                         UErrorCode* status) {
-    return u_strFoldCase(to, room, from, length, U_FOLD_CASE_DEFAULT, status);
+std::u16string CaseFolded(const IcuFunctions& library, std::u16string_view text) {
+  return Worked(text, [&library](const char16_t* from, std::int32_t length, char16_t* to,
+                                 std::int32_t room, UErrorCode* status) {
+    return library.foldCase(to, room, from, length, U_FOLD_CASE_DEFAULT, status);
   });
+}
+
+/// Names are many, and what is wrong with all of them is worth one line.
+void TellOnce(const std::string& line) {
+  static std::once_flag told;
+  std::call_once(told, [&line] { SystemLog(line); });
 }
 
 std::string_view ExtensionAfterDot(std::string_view name) {
@@ -72,8 +96,15 @@ bool IsExtension(std::string_view text) {
 
 std::string FoldedName(std::string_view name) {
   if (IsAscii(name) || ValidUtf8(name) != name) return InLowerCase(name);
+  std::string trouble;
+  const IcuFunctions* const library = icu.Get(trouble);
+  if (library == nullptr) {
+    TellOnce("names beyond ASCII are told apart by case: " + trouble);
+    return InLowerCase(name);
+  }
   // Folding an accented letter can leave one that must be taken apart again.
-  return Utf8FromUtf16(Decomposed(CaseFolded(Decomposed(Utf16FromUtf8(name)))));
+  return Utf8FromUtf16(
+      Decomposed(*library, CaseFolded(*library, Decomposed(*library, Utf16FromUtf8(name)))));
 }
 
 std::string_view StemOf(std::string_view name) {

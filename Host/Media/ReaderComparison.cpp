@@ -34,8 +34,7 @@ bool IsForeign(const AudioFacts& facts, const WaveHeader& wave) {
 bool SameSamples(AES31BWF& system, const SoundFile& sound, std::int64_t first, std::int64_t count) {
   const auto channels = static_cast<std::size_t>(sound.Info().channels);
   std::vector<int> frames(channels * static_cast<std::size_t>(count));
-  if (sf_seek(sound.Handle(), first, SEEK_SET) != first) return false;
-  if (sf_readf_int(sound.Handle(), frames.data(), count) != count) return false;
+  if (!sound.Seek(first) || sound.ReadIntegers(frames.data(), count) != count) return false;
   std::size_t at = 0;
   for (std::int64_t frame = first; frame < first + count; ++frame) {
     for (std::uint32_t channel = 0; channel < channels; ++channel, ++at) {

@@ -6,7 +6,31 @@
 #include <cmath>
 #include <limits>
 
+#include "Media/LateLibrary.h"
+
 namespace velmora::media {
+namespace {
+
+/// What we use of libsoxr.
+struct SoxrFunctions {
+  decltype(&soxr_io_spec) ioSpec;
+  decltype(&soxr_quality_spec) qualitySpec;
+  decltype(&soxr_create) create;
+  decltype(&soxr_process) process;
+  decltype(&soxr_delete) free;
+};
+
+void FindSoxr(LateLibrary& library, SoxrFunctions& functions) {
+  library.Find(VELMORA_FUNCTION(soxr_io_spec), functions.ioSpec);
+  library.Find(VELMORA_FUNCTION(soxr_quality_spec), functions.qualitySpec);
+  library.Find(VELMORA_FUNCTION(soxr_create), functions.create);
+  library.Find(VELMORA_FUNCTION(soxr_process), functions.process);
+  library.Find(VELMORA_FUNCTION(soxr_delete), functions.free);
+}
+
+LateFunctions<SoxrFunctions> soxr(VELMORA_SOXR, FindSoxr);
+
+}  // namespace
 
 std::int64_t FramesAtRate(std::int64_t frames, std::int32_t rate, std::int32_t otherRate) {
   if (rate == otherRate || rate <= 0) return frames;
@@ -23,12 +47,16 @@ std::int64_t FramesAtRate(std::int64_t frames, std::int32_t rate, std::int32_t o
   return whole * otherRate + (2 * rest * otherRate + rate) / (std::int64_t{2} * rate);
 }
 
-struct CloseSoxr {
-  void operator()(soxr_t soxr) const { soxr_delete(soxr); }
-};
-
 struct Resampler::Engine {
-  std::unique_ptr<std::remove_pointer_t<soxr_t>, CloseSoxr> soxr;
+  explicit Engine(const SoxrFunctions& functions) : library(&functions) {}
+  ~Engine() {
+    if (soxr != nullptr) library->free(soxr);
+  }
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  const SoxrFunctions* library;
+  soxr_t soxr = nullptr;  ///< freed by the destructor
   std::size_t channels = 0;
   double factor = 1;  ///< frames out for each frame in
 };
@@ -38,12 +66,14 @@ Resampler::~Resampler() = default;
 
 std::unique_ptr<Resampler> Resampler::Create(std::int32_t rate, std::int32_t otherRate,
                                              std::int32_t channels, std::string& trouble) {
+  const SoxrFunctions* const library = soxr.Get(trouble);
+  if (library == nullptr) return nullptr;
   soxr_error_t error = nullptr;
-  const soxr_io_spec_t samples = soxr_io_spec(SOXR_FLOAT64_I, SOXR_FLOAT64_I);
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_VHQ, 0);
-  auto engine = std::make_unique<Engine>();
-  engine->soxr.reset(soxr_create(rate, otherRate, static_cast<unsigned>(channels), &error, &samples,
-                                 &quality, nullptr));
+  const soxr_io_spec_t samples = library->ioSpec(SOXR_FLOAT64_I, SOXR_FLOAT64_I);
+  const soxr_quality_spec_t quality = library->qualitySpec(SOXR_VHQ, 0);
+  auto engine = std::make_unique<Engine>(*library);
+  engine->soxr = library->create(rate, otherRate, static_cast<unsigned>(channels), &error, &samples,
+                                 &quality, nullptr);
   if (error != nullptr || engine->soxr == nullptr) {
     trouble = error != nullptr ? error : "resampling cannot be set up";
     return nullptr;
@@ -68,9 +98,9 @@ bool Resampler::Process(std::span<const double> in, std::vector<double>& out) {
     std::size_t takenNow = 0;
     std::size_t madeNow = 0;
     const double* const from = frames == 0 ? nullptr : in.data() + taken * channels;
-    const soxr_error_t error =
-        soxr_process(engine_->soxr.get(), from, frames - taken, &takenNow,
-                     out.data() + made * channels, out.size() / channels - made, &madeNow);
+    const soxr_error_t error = engine_->library->process(engine_->soxr, from, frames - taken,
+                                                         &takenNow, out.data() + made * channels,
+                                                         out.size() / channels - made, &madeNow);
     if (error != nullptr) return false;
     taken += takenNow;
     made += madeNow;

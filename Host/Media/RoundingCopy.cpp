@@ -59,7 +59,7 @@ class RoundingCopy {
   bool Read(std::int64_t count) {
     const std::int64_t all = sound_.Info().channels;
     read_.resize(static_cast<std::size_t>(count * all));
-    if (sf_readf_double(sound_.Handle(), read_.data(), count) != count) {
+    if (sound_.ReadFractions(read_.data(), count) != count) {
       return outputs_.Blame(kEndsEarly);
     }
     chosen_.resize(static_cast<std::size_t>(count * Width()));
@@ -127,9 +127,7 @@ bool RoundingCopy::Resample() {
       plan_.sourceRate, plan_.rate, static_cast<std::int32_t>(Width()), outputs_.Result().trouble);
   if (resampler == nullptr) return false;
   const std::int64_t first = plan_.firstFrame - before;
-  if (sf_seek(sound_.Handle(), first, SEEK_SET) != first) {
-    return outputs_.Blame(kEndsEarly);
-  }
+  if (!sound_.Seek(first)) return outputs_.Blame(kEndsEarly);
   std::vector<double> made;
   for (std::int64_t left = before + plan_.sourceFrames + after; toWrite_ > 0;) {
     const std::int64_t count = std::min(most_, left);

@@ -7,12 +7,41 @@
 #include <limits>
 #include <optional>
 
+#include "Media/LateLibrary.h"
 #include "Media/MpegFrames.h"
 #include "Media/WaveHeader.h"
 #include "Media/WaveWriter.h"
 
 namespace velmora::media {
+
+/// What we use of libsndfile.
+struct SndfileFunctions {
+  decltype(&sf_open_virtual) openVirtual;
+  decltype(&sf_close) close;
+  decltype(&sf_command) command;
+  decltype(&sf_seek) seek;
+  decltype(&sf_readf_int) readfInt;
+  decltype(&sf_readf_double) readfDouble;
+  decltype(&sf_read_raw) readRaw;
+  decltype(&sf_error) error;
+  decltype(&sf_strerror) strerror;
+};
+
 namespace {
+
+void FindSndfile(LateLibrary& library, SndfileFunctions& functions) {
+  library.Find(VELMORA_FUNCTION(sf_open_virtual), functions.openVirtual);
+  library.Find(VELMORA_FUNCTION(sf_close), functions.close);
+  library.Find(VELMORA_FUNCTION(sf_command), functions.command);
+  library.Find(VELMORA_FUNCTION(sf_seek), functions.seek);
+  library.Find(VELMORA_FUNCTION(sf_readf_int), functions.readfInt);
+  library.Find(VELMORA_FUNCTION(sf_readf_double), functions.readfDouble);
+  library.Find(VELMORA_FUNCTION(sf_read_raw), functions.readRaw);
+  library.Find(VELMORA_FUNCTION(sf_error), functions.error);
+  library.Find(VELMORA_FUNCTION(sf_strerror), functions.strerror);
+}
+
+LateFunctions<SndfileFunctions> sndfile(VELMORA_SNDFILE, FindSndfile);
 
 // What opening may read. Headers take some kilobytes; a picture or a text inside one, megabytes.
 constexpr std::int64_t kMostHeaderBytes = std::int64_t{64} << 20;
@@ -46,14 +75,15 @@ std::int64_t BytesOfTag(std::FILE* stream) {
 
 }  // namespace
 
-SoundFile::SoundFile(FileStream stream)
-    : stream_(std::move(stream)),
+SoundFile::SoundFile(FileStream stream, const SndfileFunctions& library)
+    : library_(&library),
+      stream_(std::move(stream)),
       size_(std::max<std::int64_t>(FileSize(stream_.get()), 0)),
       bytesLeft_(kMostHeaderBytes),
       readsLeft_(kMostHeaderReads) {}
 
 SoundFile::~SoundFile() {
-  if (file_ != nullptr) sf_close(file_);
+  if (file_ != nullptr) library_->close(file_);
 }
 
 std::unique_ptr<SoundFile> SoundFile::Open(const std::string& path, std::string& trouble) {
@@ -66,7 +96,9 @@ std::unique_ptr<SoundFile> SoundFile::Open(const std::string& path, std::string&
 }
 
 std::unique_ptr<SoundFile> SoundFile::Open(FileStream stream, std::string& trouble) {
-  std::unique_ptr<SoundFile> sound(new SoundFile(std::move(stream)));
+  const SndfileFunctions* const library = sndfile.Get(trouble);
+  if (library == nullptr) return nullptr;
+  std::unique_ptr<SoundFile> sound(new SoundFile(std::move(stream), *library));
   if (sound->size_ == 0) {
     trouble = "the file is empty";
     return nullptr;
@@ -87,10 +119,10 @@ std::unique_ptr<SoundFile> SoundFile::Open(FileStream stream, std::string& troub
 bool SoundFile::OpenAsShown() {
   SF_VIRTUAL_IO access{&SoundFile::Length, &SoundFile::Seek, &SoundFile::Read, &SoundFile::Write,
                        &SoundFile::Tell};
-  if (file_ != nullptr) sf_close(file_);
+  if (file_ != nullptr) library_->close(file_);
   info_ = {};
   place_ = 0;
-  file_ = sf_open_virtual(&access, SFM_READ, &info_, this);
+  file_ = library_->openVirtual(&access, SFM_READ, &info_, this);
   return file_ != nullptr && info_.channels > 0 && info_.samplerate > 0;
 }
 
@@ -125,10 +157,41 @@ void SoundFile::CountFrames() {
   std::vector<int> block(static_cast<std::size_t>(info_.channels) * 4096);
   std::int64_t frames = 0;
   for (std::int64_t got = 1; got > 0 && frames < kMostFrames; frames += got) {
-    got = sf_readf_int(file_, block.data(), 4096);
+    got = library_->readfInt(file_, block.data(), 4096);
   }
   OpenAsShown();
   info_.frames = frames;
+}
+
+bool SoundFile::HasForeignByteOrder() const {
+  return library_->command(file_, SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) != SF_FALSE;
+}
+
+std::string SoundFile::EncodingName() const {
+  SF_FORMAT_INFO info{};
+  info.format = Encoding();
+  const int status = library_->command(nullptr, SFC_GET_FORMAT_INFO, &info, sizeof info);
+  return status == 0 && info.name != nullptr ? info.name : "unknown encoding";
+}
+
+bool SoundFile::Seek(std::int64_t frame) const {
+  return library_->seek(file_, frame, SEEK_SET) == frame;
+}
+
+std::int64_t SoundFile::ReadIntegers(std::int32_t* samples, std::int64_t frames) const {
+  return library_->readfInt(file_, samples, frames);
+}
+
+std::int64_t SoundFile::ReadFractions(double* samples, std::int64_t frames) const {
+  return library_->readfDouble(file_, samples, frames);
+}
+
+std::int64_t SoundFile::ReadBytes(std::uint8_t* bytes, std::int64_t count) const {
+  return library_->readRaw(file_, bytes, count);
+}
+
+SoundFile::LastCall SoundFile::Last() const {
+  return {library_->error(file_) != SF_ERR_NO_ERROR, library_->strerror(file_)};
 }
 
 sf_count_t SoundFile::Length(void* self) {

@@ -11,6 +11,8 @@
 
 namespace velmora::media {
 
+struct SndfileFunctions;
+
 /// A sound file open for reading by libsndfile. Only regular files are opened, and never by what
 /// their names end in: headerless audio is none. Opening reads a bounded part of the file, so that
 /// noise of gigabytes takes no time.
@@ -18,6 +20,8 @@ namespace velmora::media {
 /// Two kinds of wave files are shown to libsndfile in another form, as it refuses them though their
 /// audio is plain: BW64, which differs from RF64 in its name alone, and files whose chunks stand in
 /// an unusual order or without pad bytes.
+///
+/// The only one that calls libsndfile, which is loaded when the first file is opened.
 class SoundFile {
  public:
   /// Null if it cannot be opened; then `trouble` says why, in plain words.
@@ -32,16 +36,39 @@ class SoundFile {
   [[nodiscard]] const SF_INFO& Info() const { return info_; }
   [[nodiscard]] int Container() const { return info_.format & SF_FORMAT_TYPEMASK; }
   [[nodiscard]] int Encoding() const { return info_.format & SF_FORMAT_SUBMASK; }
-  [[nodiscard]] SNDFILE* Handle() const { return file_; }
   [[nodiscard]] std::FILE* Stream() const { return stream_.get(); }
   /// The errno of the last read that failed since the file was opened, 0 if none did. libsndfile
   /// itself does not tell a failed read from the end of a file.
   [[nodiscard]] int ReadError() const { return readError_; }
   /// True if libsndfile refuses the file as it is.
   [[nodiscard]] bool IsMended() const { return mended_; }
+  /// True if the bytes of its samples stand in another order than the machine's.
+  [[nodiscard]] bool HasForeignByteOrder() const;
+  /// "Vorbis", say: libsndfile's name for what its samples are encoded in.
+  [[nodiscard]] std::string EncodingName() const;
+
+  /// Makes `frame` the next one to be read. False if there is no such place.
+  [[nodiscard]] bool Seek(std::int64_t frame) const;
+
+  // Each reads the next frames, all channels interleaved, and says how many there were: fewer than
+  // `frames` at the end, or where the file is damaged.
+
+  /// Each sample at the left end of 32 bits.
+  [[nodiscard]] std::int64_t ReadIntegers(std::int32_t* samples, std::int64_t frames) const;
+  /// As fractions of full scale.
+  [[nodiscard]] std::int64_t ReadFractions(double* samples, std::int64_t frames) const;
+  /// The bytes as they lie in the file; counts bytes, of whole frames.
+  [[nodiscard]] std::int64_t ReadBytes(std::uint8_t* bytes, std::int64_t count) const;
+
+  /// What libsndfile has to say of the last call; `hasFailed` is false if that was all right.
+  struct LastCall {
+    bool hasFailed = false;
+    std::string text;
+  };
+  [[nodiscard]] LastCall Last() const;
 
  private:
-  explicit SoundFile(FileStream stream);
+  SoundFile(FileStream stream, const SndfileFunctions& library);
 
   bool OpenAsShown();
   bool Mend();
@@ -53,6 +80,7 @@ class SoundFile {
   static sf_count_t Write(const void* bytes, sf_count_t count, void* self);
   static sf_count_t Tell(void* self);
 
+  const SndfileFunctions* library_;
   FileStream stream_;
   // What libsndfile is shown: `head_`, then the file's bytes from `bodyPlace_` on.
   std::vector<std::uint8_t> head_;

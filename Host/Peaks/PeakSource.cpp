@@ -39,8 +39,8 @@ std::optional<SampleForm> PlainForm(const media::SoundFile& sound,
   const SF_INFO& info = sound.Info();
   const std::optional<SampleForm> form = FormOf(sound.Encoding());
   if (std::endian::native != std::endian::little || !form || !header) return std::nullopt;
-  if (sf_command(sound.Handle(), SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) != SF_FALSE ||
-      header->channels != info.channels || header->Frames() != info.frames ||
+  if (sound.HasForeignByteOrder() || header->channels != info.channels ||
+      header->Frames() != info.frames ||
       header->ContainerBytes() != static_cast<std::int32_t>(BytesOf(*form)) ||
       header->blockAlign % header->channels != 0) {
     return std::nullopt;
@@ -121,10 +121,10 @@ std::int64_t PeakSource::ReadBySoundFile(std::int64_t first, std::int64_t end, s
                                          Peak* peaks, const Stopped& stopped) {
   const auto channels = static_cast<std::size_t>(Channels());
   const std::size_t blockFrames = FittingFrames(channels * sizeof(double));
-  if (sf_seek(sound_->Handle(), first, SEEK_SET) != first) return 0;
+  if (!sound_->Seek(first)) return 0;
   std::vector<double> block(blockFrames * channels);
   const auto fill = [&](std::int64_t /*frame*/, std::int64_t count) -> std::int64_t {
-    return sf_readf_double(sound_->Handle(), block.data(), count);
+    return sound_->ReadFractions(block.data(), count);
   };
   const auto peakOf = [&](std::int64_t frame, std::int64_t count) {
     return PeakOfFractions(block.data() + static_cast<std::size_t>(frame) * channels,

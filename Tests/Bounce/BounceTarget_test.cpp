@@ -187,12 +187,12 @@ TEST_F(BounceTargetTest, beyond4GiBItIsAnRf64WithAHole) {
   EXPECT_EQ(sound->Container(), SF_FORMAT_RF64);
   EXPECT_EQ(sound->Info().frames, kLate + 5000 - 10);
   std::vector<double> end(5000);
-  ASSERT_EQ(sf_seek(sound->Handle(), kLate - 10, SEEK_SET), kLate - 10);
-  ASSERT_EQ(sf_readf_double(sound->Handle(), end.data(), 5000), 5000);
+  ASSERT_TRUE(sound->Seek(kLate - 10));
+  ASSERT_EQ(sound->ReadFractions(end.data(), 5000), 5000);
   EXPECT_TRUE(end == a.samples);
   std::vector<double> start(5001);
-  ASSERT_EQ(sf_seek(sound->Handle(), 0, SEEK_SET), 0);
-  ASSERT_EQ(sf_readf_double(sound->Handle(), start.data(), 5001), 5001);
+  ASSERT_TRUE(sound->Seek(0));
+  ASSERT_EQ(sound->ReadFractions(start.data(), 5001), 5001);
   EXPECT_EQ(start.back(), 0);
   start.pop_back();
   EXPECT_TRUE(start == a.samples);
