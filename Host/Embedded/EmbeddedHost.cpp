@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <limits>
 #include <utility>
 
@@ -31,8 +32,12 @@ MacStatus StatusOfErrno(int error) {
   }
 }
 
+MacStatus Stat(const char* path, struct stat& facts) {
+  return ::stat(path, &facts) == 0 ? noErr : StatusOfErrno(errno);
+}
+
 MacStatus Stat(const std::string& path, struct stat& facts) {
-  return ::stat(path.c_str(), &facts) == 0 ? noErr : StatusOfErrno(errno);
+  return Stat(path.c_str(), facts);
 }
 
 MacStatus MakeAbsolute(const char* path, std::string& absolute) {
@@ -78,7 +83,7 @@ std::int32_t EmbeddedHost::MakeAlias(const char* path, std::vector<std::uint8_t>
 /// An alias that is known is used again only while it is sure to come out the same: the facts of
 /// the file must be those that it was made of. The folder's number is safe where the file has no
 /// other name, since moving it into another folder changes its stamp.
-MacStatus EmbeddedHost::AliasOf(const std::string& path, const struct stat& facts,
+MacStatus EmbeddedHost::AliasOf(std::string_view path, const struct stat& facts,
                                 KnownFiles::iterator known, std::vector<std::uint8_t>& alias) {
   const bool isKnown = known != files_.end();
   const FileStamp stamp = StampOf(facts);
@@ -91,7 +96,7 @@ MacStatus EmbeddedHost::AliasOf(const std::string& path, const struct stat& fact
   record.path = path;
   record.isFolder = S_ISDIR(facts.st_mode);
   record.fileId = FileId(facts);
-  record.folderId = FolderId(path);
+  record.folderId = FolderId(record.path);
   record.fileDate = MacTime(facts.st_mtime);
   if (EncodeAlias(record, alias) != AliasStatus::Ok) return paramErr;
   if (isKnown && hasOneName && IsSettled(stamp)) {
@@ -115,33 +120,49 @@ std::int32_t EmbeddedHost::Send(const RegionMessage& message) {
   return noErr;
 }
 
+std::int64_t EmbeddedHost::SteadyNanoseconds() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
+
 std::int32_t EmbeddedHost::Place(const char* path, const RegionPlacement& placement,
                                  std::string_view name) {
-  path_ = path != nullptr ? path : "";
+  const std::string_view plain = path != nullptr ? path : "";
   // The alias of any other path leads to it in another form.
-  const bool isPlain = path_.size() > 1 && path_.size() <= kAliasPathLimit && path_[0] == '/' &&
-                       path_[1] != '/' && path_.back() != '/';
+  const bool isPlain = plain.size() > 1 && plain.size() <= kAliasPathLimit && plain[0] == '/' &&
+                       plain[1] != '/' && plain.back() != '/';
   if (!isPlain) return SessionHost::Place(path, placement, name);
-  struct stat facts {};
-  if (const MacStatus status = Stat(path_, facts); status != noErr) return status;
+  const std::int64_t now = clock_();
+  const KnownFiles::iterator known = files_.find(plain);
+  const bool holds = known != files_.end() && known->second.seen.has_value() &&
+                     now - *known->second.seen < kLookHolds;
   FillRegionMessage(placement, name, message_);
-  const KnownFiles::iterator known = files_.find(path_);
-  if (const MacStatus status = AliasOf(path_, facts, known, message_.parameters[0].data);
-      status != noErr) {
-    return status;
+  std::vector<std::uint8_t>& alias = message_.parameters[0].data;
+  struct stat facts {};
+  if (holds) {
+    alias = known->second.alias;
+  } else {
+    if (const MacStatus status = Stat(path, facts); status != noErr) return status;
+    if (const MacStatus status = AliasOf(plain, facts, known, alias); status != noErr) {
+      return status;
+    }
   }
   ReceivedRegion received;
   if (const MacStatus status = ReadRegionMessage(message_, received); status != noErr) {
     return status;
   }
-  if (!S_ISREG(facts.st_mode)) return notAFileErr;
-  Land(received, path_, known);
+  if (!holds && !S_ISREG(facts.st_mode)) return notAFileErr;
+  KnownFile& file = Land(received, plain, known);
+  if (!holds) {
+    const bool isKept = !file.alias.empty() && file.aliasStamp == StampOf(facts);
+    file.seen = isKept && facts.st_nlink == 1 ? std::optional(now) : std::nullopt;
+  }
   return noErr;
 }
 
 /// @param known what is known of the file; the end for nothing
-void EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
-                        KnownFiles::iterator known) {
+EmbeddedHost::KnownFile& EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
+                                            KnownFiles::iterator known) {
   SessionRegion region;
   region.track = received.track;
   region.position = received.position;
@@ -153,6 +174,7 @@ void EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
   const std::size_t index = session_->Place(std::move(region));
   if (known == files_.end()) known = Probe(path);
   RemarkOn(index, known->second);
+  return known->second;
 }
 
 EmbeddedHost::KnownFiles::iterator EmbeddedHost::Probe(std::string_view path) {

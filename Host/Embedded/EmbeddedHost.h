@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Base/FileStamp.h"
@@ -22,8 +24,17 @@ namespace velmora::host {
 /// has ended.
 class EmbeddedHost : public SessionHost {
  public:
+  /// How long a look at a file may be taken for the file itself, in nanoseconds; see Place. More
+  /// time than that passes between any message and the use of the file that it names.
+  static constexpr std::int64_t kLookHolds = 1'000'000;
+
+  /// Nanoseconds from any beginning, which never run back.
+  using Clock = std::function<std::int64_t()>;
+
   /// `session` must outlive the host.
-  explicit EmbeddedHost(Session& session) : session_(&session) {}
+  explicit EmbeddedHost(Session& session) : EmbeddedHost(session, SteadyNanoseconds) {}
+  /// With a clock of one's own, for tests that need looks at files at certain times.
+  EmbeddedHost(Session& session, Clock clock) : session_(&session), clock_(std::move(clock)) {}
 
   /// Makes a Mac OS alias record of the file or folder at `path`; a relative path counts from the
   /// current folder. noErr; fnfErr if nothing is there; notAFileErr for the root; bdNamErr for a
@@ -36,8 +47,11 @@ class EmbeddedHost : public SessionHost {
   /// notAFileErr if it is no regular file. Nothing is placed unless the answer is noErr.
   std::int32_t Send(const RegionMessage& message) override;
 
-  /// Both in one, with one look at the file in place of two and in memory that is used again: a
-  /// third of the time.
+  /// Both in one, in memory that is used again, and with a look at the file only where the last one
+  /// does not hold any more: one look takes twice as long as all the rest. A look holds for
+  /// kLookHolds, and only if it found a file that nobody had changed for some time before and that
+  /// has no other name; so the first two regions of a file always have looks of their own, and so
+  /// has each region of a file just made.
   std::int32_t Place(const char* path, const RegionPlacement& placement,
                      std::string_view name) override;
 
@@ -51,6 +65,8 @@ class EmbeddedHost : public SessionHost {
     /// Its alias, once it was asked for again, and the stamp of the file that it is true for.
     std::vector<std::uint8_t> alias;
     FileStamp aliasStamp;
+    /// When the last look found that stamp.
+    std::optional<std::int64_t> seen;
   };
   struct PathHash {
     using is_transparent = void;  // paths are looked for without being copied
@@ -60,9 +76,11 @@ class EmbeddedHost : public SessionHost {
   };
   using KnownFiles = std::unordered_map<std::string, KnownFile, PathHash, std::equal_to<>>;
 
-  MacStatus AliasOf(const std::string& path, const struct stat& facts, KnownFiles::iterator known,
+  static std::int64_t SteadyNanoseconds();
+  MacStatus AliasOf(std::string_view path, const struct stat& facts, KnownFiles::iterator known,
                     std::vector<std::uint8_t>& alias);
-  void Land(const ReceivedRegion& received, std::string_view path, KnownFiles::iterator known);
+  KnownFile& Land(const ReceivedRegion& received, std::string_view path,
+                  KnownFiles::iterator known);
   KnownFiles::iterator Probe(std::string_view path);
   void RemarkOn(std::size_t index, const KnownFile& file);
 
@@ -70,7 +88,7 @@ class EmbeddedHost : public SessionHost {
   std::vector<Remark> remarks_;
   KnownFiles files_;         ///< by path; a file is opened once
   RegionMessage message_{};  ///< the one that Place made last, for its memory
-  std::string path_;         ///< the same
+  Clock clock_;
 };
 
 }  // namespace velmora::host

@@ -1,5 +1,6 @@
 #include "Embedded/EmbeddedHost.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -632,9 +633,12 @@ struct ChangeRow {
   std::function<void(const std::filesystem::path& folder)> change;
 };
 
-/// A host that knows a file makes the alias that one makes which has never seen it.
+/// A host that knows a file makes the alias that one makes which has never seen it, once the moment
+/// is over for which a look holds.
 TEST_F(EmbeddedHostTest, aliasOfAKnownFileIsNeverStale) {
   namespace fs = std::filesystem;
+  std::int64_t now = 0;
+  EmbeddedHost known(session_, [&now] { return now += EmbeddedHost::kLookHolds; });
   const ChangeRow rows[] = {
       {"nothing", [](const fs::path&) {}},
       {"contents", [](const fs::path& f) { std::ofstream(f / "now/x.wav", std::ios::app) << "x"; }},
@@ -664,19 +668,91 @@ TEST_F(EmbeddedHostTest, aliasOfAKnownFileIsNeverStale) {
       fs::remove(folder_.Path(before + "other/x.wav"));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    for (int i = 0; i < 3; ++i) ASSERT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), noErr);
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(known.Place(path.c_str(), {.stop = 1}, "x"), noErr);
     row.change(folder_.Path(row.rule));
     Session other;
     EmbeddedHost fresh(other);
     for (int i = 0; i < 2; ++i) {
       Bytes expected;
       ASSERT_EQ(fresh.MakeAlias(path.c_str(), expected), noErr);
-      EXPECT_EQ(Alias(path), expected);
-      ASSERT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), noErr);
+      Bytes alias;
+      ASSERT_EQ(known.MakeAlias(path.c_str(), alias), noErr);
+      EXPECT_EQ(alias, expected);
+      ASSERT_EQ(known.Place(path.c_str(), {.stop = 1}, "x"), noErr);
     }
     fs::remove(path);
-    EXPECT_EQ(host_.Place(path.c_str(), {.stop = 1}, "x"), fnfErr);
+    EXPECT_EQ(known.Place(path.c_str(), {.stop = 1}, "x"), fnfErr);
   }
+}
+
+/// A host whose clock stands still until it is told, and which has looked at a file just now.
+class HeldLookTest : public EmbeddedHostTest {
+ protected:
+  void SetUp() override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));  // the file is an old one then
+    for (int i = 0; i < 2; ++i) ASSERT_EQ(Place(), noErr);
+  }
+  std::int32_t Place() { return Place(wave_); }
+  std::int32_t Place(const std::string& path) {
+    return still_.Place(path.c_str(), {.stop = 1}, "x");
+  }
+
+  std::int64_t now_ = 0;
+  EmbeddedHost still_{session_, [this] { return now_; }};
+};
+
+TEST_F(HeldLookTest, lookHoldsForItsMomentAndNotLonger) {
+  std::filesystem::remove(wave_);
+  now_ = EmbeddedHost::kLookHolds - 1;
+  EXPECT_EQ(Place(), noErr) << "the look of time 0 holds";
+  EXPECT_EQ(session_.Regions().back().path, wave_);
+  now_ = EmbeddedHost::kLookHolds;
+  EXPECT_EQ(Place(), fnfErr);
+  folder_.Write("drum.wav", Wave(1000));
+  EXPECT_EQ(Place(), noErr) << "that nothing was there holds for no time";
+}
+
+TEST_F(HeldLookTest, useOfALookDoesNotProlongIt) {
+  now_ = EmbeddedHost::kLookHolds - 1;
+  ASSERT_EQ(Place(), noErr);
+  std::filesystem::remove(wave_);
+  now_ = EmbeddedHost::kLookHolds;
+  EXPECT_EQ(Place(), fnfErr);
+}
+
+TEST_F(HeldLookTest, aliasAndMessageHaveLooksOfTheirOwn) {
+  const RegionMessage message = GoodMessage();
+  std::filesystem::remove(wave_);
+  Bytes alias;
+  EXPECT_EQ(still_.MakeAlias(wave_.c_str(), alias), fnfErr);
+  EXPECT_EQ(still_.Send(message), fnfErr);
+}
+
+TEST_F(HeldLookTest, lookAtAnotherFileIsItsOwn) {
+  EXPECT_EQ(Place(folder_.Path("gone.wav")), fnfErr);
+  EXPECT_EQ(Place(folder_.Path("drum.wav/gone.wav")), fnfErr);
+  ASSERT_EQ(::mkfifo(folder_.Path("fifo").c_str(), 0600), 0);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(Place(folder_.Path("fifo")), notAFileErr);
+}
+
+TEST_F(HeldLookTest, lookAtAFileWithOtherNamesHoldsForNoTime) {
+  std::filesystem::create_hard_link(wave_, folder_.Path("other.wav"));
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  now_ = EmbeddedHost::kLookHolds;
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(Place(), noErr);
+  std::filesystem::remove(wave_);
+  EXPECT_EQ(Place(), fnfErr);
+}
+
+TEST_F(HeldLookTest, lookAtAFileJustMadeHoldsForNoTime) {
+  const std::string fresh = folder_.Write("fresh.wav", Wave(10));
+  // A date in the future stays a fresh one, however slow this machine is.
+  const timespec future = {2'000'000'000, 0};
+  const timespec times[] = {future, future};
+  ASSERT_EQ(::utimensat(AT_FDCWD, fresh.c_str(), times, 0), 0);
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(Place(fresh), noErr);
+  std::filesystem::remove(fresh);
+  EXPECT_EQ(Place(fresh), fnfErr);
 }
 
 TEST_F(EmbeddedHostTest, spotterOfAMissingFileSendsNothing) {
