@@ -176,9 +176,12 @@ ScriptEnd ScriptProcess::Run(const std::function<LineUse(std::string_view)>& tak
 
 bool ScriptProcess::HasEnded() const {
   siginfo_t info{};
-  // It is only looked at here: EndGroup reaps it.
-  return ::waitid(P_PID, static_cast<id_t>(script_), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-         info.si_pid == script_;
+  // It is only looked at here: EndGroup reaps it. Another failure is no end: to wait for one then
+  // would be to wait for a script that waits for its answer.
+  if (::waitid(P_PID, static_cast<id_t>(script_), &info, WEXITED | WNOHANG | WNOWAIT) != 0) {
+    return errno == ECHILD;
+  }
+  return info.si_pid == script_;
 }
 
 bool ScriptProcess::ReadStream(Stream stream,

@@ -105,8 +105,14 @@ std::unique_ptr<SoundFile> SoundFile::Open(FileStream stream, std::string& troub
   }
   sound->bodyPlace_ = std::min(BytesOfTag(sound->stream_.get()), sound->size_);
   sound->size_ -= sound->bodyPlace_;
-  if (LooksLikeMpegByChance(sound->stream_.get(), sound->bodyPlace_) ||
-      (!sound->OpenAsShown() && !(sound->Mend() && sound->OpenAsShown()))) {
+  const bool isOpen = !LooksLikeMpegByChance(sound->stream_.get(), sound->bodyPlace_) &&
+                      (sound->OpenAsShown() || (sound->Mend() && sound->OpenAsShown()));
+  // libsndfile takes a failed read for the end of the file, and may open what is left of it.
+  if (sound->readError_ != 0) {
+    trouble = WhyNotOpened(sound->readError_);
+    return nullptr;
+  }
+  if (!isOpen) {
     trouble = "this is no sound file, or a damaged one";
     return nullptr;
   }

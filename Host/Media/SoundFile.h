@@ -24,7 +24,8 @@ struct SndfileFunctions;
 /// The only one that calls libsndfile, which is loaded when the first file is opened.
 class SoundFile {
  public:
-  /// Null if it cannot be opened; then `trouble` says why, in plain words.
+  /// Null if it cannot be opened, or if reading its header fails; then `trouble` says why, in plain
+  /// words.
   [[nodiscard]] static std::unique_ptr<SoundFile> Open(const std::string& path,
                                                        std::string& trouble);
   /// The same with a stream that is open already, which must be one of a regular file.
@@ -37,8 +38,8 @@ class SoundFile {
   [[nodiscard]] int Container() const { return info_.format & SF_FORMAT_TYPEMASK; }
   [[nodiscard]] int Encoding() const { return info_.format & SF_FORMAT_SUBMASK; }
   [[nodiscard]] std::FILE* Stream() const { return stream_.get(); }
-  /// The errno of the last read that failed since the file was opened, 0 if none did. libsndfile
-  /// itself does not tell a failed read from the end of a file.
+  /// The errno of the last read that failed, 0 if none did. libsndfile itself does not tell a failed
+  /// read from the end of a file.
   [[nodiscard]] int ReadError() const { return readError_; }
   /// True if libsndfile refuses the file as it is.
   [[nodiscard]] bool IsMended() const { return mended_; }

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -30,12 +31,20 @@ void GiveCommonRights(const std::string& folder, const struct stat* model) {
   if (chmod(folder.c_str(), rights) != 0) return;
 }
 
-/// Makes a folder whose name begins with `start`. Empty on failure, errno tells why.
-std::string MakeNamedFolder(const std::string& start) {
-  const std::string pattern = start + ".preparing-XXXXXX";
-  std::vector<char> name(pattern.begin(), pattern.end());
-  name.push_back('\0');
-  return mkdtemp(name.data()) != nullptr ? std::string(name.data()) : std::string();
+constexpr std::string_view kMark = ".preparing-";
+constexpr std::string_view kPattern = "XXXXXX";  // which mkdtemp replaces
+
+/// Removes what killed processes have left that were preparing into `target`, beside it or in it.
+void TidyUp(const std::string& target) {
+  const std::string name = fs::path(target).filename();
+  const auto isOurs = [](std::string_view found, std::string_view start) {
+    if (!found.starts_with(start)) return false;
+    found.remove_prefix(start.size());
+    return found.starts_with(kMark) && found.size() == kMark.size() + kPattern.size();
+  };
+  host::TidyLeftOvers(fs::path(target).parent_path(),
+                      [&](std::string_view found) { return isOurs(found, name); });
+  host::TidyLeftOvers(target, [&](std::string_view found) { return isOurs(found, ""); });
 }
 
 }  // namespace
@@ -50,10 +59,12 @@ std::string Staging::Begin(const std::string& target) {
   struct stat facts {};
   const bool there = lstat(target_.c_str(), &facts) == 0;
   std::error_code error;
+  if (!there || S_ISDIR(facts.st_mode)) TidyUp(target_);
   if (there && S_ISLNK(facts.st_mode)) {  // the folder is where the link leads
     target_ = fs::canonical(target_, error).string();
     if (error) return target + " is a link that leads nowhere";
     if (stat(target_.c_str(), &facts) != 0) return Complaint(target, " cannot be read", errno);
+    if (S_ISDIR(facts.st_mode)) TidyUp(target_);
   }
   if (there && !S_ISDIR(facts.st_mode)) return target + " is there already, and is no folder";
   if (there) {
@@ -64,10 +75,10 @@ std::string Staging::Begin(const std::string& target) {
     std::string complaint = MakeParents();
     if (!complaint.empty()) return complaint;
   }
-  staging_ = MakeNamedFolder(target_);
+  staging_ = MakeStaging(target_);
   if (staging_.empty() && there) {  // its folder lets nobody make anything; the target may
     inside_ = true;
-    staging_ = MakeNamedFolder(target_ + '/');
+    staging_ = MakeStaging(target_ + '/');
   }
   if (staging_.empty()) return Complaint(target, " cannot be made", errno);
   // A file system of its own cannot be replaced by another folder.
@@ -75,11 +86,24 @@ std::string Staging::Begin(const std::string& target) {
   if (there && !inside_ && stat(staging_.c_str(), &made) == 0 && made.st_dev != facts.st_dev) {
     const std::string beside = staging_;
     inside_ = true;
-    staging_ = MakeNamedFolder(target_ + '/');
+    staging_ = MakeStaging(target_ + '/');
     rmdir(beside.c_str());
     if (staging_.empty()) return Complaint(target, " cannot be written to", errno);
   }
   GiveCommonRights(staging_, there ? &facts : nullptr);
+  return {};
+}
+
+/// Makes a folder whose name begins with `start`. Empty on failure, errno tells why.
+std::string Staging::MakeStaging(const std::string& start) {
+  constexpr int kMostNames = 100;
+  for (int i = 0; i < kMostNames; ++i) {
+    std::string name = start;
+    name.append(kMark).append(kPattern);
+    if (mkdtemp(name.data()) == nullptr) return {};
+    if (making_.Begin(name)) return name;
+  }
+  errno = EEXIST;
   return {};
 }
 
@@ -109,6 +133,7 @@ std::string Staging::Commit() {
     return Complaint(target_, " cannot take its place", error);
   }
   staging_.clear();
+  making_.End();
   firstParent_.clear();
   return {};
 }
@@ -145,6 +170,7 @@ void Staging::Discard() {
   std::error_code ignored;
   if (!staging_.empty()) fs::remove_all(staging_, ignored);
   staging_.clear();
+  making_.End();
   // From the target's folder up to the first that was made, those that stayed empty.
   for (fs::path parent = fs::path(target_).parent_path(); !firstParent_.empty();
        parent = parent.parent_path()) {

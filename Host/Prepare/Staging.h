@@ -2,11 +2,14 @@
 
 #include <string>
 
+#include "Session/InTheMaking.h"
+
 namespace velmora::prepare {
 
 /// A folder in the making. Everything is made in a folder beside it, which takes its name at the
 /// end: the folder appears whole or not at all. What is not committed is removed again; a process
-/// that is killed leaves "NAME.preparing-XXXXXX" and never NAME.
+/// that is killed leaves "NAME.preparing-XXXXXX" and never NAME; the next that prepares into NAME
+/// removes it.
 class Staging {
  public:
   Staging() = default;
@@ -28,13 +31,15 @@ class Staging {
 
  private:
   [[nodiscard]] std::string MakeParents();
+  [[nodiscard]] std::string MakeStaging(const std::string& start);
   [[nodiscard]] std::string CommitInside();
   void Discard();
 
   std::string target_;
-  std::string staging_;      ///< empty when there is none
-  std::string firstParent_;  ///< the topmost folder that was made for the target, or empty
-  bool inside_ = false;      ///< the target is there and can only be filled, not replaced
+  std::string staging_;       ///< empty when there is none
+  std::string firstParent_;   ///< the topmost folder that was made for the target, or empty
+  host::InTheMaking making_;  ///< `staging_`
+  bool inside_ = false;       ///< the target is there and can only be filled, not replaced
 };
 
 }  // namespace velmora::prepare

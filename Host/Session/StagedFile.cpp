@@ -8,28 +8,10 @@
 #include <filesystem>
 
 #include "Session/HiddenName.h"
+#include "Session/MoveToFreeName.h"
 
 namespace velmora::host {
-namespace {
-
 namespace fs = std::filesystem;
-
-/// Gives a file a name that must be free, and takes its old one away. 0 or an errno.
-int MoveToFreeName(const std::string& from, const std::string& to) {
-  if (::link(from.c_str(), to.c_str()) == 0) {
-    RemoveFile(from.c_str());
-    return 0;
-  }
-  if (errno == EEXIST) return EEXIST;
-  // Some file systems have no second names: there an empty file holds the name meanwhile.
-  if (CreateNewFile(to.c_str()) == nullptr) return errno;
-  if (::rename(from.c_str(), to.c_str()) == 0) return 0;
-  const int error = errno;
-  RemoveFile(to.c_str());
-  return error;
-}
-
-}  // namespace
 
 std::string StagedFile::WhyNot(const std::string& path) {
   struct stat facts {};
@@ -44,7 +26,7 @@ StagedFile::~StagedFile() {
 }
 
 bool StagedFile::Create() {
-  written_ = MakeHidden(path_, [this](const std::string& name) {
+  written_ = MakeHidden(path_, making_, [this](const std::string& name) {
     stream_ = CreateNewFile(name.c_str());
     return stream_ != nullptr;
   });
@@ -58,7 +40,10 @@ int StagedFile::Close() {
 
 int StagedFile::Publish() {
   const int error = MoveToFreeName(written_, path_);
-  if (error == 0) Forget();
+  if (error == 0) {
+    Forget();
+    making_.End();
+  }
   return error;
 }
 

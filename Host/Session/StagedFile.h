@@ -4,11 +4,14 @@
 #include <string>
 
 #include "Base/FileAccess.h"
+#include "Session/InTheMaking.h"
 
 namespace velmora::host {
 
 /// A file that appears under its name whole or not at all: it is written beside that name, under a
-/// hidden one, and takes it when it is done. Nothing that holds the name is ever replaced.
+/// hidden one, and takes it when it is done. Nothing that holds the name is ever replaced. A
+/// process that is killed leaves the hidden one; the next that makes something in that folder
+/// removes it.
 class StagedFile {
  public:
   /// Why `path` (absolute) cannot be claimed for a new file: something holds the name, even a link,
@@ -43,6 +46,7 @@ class StagedFile {
   std::string path_;
   std::string written_;
   FileStream stream_;
+  InTheMaking making_;
 };
 
 }  // namespace velmora::host

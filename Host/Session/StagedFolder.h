@@ -2,10 +2,14 @@
 
 #include <string>
 
+#include "Session/InTheMaking.h"
+
 namespace velmora::host {
 
 /// A folder that appears under its name whole or not at all: it is filled beside that name, under a
-/// hidden one, and takes it when it is done. Nothing that holds the name is ever replaced.
+/// hidden one, and takes it when it is done. Nothing that holds the name is ever replaced. A
+/// process that is killed leaves the hidden one; the next that makes something beside it removes
+/// it.
 class StagedFolder {
  public:
   /// Why `path` (absolute) cannot be claimed for a new folder: see StagedFile::WhyNot. Empty if
@@ -32,6 +36,7 @@ class StagedFolder {
  private:
   std::string path_;
   std::string written_;
+  InTheMaking making_;
 };
 
 }  // namespace velmora::host

@@ -37,6 +37,28 @@ TEST(Staging, folderAppearsWholeAtTheEnd) {
   EXPECT_EQ(NamesIn(folder.Path("a/b")), std::vector<std::string>{"out"});
 }
 
+TEST(Staging, whatAKilledProcessLeftGoesWithTheNextAndOthersStay) {
+  test::TemporaryFolder folder;
+  const std::string target = folder.Path("out");
+  for (const char* const left : {"out.preparing-abcdef", "out/.preparing-ABC123"}) {
+    fs::create_directories(folder.Path(left));
+    Put(folder.Path(left) + "/p.adl");
+  }
+  const std::vector<std::string> others = {"other.preparing-abcdef", "out.preparing-abcde",
+                                           "out.preparing-abcdefg"};
+  for (const std::string& other : others) fs::create_directory(folder.Path(other));
+  Staging busy;
+  ASSERT_EQ(busy.Begin(target), "");  // a folder that held nothing but a left-over counts as empty
+  Staging staging;
+  ASSERT_EQ(staging.Begin(target), "");
+  EXPECT_TRUE(fs::exists(busy.Path()));
+  Put(staging.Path() + "/p.adl");
+  ASSERT_EQ(staging.Commit(), "");
+  EXPECT_EQ(NamesIn(target), std::vector<std::string>{"p.adl"});
+  for (const std::string& other : others) EXPECT_TRUE(fs::exists(folder.Path(other))) << other;
+  EXPECT_FALSE(fs::exists(folder.Path("out.preparing-abcdef")));
+}
+
 TEST(Staging, whatIsNotCommittedLeavesNothing) {
   test::TemporaryFolder folder;
   {

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace velmora::host {
+
+/// Says of a file or folder that somebody is making it, for as long as this lives and the process
+/// does: a lock (flock) that the system takes away with the process, however that ends.
+///
+/// So what a killed process has left can be told from what another one is busy with. Where a file
+/// system knows no locks nothing is said, and nothing is ever tidied away.
+class InTheMaking {
+ public:
+  InTheMaking() = default;
+  ~InTheMaking() { End(); }
+  InTheMaking(const InTheMaking&) = delete;
+  InTheMaking& operator=(const InTheMaking&) = delete;
+
+  /// Begins with what has just been made. False if somebody has taken it for a left-over in that
+  /// moment, and it is gone or about to go: then another one has to be made.
+  [[nodiscard]] bool Begin(const std::string& path);
+  void End();
+
+ private:
+  int descriptor_ = -1;
+};
+
+/// Removes from a folder what killed processes of this user have left there in the making: files
+/// and folders whose names `isOurs` knows, and which nobody holds in the making. Links are not
+/// followed. What cannot be removed stays.
+void TidyLeftOvers(const std::string& folder,
+                   const std::function<bool(std::string_view name)>& isOurs);
+
+}  // namespace velmora::host
