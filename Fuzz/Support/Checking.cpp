@@ -1,0 +1,78 @@
+#include "Support/Checking.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "Embedded/EmbeddedKind.h"
+#include "Model/ViewModel.h"
+#include "Session/Session.h"
+#include "Spot/SpotWorker.h"
+
+namespace velmora::fuzz {
+namespace {
+
+class QuietObserver : public SpotObserver {
+ public:
+  bool Aborted() override { return false; }
+  void Report(std::int32_t /*progress*/) override {}
+  void Log(const std::string& /*line*/) override {}
+};
+
+std::string Line(std::int64_t track, std::int64_t position, std::int64_t start, std::int64_t stop,
+                 const std::string& path) {
+  return "track " + std::to_string(track) + " at " + std::to_string(position) + ": " +
+         std::to_string(start) + " to " + std::to_string(stop) + " of " + path + "\n";
+}
+
+std::string InOrder(std::vector<std::string> lines) {
+  std::sort(lines.begin(), lines.end());
+  std::string text;
+  for (const std::string& line : lines) text += line;
+  return text;
+}
+
+}  // namespace
+
+std::string Meant(const check::CheckedProject& checked) {
+  const field::Project& project = *checked.project;
+  std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
+  for (const field::Event& event : project.events) {
+    if (event.kind == field::EventKind::Cut) lowest = std::min(lowest, event.tracks.first);
+  }
+  std::vector<std::string> lines;
+  for (const field::Event& event : project.events) {
+    if (event.kind != field::EventKind::Cut || event.IsOff()) continue;
+    if (!event.source) {
+      lines.emplace_back("a cut without a source\n");
+      continue;
+    }
+    const std::int64_t start = event.sourceIn - project.sources.at(*event.source).fileStart;
+    lines.push_back(Line(std::int64_t{event.tracks.first} - lowest, event.position, start,
+                         start + event.end - event.position,
+                         checked.media.at(*event.source).located.path));
+  }
+  return InOrder(std::move(lines));
+}
+
+std::string Spotted(const std::string& path) {
+  ViewModel model;
+  if (!model.LoadFile(path)) return "nothing";
+  // As the program answers for a session that is not told: by the earliest cut.
+  SpotOptions options;
+  options.sessionRate = 48000;
+  options.frameRate = 2;  // 25
+  host::Session session;
+  const auto receiver = host::kEmbeddedKind.connect(session);
+  QuietObserver observer;
+  RunWithoutFiles({model.project.get(), model.numEvents, model.minTrack, model.firstEvent}, options,
+                  *receiver, observer);
+  std::vector<std::string> lines;
+  for (const host::SessionRegion& region : session.Regions()) {
+    lines.push_back(Line(region.track, region.position, region.start, region.stop, region.path));
+  }
+  return InOrder(std::move(lines));
+}
+
+}  // namespace velmora::fuzz
