@@ -123,15 +123,19 @@ char* AdlScanner::ScanEntry(AES31Section& section, const Token& token) {
 }
 
 char* AdlScanner::ScanValues(Values& values, char* at) {
-  while (at < end_) {
-    at = NextText(at, end_);
-    if (at == end_ || *at == '(' || *at == '<') return at;
-    Note(values, at);
-    char* const valueEnd = *at == '"' ? at + (QuotedValueEnd(at, end_) - at) : NextBlank(at, end_);
+  // Copies: every NUL that is written might otherwise change them, as far as a compiler can tell.
+  char* const end = end_;
+  Values found;
+  while (at < end) {
+    at = NextText(at, end);
+    if (at == end || *at == '(' || *at == '<') break;
+    Note(found, at);
+    char* const valueEnd =
+        *at == '"' ? at + (QuotedValueEnd(at, end) - at) : NextBlankAfterValue(at, end);
     *valueEnd = '\0';
-    if (valueEnd == end_) return end_;
-    at = valueEnd + 1;
+    at = std::min(valueEnd + 1, end);
   }
+  values = std::move(found);
   return at;
 }
 

@@ -29,7 +29,7 @@ void EntryWalk::Read(EntryLine& line) {
     while ((at = NextText(at, end)) != end && *at != '(' && *at != '<') {
       if (count < line.texts.size()) line.texts[count] = at;
       ++count;
-      at = *at == '"' ? QuotedValueEnd(at, end) : NextBlank(at, end);
+      at = *at == '"' ? QuotedValueEnd(at, end) : NextBlankAfterValue(at, end);
       if (at == end) break;
       ++at;  // past the value's NUL
     }

@@ -51,6 +51,10 @@ constexpr auto kPieces = std::to_array<std::string_view>({
     "1",
     "22",
     "word",
+    "fifteen_letters",
+    "01.02:03:04/0567",
+    "01.02:03:04/0567x",
+    "01.02:03:\x82/0567",
     "\"quoted text\"",
     "\"",
     "\"\"",
@@ -153,6 +157,32 @@ TEST(ScannerComparison, arbitraryBytesScanAsTheReferenceDoes) {
     const ReferenceScanner reference(adl);
     ASSERT_EQ(Shown(project->sections), reference.Sections()) << "round " << round << "\n" << adl;
     ASSERT_EQ(ShownTexts(project->comments), reference.Comments()) << "round " << round;
+  }
+}
+
+// Sixteen bytes of a value are looked at together where the block has so many left.
+TEST(ScannerComparison, valuesOfAnyLengthAtAnyPlaceScanAsTheReferenceDoes) {
+  constexpr std::size_t kLongest = 35;
+  constexpr std::string_view kAfter = "\n\t(y) 0123456789abcdef_ z </A> </ADL>\n";
+  const TemporaryFolder folder;
+  const ReusedFile file(folder);
+  for (std::size_t length = 1; length <= kLongest; ++length) {
+    for (std::size_t odd = 0; odd <= length; ++odd) {
+      for (const char c : {' ', '\x80', '!', '(', '<', ')', '"', '\0'}) {
+        std::string value(length, 'v');
+        if (odd < length) value[odd] = c;
+        const std::string adl = "<ADL> <A> (x) " + value + std::string(kAfter);
+        const Loading project(file.Holding(adl));
+        ASSERT_EQ(Shown(project->sections), ReferenceScanner(adl).Sections()) << adl;
+      }
+    }
+    // The block ends in the value or soon after it.
+    for (std::size_t left = 0; left <= kAfter.size(); ++left) {
+      const std::string adl =
+          "<ADL> <A> (x) " + std::string(length, 'v') + std::string(kAfter.substr(0, left));
+      const Loading project(file.Holding(adl));
+      ASSERT_EQ(Shown(project->sections), ReferenceScanner(adl).Sections()) << adl;
+    }
   }
 }
 
