@@ -93,8 +93,9 @@ bool GlanceEvents::TakeCut(const PlainLine& line) {
   if (!index || !channels || !tracks || !in || !position || !end) return false;
   NoteEarliest(*position, values[kPosition].text);
   // The system takes the first number of a run, whichever is the lower.
-  lowestTrack_ =
-      std::min<std::int64_t>(lowestTrack_, field::ReadLeadingNumber(values[kTracks].text)->number);
+  const std::int32_t firstTrack =
+      tracks->Count() == 1 ? tracks->first : field::ReadLeadingNumber(values[kTracks].text)->number;
+  lowestTrack_ = std::min<std::int64_t>(lowestTrack_, firstTrack);
   event_.length = *end - *position;
   event_.tracks = *tracks;
   const char status = field::ReadStatus(values[kStatus].text);
@@ -121,8 +122,8 @@ void GlanceEvents::JudgeStatus(char status) {
 }
 
 /// A time at the project's rate; none for any other text.
-std::optional<std::int64_t> GlanceEvents::Samples(const field::Value& value) const {
-  const std::optional<PlainTime> time = ReadPlainTime(value);
+std::optional<std::int64_t> GlanceEvents::Samples(const field::Value& value) {
+  const std::optional<PlainTime> time = times_.Read(value);
   if (!time || time->rates.sampleRate != first_->sampleRate) return std::nullopt;
   return time->samples;
 }
@@ -136,7 +137,7 @@ void GlanceEvents::NoteEarliest(std::int64_t position, std::string_view stamp) {
   std::copy(stamp.begin(), stamp.end(), earliest_->stamp.begin());
 }
 
-bool GlanceEvents::TakeFade(const PlainLine& line, std::optional<std::int64_t>& fade) const {
+bool GlanceEvents::TakeFade(const PlainLine& line, std::optional<std::int64_t>& fade) {
   constexpr std::size_t kNeeded = 5;
   if (fade || line.valueCount < kNeeded) return false;
   // A fade before its event's cut, in the first event: the project's rate is not known yet.

@@ -10,6 +10,7 @@
 #include "Check/Glance.h"
 #include "Check/GlanceSources.h"
 #include "Check/PlainText.h"
+#include "Check/PlainTimes.h"
 #include "Field/ChannelRun.h"
 #include "Field/FieldTime.h"
 #include "Timecode/AdlTime.h"
@@ -44,9 +45,9 @@ class GlanceEvents {
   };
   [[nodiscard]] bool TakeEntry(const PlainLine& line);
   [[nodiscard]] bool TakeCut(const PlainLine& line);
-  [[nodiscard]] bool TakeFade(const PlainLine& line, std::optional<std::int64_t>& fade) const;
+  [[nodiscard]] bool TakeFade(const PlainLine& line, std::optional<std::int64_t>& fade);
   [[nodiscard]] bool TakeGain(const PlainLine& line);
-  [[nodiscard]] std::optional<std::int64_t> Samples(const field::Value& value) const;
+  [[nodiscard]] std::optional<std::int64_t> Samples(const field::Value& value);
   void NoteFirst(const PlainTime& time);
   void NoteEarliest(std::int64_t position, std::string_view stamp);
   void JudgeStatus(char status);
@@ -57,6 +58,7 @@ class GlanceEvents {
   std::size_t entries_ = 0;
   bool numbersRise_ = true;
   Event event_;
+  PlainTimes times_;
   std::optional<field::TimeRates>
       first_;  ///< of the first cut in the text; its rate is the project's
   struct Earliest {

@@ -4,17 +4,8 @@
 #include <cmath>
 
 #include "Field/Keyword.h"
-#include "Timecode/AdlTime.h"
 
 namespace velmora::check {
-
-std::optional<PlainTime> ReadPlainTime(const field::Value& value) {
-  if (value.quoted || value.text.size() != kTimestampLength) return std::nullopt;
-  const field::TimeContext ownMarks;
-  const std::optional<field::StampMarks> marks = field::ReadMarks(value.text, ownMarks);
-  if (!marks) return std::nullopt;
-  return PlainTime{field::TimeOf(value.text, *marks, ownMarks).samples, marks->rates};
-}
 
 std::optional<std::int32_t> ReadPlainNumber(const field::Value& value) {
   constexpr std::size_t kMostDigits = 9;

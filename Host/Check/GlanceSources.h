@@ -10,17 +10,11 @@
 
 #include "Check/Glance.h"
 #include "Check/PlainText.h"
+#include "Check/PlainTimes.h"
 #include "Check/SourceMedia.h"
 #include "Field/FileStarts.h"
 
 namespace velmora::check {
-
-/// A time of which all sixteen characters are there, without quotation marks.
-struct PlainTime {
-  std::int64_t samples = 0;
-  field::TimeRates rates;
-};
-[[nodiscard]] std::optional<PlainTime> ReadPlainTime(const field::Value& value);
 
 /// A number of one to nine digits and nothing else.
 [[nodiscard]] std::optional<std::int32_t> ReadPlainNumber(const field::Value& value);
