@@ -9,6 +9,7 @@
 
 #include "ADL/AES31Project.h"
 #include "Base/LargePages.h"
+#include "Base/PagesAhead.h"
 #include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
@@ -204,12 +205,14 @@ class EventStore {
     if (!events_.empty() && number <= events_.back().entryNumber) rising_ = false;
     if (events_.size() == events_.capacity()) MakeRoom();
     events_.emplace_back().entryNumber = number;
+    pages_.Filled(events_.size() * sizeof(AES31Event));
   }
   bool IsEmpty() const { return events_.empty(); }
   AES31Event& Last() { return events_.back(); }
 
   /// By rising number; of those with one number the last.
   std::vector<AES31Event> ByNumber() && {
+    pages_.Stop();
     return rising_ ? std::move(events_) : std::move(*this).Sorted();
   }
 
@@ -223,10 +226,12 @@ class EventStore {
     const auto further =
         static_cast<std::size_t>(static_cast<double>(entriesLeft_) * eventsForEntry);
     const std::size_t likely = (size + further) / 16 * 17 + kFirstRoom;
+    pages_.Stop();  // the memory that it knows goes
     // More than a list may have is more than there is memory for, and told as that.
     events_.reserve(std::min(
         {std::max(likely, size * 2), size * kLargestStep + kFirstRoom, most, events_.max_size()}));
     AdviseLargePages(events_.data(), events_.capacity() * sizeof(AES31Event));
+    pages_.Start(events_.data(), std::min(size + further, events_.capacity()) * sizeof(AES31Event));
   }
 
   std::vector<AES31Event> Sorted() && {
@@ -245,6 +250,7 @@ class EventStore {
   }
 
   std::vector<AES31Event> events_;
+  PagesAhead pages_;  ///< of that array
   std::size_t entriesRead_ = 0;
   std::size_t entriesLeft_;
   bool rising_ = true;
