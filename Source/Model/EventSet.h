@@ -25,6 +25,9 @@ class EventSet {
     std::uint64_t& word = words_[WordOf(event)];
     word = isMember ? word | Bit(event) : word & ~Bit(event);
   }
+  /// The members among the events `kWordBits` * n and on, lowest bit first, in one step. Bits past
+  /// the last event have to be 0.
+  void PutWord(std::size_t n, std::uint64_t members) { words_[n] = members; }
   /// The events `kWordBits` * n and on, lowest bit first. Bits past the last event are 0.
   [[nodiscard]] const std::vector<std::uint64_t>& Words() const { return words_; }
 

@@ -5,6 +5,7 @@
 #include "ADL/ShiftJis.h"
 #include "Base/FileNames.h"
 #include "Base/Wrapping.h"
+#include "Model/EventWalk.h"
 #include "Model/NumberPlaces.h"
 #include "Spot/SpotOptions.h"
 #include "Timecode/AdlTime.h"
@@ -50,7 +51,9 @@ void CutSpan::Include(const AES31Cut& cut, const CutTimes& times) {
 CutSpan SpanOfCuts(const AES31Project& project,
                    const std::function<bool(const AES31Event& cut)>& counts) {
   CutSpan span;
-  for (const AES31Event& event : project.events) {
+  for (std::size_t i = 0; i < project.events.size(); ++i) {
+    PrefetchTimedCut(project.events, i);
+    const AES31Event& event = project.events[i];
     if (IsCut(event) && counts(event)) span.Include(event.cut);
   }
   return span;
@@ -71,7 +74,9 @@ ProjectSummary Summarize(const AES31Project& project) {
   ProjectSummary summary;
   CutSpan span;
   NumberPlaces sources;
-  for (const AES31Event& event : project.events) {
+  for (std::size_t i = 0; i < project.events.size(); ++i) {
+    PrefetchTimedCut(project.events, i);
+    const AES31Event& event = project.events[i];
     if (!IsCut(event)) {
       ++summary.otherEvents;
       continue;

@@ -19,10 +19,6 @@ constexpr std::int32_t kSpacer = -1;
 constexpr auto kRowConstants =
     std::to_array<std::int32_t>({5, 6, 7, 8, 9, kSpacer, 15, 17, 18, 19, 20, 22, 23});
 
-EventBox BoxOf(const AES31Event& event) {
-  return IsOn(event.eventOn) ? EventBox::On : EventBox::Off;
-}
-
 std::shared_ptr<AES31Project> OpenProject(const std::string& path, bool& ok) {
   const auto release = [](AES31Project* project) {
     ReleaseRenderedFiles(*project);
@@ -68,20 +64,21 @@ bool ViewModel::Load(const std::string& path) {
   FillProjectInfomation();
   numEvents = project->GetEventCount();
   const bool hasCuts = std::any_of(project->events.begin(), project->events.end(), IsCut);
-  const Spans spans = hasCuts ? SurveyAndTickAll() : Spans();
-  minTrack = spans.project.minTrack;
-  maxTrack = spans.project.maxTrack;
+  EventSurvey survey = SurveyAndTickAll(hasCuts ? Events() : std::span<AES31Event>());
+  minTrack = survey.project.minTrack;
+  maxTrack = survey.project.maxTrack;
   trackCount = WrapSubtract(WrapAdd(maxTrack, 1), minTrack);
   // Without a cut there is no start to show: the rest of the model stays as it was.
   if (!hasCuts) return true;
 
-  firstEvent = spans.project.earliest->destIn;
-  lastEvent = spans.project.latest->destOut;
+  firstEvent = survey.project.earliest->destIn;
+  lastEvent = survey.project.latest->destOut;
   totalStartTime = TimestampTimecode(firstEvent);
   totalEndTime = TimestampTimecode(lastEvent);
-  FillTracks(spans.tracks);
-  std::vector<EventBox> boxes(trackPlaces_.size(), EventBox::On);
-  ListEvents(EventSet(EventCount(), true));
+  FillTracks(survey.tracks);
+  std::vector<EventBox> boxes(Events().size(), EventBox::On);
+  ShowListed(survey.marks, EventSet(survey.marks->cuts.Events(), true));
+  places_ = std::move(survey.places);
   eventEnable = std::move(boxes);
   return true;
 }
@@ -100,46 +97,9 @@ void ViewModel::FillProjectInfomation() {
   }
 }
 
-std::int32_t ViewModel::EventCount() const {
-  return std::clamp(numEvents, 0, static_cast<std::int32_t>(project->events.size()));
-}
-
-/// One pass that reads of the events all that rows and boxes need. `visit` sees each event, with
-/// its index and the place of its track.
-template <class Visit>
-void ViewModel::SurveyEvents(const Visit& visit) {
+std::span<AES31Event> ViewModel::Events() const {
   std::vector<AES31Event>& events = project->events;
-  const std::int32_t count = EventCount();
-  auto marks = std::make_shared<EventMarks>(count);
-  NumberPlaces tracks;
-  std::vector<std::int32_t> places;
-  places.reserve(static_cast<std::size_t>(count));
-  for (std::int32_t i = 0; i < count; ++i) {
-    AES31Event& event = events[static_cast<std::size_t>(i)];
-    const bool isCut = IsCut(event);
-    places.push_back(isCut ? tracks.PlaceOf(event.cut.destChannel) : NumberPlaces::kNone);
-    if (isCut) marks->cuts.Put(i, true);
-    if (event.sourceFile != nullptr) marks->found.Put(i, true);
-    visit(i, event, places.back());
-  }
-  marks_ = std::move(marks);
-  tracks_ = std::move(tracks);
-  trackPlaces_ = std::move(places);
-}
-
-ViewModel::Spans ViewModel::SurveyAndTickAll() {
-  Spans spans;
-  SurveyEvents([&spans](std::int32_t, AES31Event& event, std::int32_t track) {
-    event.eventOn = 1;
-    event.trackOn = 1;
-    if (track == NumberPlaces::kNone) return;
-    const auto place = static_cast<std::size_t>(track);
-    if (place == spans.tracks.size()) spans.tracks.emplace_back();
-    const CutTimes times = TimesOf(event.cut);  // once for both: two timestamps take 40 ns
-    spans.project.Include(event.cut, times);
-    spans.tracks[place].Include(event.cut, times);
-  });
-  return spans;
+  return {events.data(), std::min(static_cast<std::size_t>(std::max(numEvents, 0)), events.size())};
 }
 
 /// Every number from the lowest track to the highest has a row; one that no cut uses shows the
@@ -164,20 +124,15 @@ void ViewModel::setupEventList() {
     errorMessage.clear();
     return;
   }
-  EventSet listed(EventCount());
-  std::vector<EventBox> boxes;
-  boxes.reserve(static_cast<std::size_t>(EventCount()));
-  SurveyEvents([&](std::int32_t index, const AES31Event& event, std::int32_t) {
-    const bool isListed = IsOn(event.trackOn);
-    listed.Put(index, isListed);
-    boxes.push_back(isListed ? BoxOf(event) : EventBox::Placeholder);
-  });
-  ListEvents(std::move(listed));
-  eventEnable = std::move(boxes);
+  EventListing listing = ListEvents(Events());
+  ShowListed(listing.marks, std::move(listing.listed));
+  places_.ofEvents.clear();
+  eventEnable = std::move(listing.boxes);
 }
 
-void ViewModel::ListEvents(EventSet listed) {
-  Show(std::make_shared<EventRows>(project, marks_, std::move(listed)));
+void ViewModel::ShowListed(std::shared_ptr<const EventMarks> marks, EventSet listed) {
+  Show(std::make_shared<EventRows>(project, marks, std::move(listed)));
+  marks_ = std::move(marks);
   errorMessage = Rows().LacksFiles() ? "Some files not found. Check event list." : "";
 }
 
@@ -204,25 +159,28 @@ void ViewModel::SetTrackNo(std::int32_t trackNo) {
 
 void ViewModel::SetTrackBox(std::int32_t row, bool on) {
   if (spotRunning || project == nullptr || !trackEnable.Set(row, on)) return;
-  SurveyIfOthers();
-  std::vector<TrackEdit> edits(tracks_.Numbers().size(), TrackEdit::None);
-  const std::int32_t place = tracks_.Find(WrapAdd(row, minTrack));
+  PrepareTrackEdit();
+  std::vector<TrackEdit> edits(places_.tracks.Numbers().size(), TrackEdit::None);
+  const std::int32_t place = places_.tracks.Find(WrapAdd(row, minTrack));
   if (place != NumberPlaces::kNone)
     edits[static_cast<std::size_t>(place)] = on ? TrackEdit::On : TrackEdit::Off;
   EditTracks(edits);
 }
 
-/// Whoever has put another project in by hand is served, too.
-void ViewModel::SurveyIfOthers() {
-  if (!Rows().AreOf(project) || eventEnable.size() != trackPlaces_.size()) setupEventList();
+/// Whoever has put in another project by hand, or another number of events, is served, too.
+void ViewModel::PrepareTrackEdit() {
+  const auto count = static_cast<std::size_t>(Rows().Listed().Events());
+  const bool isListed = Events().size() == count && eventEnable.size() == count;
+  if (!isListed || !Rows().AreOf(project)) setupEventList();
+  if (places_.ofEvents.empty()) places_ = PlaceTracks(Events(), marks_->cuts);
 }
 
 void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on) {
   if (spotRunning || project == nullptr) return;
   if (!std::any_of(project->events.begin(), project->events.end(), IsCut)) return;
-  SurveyIfOthers();
+  PrepareTrackEdit();
   std::vector<TrackEdit> edits;
-  for (const std::int32_t track : tracks_.Numbers()) {
+  for (const std::int32_t track : places_.tracks.Numbers()) {
     const bool isOn = on(track);
     // A track has its box even where the numbers span too much for the table to have rows.
     trackEnable.Set(WrapSubtract(track, minTrack), isOn);
@@ -234,8 +192,8 @@ void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on)
 /// Touches no event but those whose track is edited.
 void ViewModel::EditTracks(const std::vector<TrackEdit>& edits) {
   EventSet listed = Rows().Listed();
-  for (std::size_t i = 0; i < trackPlaces_.size(); ++i) {
-    const std::int32_t place = trackPlaces_[i];
+  for (std::size_t i = 0; i < places_.ofEvents.size(); ++i) {
+    const std::int32_t place = places_.ofEvents[i];
     if (place == NumberPlaces::kNone) continue;
     const TrackEdit edit = edits[static_cast<std::size_t>(place)];
     if (edit == TrackEdit::None) continue;
@@ -245,7 +203,7 @@ void ViewModel::EditTracks(const std::vector<TrackEdit>& edits) {
     eventEnable[i] = on ? BoxOf(event) : EventBox::Placeholder;
     listed.Put(static_cast<std::int32_t>(i), on);
   }
-  ListEvents(std::move(listed));
+  ShowListed(marks_, std::move(listed));
 }
 
 void ViewModel::SetEventBox(std::int32_t row, bool on) {

@@ -5,20 +5,17 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "ADL/AES31Project.h"
 #include "Model/EventColumn.h"
 #include "Model/EventRows.h"
-#include "Model/NumberPlaces.h"
-#include "Model/ProjectSummary.h"
+#include "Model/EventSurvey.h"
 #include "Model/SparseColumn.h"
 
 namespace velmora {
-
-/// The state of an event's check box; events of a track that is off have none.
-enum class EventBox : std::uint8_t { Off, On, Placeholder };
 
 /// The view's model: what the four tables and the spot read. Main thread only; the one exception is
 /// `project`, which a worker shares so that a load cannot pull it from under a run.
@@ -101,28 +98,21 @@ class ViewModel {
   bool Load(const std::string& path);
   void FillProjectInfomation();
   void KeepRows();
-  void SurveyIfOthers();
-  [[nodiscard]] std::int32_t EventCount() const;
-  template <class Visit>
-  void SurveyEvents(const Visit& visit);
-  struct Spans {
-    CutSpan project;
-    std::vector<CutSpan> tracks;  ///< by place in `tracks_`
-  };
-  /// Ticks all boxes, too.
-  Spans SurveyAndTickAll();
+  /// The events that the model goes by.
+  [[nodiscard]] std::span<AES31Event> Events() const;
+  void PrepareTrackEdit();
   void FillTracks(const std::vector<CutSpan>& spans);
-  /// `edits` by place in `tracks_`.
+  /// `edits` by place in `places_`.
   void EditTracks(const std::vector<TrackEdit>& edits);
-  void ListEvents(EventSet listed);
+  void ShowListed(std::shared_ptr<const EventMarks> marks, EventSet listed);
   void ListNothing();
   void Show(const std::shared_ptr<const EventRows>& rows);
 
-  // Of the events as they were last surveyed. An edit of boxes reads these few bytes of each event
-  // and no more: the events themselves are five cache lines each.
+  // Of the events as they were listed. An edit of boxes reads these few bytes of each event and no
+  // more: the events themselves are five cache lines each.
   std::shared_ptr<const EventMarks> marks_;
-  NumberPlaces tracks_;                    ///< those that cuts use
-  std::vector<std::int32_t> trackPlaces_;  ///< by event index, in `tracks_`; kNone for no cut
+  /// Made by a load; a later listing leaves it empty, and the next edit of a track makes it anew.
+  TrackPlaces places_;
 };
 
 }  // namespace velmora
