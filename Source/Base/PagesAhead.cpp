@@ -10,8 +10,8 @@ namespace velmora {
 namespace {
 
 constexpr std::size_t kLargePage = std::size_t{2} << 20;
-/// A thread takes longer to begin than less memory to be backed.
-constexpr std::size_t kLeast = 8 * kLargePage;
+/// With less memory to back, the wait for the thread at its end can cost more than it buys.
+constexpr std::size_t kLeast = 32 * kLargePage;
 constexpr std::size_t kAhead = 4 * kLargePage;
 
 /// Makes the system back whole pages. False if it does not.

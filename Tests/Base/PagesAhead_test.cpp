@@ -13,8 +13,8 @@ constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 // Memory that is filled while it is backed holds what was written, at every size around the least
 // for which anything is done and at ends that are no whole pages.
 TEST(PagesAhead, changesNothingInTheMemory) {
-  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, 16 * kMegabyte - 1, 16 * kMegabyte,
-                                 21 * kMegabyte + 4711, 64 * kMegabyte + 1}) {
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, 64 * kMegabyte - 1, 64 * kMegabyte,
+                                 69 * kMegabyte + 4711}) {
     std::vector<std::uint32_t> numbers;
     const std::size_t count = size / sizeof numbers[0];
     numbers.reserve(count);
@@ -32,9 +32,9 @@ TEST(PagesAhead, changesNothingInTheMemory) {
 }
 
 TEST(PagesAhead, endsWhereverTheFillingDoes) {
-  for (const std::size_t filled : {std::size_t{0}, kMegabyte, 5 * kMegabyte, 40 * kMegabyte}) {
+  for (const std::size_t filled : {std::size_t{0}, kMegabyte, 5 * kMegabyte, 80 * kMegabyte}) {
     std::vector<char> bytes;
-    bytes.reserve(40 * kMegabyte);
+    bytes.reserve(80 * kMegabyte);
     PagesAhead pages;
     pages.Start(bytes.data(), bytes.capacity());
     while (bytes.size() < filled) {
@@ -48,7 +48,7 @@ TEST(PagesAhead, beginsAnewForOtherMemory) {
   PagesAhead pages;
   for (int i = 0; i < 3; ++i) {
     std::vector<char> bytes;
-    bytes.reserve(20 * kMegabyte);
+    bytes.reserve(70 * kMegabyte);
     pages.Start(bytes.data(), bytes.capacity());
     bytes.resize(bytes.capacity(), 'x');
     pages.Filled(bytes.size());
