@@ -78,5 +78,7 @@ function(velmora_prefer_archives name shared)
   endif()
 endfunction()
 velmora_prefer_archives(velmora_pugixml pugixml::shared pugixml)
-velmora_prefer_archives(velmora_minizip PkgConfig::MINIZIP minizip z)
+velmora_prefer_archives(velmora_minizip PkgConfig::MINIZIP minizip)
+# A library whose faults are mended for all programs at once: distributions want no copies of it.
+target_link_libraries(velmora_minizip INTERFACE z)
 velmora_prefer_archives(velmora_nettle PkgConfig::NETTLE nettle)

@@ -38,8 +38,8 @@ class SoundFile {
   [[nodiscard]] int Container() const { return info_.format & SF_FORMAT_TYPEMASK; }
   [[nodiscard]] int Encoding() const { return info_.format & SF_FORMAT_SUBMASK; }
   [[nodiscard]] std::FILE* Stream() const { return stream_.get(); }
-  /// The errno of the last read that failed, 0 if none did. libsndfile itself does not tell a failed
-  /// read from the end of a file.
+  /// The errno of the last read that failed, 0 if none did. libsndfile itself does not tell a
+  /// failed read from the end of a file.
   [[nodiscard]] int ReadError() const { return readError_; }
   /// True if libsndfile refuses the file as it is.
   [[nodiscard]] bool IsMended() const { return mended_; }
