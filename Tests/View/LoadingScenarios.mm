@@ -74,6 +74,10 @@ void StartsEmpty() {
   Check("the start time takes none", " 00:00:00:00", EntryText(StartEntry()));
   Check("item 3 of the combo box is chosen", NSInteger{3},
         Ask([] { return [[Controller() trackOffsetComboBox] indexOfSelectedItem]; }));
+  // Half of the start went there: see Theme/ToolkitSetup.
+  const std::string mapped = test::TemporaryFolder::Read("/proc/self/maps");
+  CheckContains("what is loaded can be told", "libgnustep-gui", mapped);
+  CheckTrue("no readers of rare pictures are loaded", mapped.find("/coders/") == std::string::npos);
   Check("the status line invites", "Choose an ADL file to begin", StatusText());
   PressSpot();
   Pause(0.3);

@@ -6,7 +6,7 @@
 //     Tests/View/under-xvfb build/release/Tests/View/view_tests measures-window
 //
 // The last line is JSON: medians in seconds, by the clock and as `..._processor` of the main thread
-// (of the whole process for `up`).
+// (of the whole process for `up` and `bare_up`, an empty window).
 
 #include <unistd.h>
 
@@ -21,23 +21,16 @@
 #import "View/Material.h"
 #import "View/Scenarios.h"
 #import "View/Stage.h"
+#include "View/StartClock.h"
 
 namespace velmora::view {
 
 namespace {
 
-constexpr const char* kStarted = "VELMORA_STARTED";  // when a child was started, in nanoseconds
-
 /// How much there is to do: the variable's number, or little.
 int Amount(const char* variable, int little) {
   const char* const text = std::getenv(variable);
   return text != nullptr ? std::max(1, std::atoi(text)) : little;
-}
-
-std::int64_t Nanoseconds(clockid_t clock) {
-  timespec time = {};
-  clock_gettime(clock, &time);
-  return time.tv_sec * std::int64_t{1000000000} + time.tv_nsec;
 }
 
 /// Times of one kind of work, in milliseconds by the clock and of the main thread's processor time.
@@ -108,29 +101,36 @@ void OpensWindow() {
     [Window() displayIfNeeded];
     [Window() mouseLocationOutsideOfEventStream];
   });
-  const char* const started = std::getenv(kStarted);
-  if (started == nullptr) return;
-  std::printf("%.3f %.3f\n",
-              static_cast<double>(Nanoseconds(CLOCK_MONOTONIC) - std::atoll(started)) / 1e6,
-              static_cast<double>(Nanoseconds(CLOCK_PROCESS_CPUTIME_ID)) / 1e6);
+  TellStart();
+}
+
+/// Starts a program that ends with TellStart.
+void AddStart(Times& times, const std::string& command) {
+  setenv(kStarted, std::to_string(Nanoseconds(CLOCK_MONOTONIC)).c_str(), 1);
+  FILE* const child = popen(("exec " + command + " 2>/dev/null").c_str(), "r");
+  double wall = 0;
+  double processor = 0;
+  const bool told = child != nullptr && std::fscanf(child, "%lf %lf", &wall, &processor) == 2;
+  if (child != nullptr) pclose(child);
+  CheckTrue("a window stands", told);
+  times.Add(wall, processor);
 }
 
 void MeasureStart(int starts) {
   const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
+  const std::string window = "'" + self + "' opens-window";
+  const std::string bareWindow = "'" VELMORA_BARE_WINDOW "'";
+  Times first;  // which also starts the toolkit's daemons
+  AddStart(first, window);
   Times times;
-  for (int i = 0; i < starts; ++i) {
-    setenv(kStarted, std::to_string(Nanoseconds(CLOCK_MONOTONIC)).c_str(), 1);
-    FILE* const child = popen(("exec '" + self + "' opens-window 2>/dev/null").c_str(), "r");
-    double wall = 0;
-    double processor = 0;
-    const bool told = child != nullptr && std::fscanf(child, "%lf %lf", &wall, &processor) == 2;
-    if (child != nullptr) pclose(child);
-    CheckTrue("a window stands", told);
-    // The first start also starts the toolkit's daemons.
-    if (i == 0) Note("time until the first window stands: " + Shown(wall) + " ms");
-    if (i > 0) times.Add(wall, processor);
+  Times bare;
+  for (int i = 1; i < starts; ++i) {
+    AddStart(times, window);
+    AddStart(bare, bareWindow);
   }
+  Note("time until the first window stands: " + Shown(first.Wall()) + " s");
   NoteTimes("a start until the window stands", "up", times);
+  NoteTimes("the same of an empty window", "bare_up", bare);
 }
 
 void MeasureLoad(const std::string& path, int times) {

@@ -10,7 +10,7 @@
 #include <string>
 
 #import "Desktop/Theme/DesktopTheme.h"
-#include "Desktop/Theme/ToolkitDefaults.h"
+#include "Desktop/Theme/ToolkitSetup.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/EventWatch.h"
@@ -114,7 +114,7 @@ int main(int argc, char** argv) {
 
   // From here on as the shell's program does it.
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
-  [[NSUserDefaults standardUserDefaults] registerDefaults:velmora::desktop::ToolkitDefaults()];
+  velmora::desktop::SetUpToolkit();
   [NSApplication sharedApplication];
   WatchEvents();
   [DesktopTheme installWithBundleAtPath:StringOf(VELMORA_THEME)];

@@ -1,5 +1,6 @@
 #import "Desktop/Shell/ShellController.h"
 
+#import <GNUstepGUI/GSTheme.h>
 #import <objc/runtime.h>
 
 #include <algorithm>
@@ -105,6 +106,9 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   [self showRates];
   [bar setSummary:@""];
   [self showStatus];
+  // The toolkit gives windows their menu bars when the application has started: by then the window
+  // would stand, and all of it would be drawn once more.
+  [[GSTheme theme] setMenu:[NSApp mainMenu] forWindow:window];
   [window makeKeyAndOrderFront:nil];
   [window makeFirstResponder:nil];
   [self performSelector:@selector(runRequests:) withObject:nil afterDelay:0];

@@ -13,7 +13,7 @@
 #import "Desktop/Shell/ShellController.h"
 #import "Desktop/Shell/SignalWatch.h"
 #import "Desktop/Theme/DesktopTheme.h"
-#include "Desktop/Theme/ToolkitDefaults.h"
+#include "Desktop/Theme/ToolkitSetup.h"
 #import "View/TextConversion.h"
 
 using namespace velmora::desktop;
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
   HideArguments(argv);
   [SignalWatch start];  // before any thread is there to take a signal the toolkit's way
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
-  [[NSUserDefaults standardUserDefaults] registerDefaults:ToolkitDefaults()];
+  SetUpToolkit();
   Connect();
   [DesktopTheme installWithBundleAtPath:StringFromText(PathOfResource("VelmoraDesktop.theme"))];
   [DesktopTheme installIcon];

@@ -60,6 +60,13 @@ BOOL IsPressed(GSThemeControlState state) {
   // Whenever a default changes, the toolkit compares the theme's name with this one.
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObject:kThemeName forKey:@"GSTheme"]];
+  // The toolkit has noted that colours have changed, its own as it made them, and would tell when
+  // the application runs: by then the window would stand, and all of it would be drawn once more.
+  [[NSNotificationQueue defaultQueue]
+      dequeueNotificationsMatching:[NSNotification
+                                       notificationWithName:NSColorListDidChangeNotification
+                                                     object:nil]
+                      coalesceMask:NSNotificationCoalescingOnName];
 }
 
 + (void)installIcon {
