@@ -145,8 +145,8 @@ NSInteger RunModal(id self, SEL selector) {
 }
 
 // A picture that a nib names is looked for in the main bundle only; the view's lie in its own. They
-// come first: the toolkit tries every folder and every type of picture before it gives a name up,
-// which took a tenth of the start.
+// come first: the toolkit tries every folder and every type of picture before it gives a name up.
+// In a host that has it read 200 rare types too, that took a tenth of the start.
 NSImage* FindImage(id self, SEL selector, NSString* name) {
   if (![name isEqualToString:@"Spot_Off"] && ![name isEqualToString:@"Cancel_Off"]) {
     return originalImageNamed(self, selector, name);

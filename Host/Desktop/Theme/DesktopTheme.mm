@@ -205,7 +205,7 @@ BOOL IsPressed(GSThemeControlState state) {
 // Progress bars
 
 // Before its first bar the toolkit looks for twenty pictures of moving ones, two of them through
-// every folder and type: a sixth of the start. A bar with a known end has no picture.
+// every folder and type: a twentieth of the start. A bar with a known end has no picture.
 - (void)drawProgressIndicator:(NSProgressIndicator*)bar
                    withBounds:(NSRect)bounds
                      withClip:(NSRect)clip
