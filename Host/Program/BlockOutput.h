@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <string_view>
 
@@ -39,11 +40,16 @@ class BlockOutput {
 
  private:
   void Write(std::string_view text);
+  void WriteBoth(std::string_view first, std::string_view second);
   void WriteText();
 
   int descriptor_;
   bool failed_ = false;
   CharBuffer text_;
+  CharBuffer begun_;  ///< what was told of a page that is not full yet
+  /// Of the blocks that are formatted at the same time. They stay, for memory that was touched
+  /// before costs the next table nothing.
+  std::deque<CharBuffer> blockTexts_;
 };
 
 }  // namespace velmora::program

@@ -15,6 +15,8 @@ namespace velmora::program {
 class CharBuffer {
  public:
   CharBuffer() = default;
+  /// @param room for so many bytes from the start
+  explicit CharBuffer(std::size_t room) { Grow(room); }
   CharBuffer(const CharBuffer&) = delete;
   CharBuffer& operator=(const CharBuffer&) = delete;
 
@@ -24,6 +26,8 @@ class CharBuffer {
     return at_;
   }
   void Take(char* filledTo) { at_ = filledTo; }
+  /// One past the room that there is.
+  [[nodiscard]] char* RoomEnd() const { return end_; }
 
   void Append(std::string_view text) {
     char* const room = Room(text.size());

@@ -8,6 +8,7 @@
 #include <new>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "Program/WorkBlocks.h"
 #include "Support/TemporaryFolder.h"
@@ -56,6 +57,37 @@ TEST_F(BlockOutputTest, writesInTheOrderToldWhateverIsFormattedFirst) {
   EXPECT_EQ(Written(), "before \n" + Numbers(kMany) + "between " + Numbers(3) + "after");
 }
 
+/// The pipe takes part of what is written, or nothing for the moment.
+TEST(BlockOutputPages, textsOfAnySizeArriveWholeInAPipeThatIsReadSlowly) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
+  std::string read;
+  std::jthread reader([&read, descriptor = ends[0]] {
+    char piece[3001];
+    for (;;) {
+      const ssize_t got = ::read(descriptor, piece, sizeof piece);
+      if (got == 0) return;
+      if (got > 0) read.append(piece, static_cast<std::size_t>(got));
+      if (got < 0) ::usleep(50);
+    }
+  });
+  std::string expected;
+  {
+    BlockOutput out(ends[1]);
+    for (const std::size_t size : {1u, 4095u, 4096u, 4097u, 65535u, 65536u, 3u, 200001u}) {
+      out.InBlocks(2, 1, [&](CharBuffer& text, std::size_t begin, std::size_t) {
+        text.Append(std::string(size + begin, static_cast<char>('a' + begin)));
+      });
+      expected += std::string(size, 'a') + std::string(size + 1, 'b');
+    }
+    EXPECT_TRUE(out.Finish());
+  }
+  ::close(ends[1]);
+  reader.join();
+  ::close(ends[0]);
+  EXPECT_TRUE(read == expected) << read.size() << " of " << expected.size() << " bytes";
+}
+
 TEST_F(BlockOutputTest, countsAroundTheEndOfABlock) {
   std::string expected;
   BlockOutput out(descriptor_);
@@ -78,6 +110,9 @@ TEST_F(BlockOutputTest, whatIsThrownReachesTheCaller) {
                  std::bad_alloc)
         << failing;
   }
+  out.InBlocks(2 * kPerBlock, kPerBlock, AppendNumbers);
+  EXPECT_TRUE(out.Finish());
+  EXPECT_TRUE(Written().ends_with(Numbers(2 * kPerBlock))) << "nothing of failed blocks is left";
 }
 
 TEST(BlockOutputErrors, fullDiskIsToldAndEndsTheWork) {
