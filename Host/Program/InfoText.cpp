@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -56,10 +57,13 @@ class ViewRows : public TableRows {
   }
 
   [[nodiscard]] std::size_t Count() const override { return count_; }
-  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
-    const CellValue::Kind kind =
-        columns_[column].append(model_, static_cast<std::int32_t>(row), text);
-    if (kind == CellValue::Integer) text = text != "0" ? 'x' : '-';
+  void FillCells(std::size_t column, std::size_t first, std::size_t count,
+                 PrintedCells& cells) const override {
+    const std::span<CellView> views = std::span(cells.views).first(count);
+    columns_[column].fill(model_, static_cast<std::int32_t>(first), views);
+    for (CellView& view : views) {
+      if (view.kind == CellValue::Integer) view.text = view.text != "0" ? "x" : "-";
+    }
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override {
     const auto number = static_cast<std::int32_t>(row);
@@ -130,21 +134,27 @@ class SourceRows : public TableRows {
   }
 
   [[nodiscard]] std::size_t Count() const override { return sources_.size(); }
-  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
-    const auto& [index, source] = *sources_[row];
-    if (column == 0) text += std::to_string(index);
-    if (column == 1) text += kFindings[static_cast<std::size_t>(FindingOf(source))];
-    if (column == 6) {
-      text += source.file != nullptr ? source.file->GetPath() : ShiftJisToUtf8(source.fValues[0]);
-    } else if (column > 1 && source.file != nullptr && source.file->IsValid()) {
-      text += Fact(*source.file, column);
-    }
+  void FillCells(std::size_t column, std::size_t first, std::size_t count,
+                 PrintedCells& cells) const override {
+    for (std::size_t i = 0; i < count; ++i) cells.Set(i, Cell(*sources_[first + i], column));
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override {
     return FindingOf(sources_[row]->second) != Finding::Found;
   }
 
  private:
+  using Source = std::map<std::int32_t, AES31SourceFile>::value_type;
+
+  static std::string Cell(const Source& indexed, std::size_t column) {
+    const auto& [index, source] = indexed;
+    if (column == 0) return std::to_string(index);
+    if (column == 1) return kFindings[static_cast<std::size_t>(FindingOf(source))];
+    if (column == 6) {
+      return source.file != nullptr ? source.file->GetPath() : ShiftJisToUtf8(source.fValues[0]);
+    }
+    if (source.file == nullptr || !source.file->IsValid()) return {};
+    return Fact(*source.file, column);
+  }
   static std::string Fact(AES31BWF& file, std::size_t column) {
     switch (column) {
       case 2:
@@ -158,7 +168,7 @@ class SourceRows : public TableRows {
     }
   }
 
-  std::vector<const std::map<std::int32_t, AES31SourceFile>::value_type*> sources_;
+  std::vector<const Source*> sources_;
 };
 
 void PrintSources(const AES31Project& project, BlockOutput& out, bool colours) {

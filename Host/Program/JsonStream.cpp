@@ -6,8 +6,8 @@
 #include <string>
 
 #include "ADL/ShiftJis.h"
+#include "Program/JsonPlain.h"
 #include "Session/JsonText.h"
-#include "Session/PrintableAscii.h"
 
 namespace velmora::program {
 namespace {
@@ -19,17 +19,7 @@ constexpr std::size_t kMostEscaped = 6;
 /// Longer texts, of which there are few, do not get room for the worst case.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 16;
 
-bool IsPlain(char c) {
-  return host::IsPrintableAscii(c) && c != '"' && c != '\\';
-}
-
-/// True if the eight bytes stand in JSON as they are.
-bool ArePlain(std::uint64_t bytes) {
-  return (host::MarkUnprintable(bytes) | host::MarkEqual(bytes, '"') |
-          host::MarkEqual(bytes, '\\')) == 0;
-}
-
-/// Writes an ASCII character that JSON escapes, or 0x7F, which it does not; returns where it ends.
+/// Writes an ASCII character that JSON escapes; returns where it ends.
 char* WriteEscaped(char* out, char c) {
   constexpr std::string_view kShort = "\"\"\\\\\bb\tt\nn\ff\rr";  // each with its letter
   constexpr const char* kHex = "0123456789abcdef";
@@ -37,10 +27,6 @@ char* WriteEscaped(char* out, char c) {
     if (kShort[i] != c) continue;
     *out++ = '\\';
     *out++ = kShort[i + 1];
-    return out;
-  }
-  if (c == 0x7F) {
-    *out++ = c;
     return out;
   }
   constexpr std::array<char, 4> kByNumber = {'\\', 'u', '0', '0'};
@@ -63,7 +49,7 @@ bool JsonStream::AsciiText(std::string_view text) {
     if (static_cast<std::size_t>(end - at) >= host::kWordBytes) {
       std::uint64_t bytes = 0;
       std::memcpy(&bytes, at, host::kWordBytes);
-      if (ArePlain(bytes)) {
+      if (ArePlainInJson(bytes)) {
         std::memcpy(out, &bytes, host::kWordBytes);
         at += host::kWordBytes;
         out += host::kWordBytes;
@@ -74,7 +60,7 @@ bool JsonStream::AsciiText(std::string_view text) {
       needsComma_ = hadComma;
       return false;
     }
-    if (IsPlain(*at)) {
+    if (IsPlainInJson(*at)) {
       *out++ = *at;
     } else {
       out = WriteEscaped(out, *at);

@@ -14,8 +14,9 @@ constexpr std::string_view kBold = "\x1b[1m";
 constexpr std::string_view kRed = "\x1b[31m";
 constexpr std::string_view kPlain = "\x1b[0m";
 
-/// Some 64 KiB of event rows: what a pipe takes at once.
-constexpr std::size_t kRowsPerBlock = 1024;
+/// Some 150 KiB of event rows: a block that is written at once is still in the cache.
+constexpr std::size_t kRowsPerBlock = 2048;
+static_assert(kRowsPerBlock % PrintedCells::kMost == 0);
 
 /// A line that grows cell by cell. Blanks are put off until something follows them, so that no line
 /// ends in any.
@@ -26,47 +27,21 @@ class Line {
   /// @param cell  any bytes
   /// @param width what the column has room for, in cells of a terminal
   void Add(std::string_view cell, Align align, std::size_t width) {
-    constexpr std::size_t kGap = 2;
     blanks_ += kGap;
-    cell = host::WithoutBlankEnd(cell);
-    if (!AddPlain(cell, align, width)) AddMended(Printable(cell), align, width);
+    const std::string harmless = Printable(cell);
+    const std::size_t padding = width - DisplayWidth(harmless);
+    if (align == Align::Right) blanks_ += padding;
+    if (!harmless.empty()) {
+      out_.AppendBlanks(blanks_);
+      out_.Append(harmless);
+      blanks_ = 0;
+    }
+    if (align == Align::Left) blanks_ += padding;
   }
+
+  static constexpr std::size_t kGap = 2;
 
  private:
-  /// False if there is more than printable ASCII in the cell, and nothing was added.
-  bool AddPlain(std::string_view cell, Align align, std::size_t width) {
-    if (cell.empty()) {
-      blanks_ += width;
-      return true;
-    }
-    if (cell.size() > width) return false;
-    const std::size_t padding = width - cell.size();
-    const std::size_t blanks = blanks_ + (align == Align::Right ? padding : 0);
-    char* const room = out_.Room(std::max(blanks, kFewBlanks) + cell.size());
-    std::memset(room, ' ', kFewBlanks);
-    if (blanks > kFewBlanks) std::memset(room, ' ', blanks);
-    if (!host::CopyPrintableAscii(cell, room + blanks)) return false;
-    out_.Take(room + blanks + cell.size());
-    blanks_ = align == Align::Right ? 0 : padding;
-    return true;
-  }
-
-  void AddMended(const std::string& cell, Align align, std::size_t width) {
-    if (cell.empty()) {
-      blanks_ += width;
-      return;
-    }
-    const std::size_t padding = width - DisplayWidth(cell);
-    if (align == Align::Right) blanks_ += padding;
-    char* const room = out_.Room(blanks_ + cell.size());
-    std::memset(room, ' ', blanks_);
-    std::copy(cell.begin(), cell.end(), room + blanks_);
-    out_.Take(room + blanks_ + cell.size());
-    blanks_ = align == Align::Right ? 0 : padding;
-  }
-
-  /// Stored without a call, however many are wanted.
-  static constexpr std::size_t kFewBlanks = 16;
   CharBuffer& out_;
   std::size_t blanks_ = 0;
 };
@@ -86,13 +61,49 @@ RowPrinter::RowPrinter(const std::vector<PrintedColumn>& columns, const TableRow
   for (const PrintedColumn& column : columns_) widths_.push_back(DisplayWidth(column.heading));
 }
 
+/// Where the cells of a line stand, as long as each has as many bytes as it takes on a terminal.
+struct RowPrinter::Lines {
+  Lines(const std::vector<PrintedColumn>& columns, const Widths& widths) : cells(columns.size()) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      length += Line::kGap;
+      places.push_back({length, widths[i], columns[i].align == Align::Right});
+      length += widths[i];
+    }
+  }
+
+  /// Puts the cells of a row into a line of `length` blanks. Null if a cell is more than printable
+  /// ASCII; otherwise the line's end, after which no blanks are left.
+  char* Put(std::size_t row, char* line) const {
+    char* end = line;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      const std::string_view text = host::WithoutBlankEnd(cells[i].views[row].text);
+      const Place& place = places[i];
+      if (text.size() > place.width) return nullptr;
+      if (text.empty()) continue;
+      char* const at = line + place.begin + (place.isRight ? place.width - text.size() : 0);
+      if (!host::CopyPrintableAscii(text, at)) return nullptr;
+      end = at + text.size();
+    }
+    return end;
+  }
+
+  struct Place {
+    std::size_t begin;
+    std::size_t width;
+    bool isRight;
+  };
+  std::vector<PrintedCells> cells;  ///< by column
+  std::vector<Place> places;        ///< by column
+  std::size_t length = 0;
+};
+
 void RowPrinter::Measure(std::size_t begin, std::size_t end, Widths& widths) const {
-  std::string cell;
-  for (std::size_t row = begin; row < end; ++row) {
+  PrintedCells cells;
+  for (std::size_t first = begin; first < end; first += PrintedCells::kMost) {
+    const std::size_t count = std::min(PrintedCells::kMost, end - first);
     for (std::size_t column = 0; column < columns_.size(); ++column) {
-      cell.clear();
-      rows_.FillCell(row, column, cell);
-      Widen(widths[column], cell);
+      rows_.FillCells(column, first, count, cells);
+      for (std::size_t i = 0; i < count; ++i) Widen(widths[column], cells.views[i].text);
     }
   }
 }
@@ -108,18 +119,32 @@ void RowPrinter::AppendHeading(CharBuffer& out) const {
 }
 
 void RowPrinter::AppendRows(CharBuffer& out, std::size_t begin, std::size_t end) const {
-  std::string cell;
-  for (std::size_t row = begin; row < end; ++row) {
-    const bool red = colours_ && rows_.IsAlarming(row);
-    if (red) out.Append(kRed);
-    Line line(out);
+  Lines lines(columns_, widths_);
+  for (std::size_t first = begin; first < end; first += PrintedCells::kMost) {
+    const std::size_t count = std::min(PrintedCells::kMost, end - first);
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      cell.clear();
-      rows_.FillCell(row, i, cell);
-      line.Add(cell, columns_[i].align, widths_[i]);
+      rows_.FillCells(i, first, count, lines.cells[i]);
     }
-    if (red) out.Append(kPlain);
-    out.Append('\n');
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool red = colours_ && rows_.IsAlarming(first + i);
+      if (red) out.Append(kRed);
+      AppendRow(out, lines, i);
+      if (red) out.Append(kPlain);
+      out.Append('\n');
+    }
+  }
+}
+
+void RowPrinter::AppendRow(CharBuffer& out, const Lines& lines, std::size_t row) const {
+  char* const line = out.Room(lines.length + 1);
+  std::memset(line, ' ', lines.length);
+  if (char* const end = lines.Put(row, line)) {
+    out.Take(end);
+    return;
+  }
+  Line grown(out);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    grown.Add(lines.cells[i].views[row].text, columns_[i].align, widths_[i]);
   }
 }
 

@@ -41,8 +41,9 @@ class TextTable : private TableRows {
     bool alarming;
   };
   [[nodiscard]] std::size_t Count() const override { return rows_.size(); }
-  void FillCell(std::size_t row, std::size_t column, std::string& text) const override {
-    text += rows_[row].cells[column];
+  void FillCells(std::size_t column, std::size_t first, std::size_t count,
+                 PrintedCells& cells) const override {
+    for (std::size_t i = 0; i < count; ++i) cells.views[i].text = rows_[first + i].cells[column];
   }
   [[nodiscard]] bool IsAlarming(std::size_t row) const override { return rows_[row].alarming; }
 

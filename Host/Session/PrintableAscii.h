@@ -46,15 +46,35 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return marks == 0;
 }
 
-/// Copies the text to `out`, which has room for it; false as soon as it is no printable ASCII.
+/// Copies the text to `out`, which has room for it and may be the text itself; false as soon as it
+/// is no printable ASCII. The last bytes are looked at as a word that ends with them, some of which
+/// have been seen before: one step where a byte at a time takes up to seven.
 [[nodiscard]] inline bool CopyPrintableAscii(std::string_view text, char* out) {
   const char* at = text.data();
   std::size_t left = text.size();
-  for (; left >= kWordBytes; at += kWordBytes, out += kWordBytes, left -= kWordBytes) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, at, kWordBytes);
+  std::uint64_t bytes = 0;
+  if (left >= kWordBytes) {
+    for (; left > kWordBytes; at += kWordBytes, out += kWordBytes, left -= kWordBytes) {
+      std::memcpy(&bytes, at, kWordBytes);
+      if (MarkUnprintable(bytes) != 0) return false;
+      std::memcpy(out, &bytes, kWordBytes);
+    }
+    const std::size_t seen = kWordBytes - left;
+    std::memcpy(&bytes, at - seen, kWordBytes);
     if (MarkUnprintable(bytes) != 0) return false;
-    std::memcpy(out, &bytes, kWordBytes);
+    std::memcpy(out - seen, &bytes, kWordBytes);
+    return true;
+  }
+  constexpr std::size_t kHalf = kWordBytes / 2;
+  if (left >= kHalf) {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+    std::memcpy(&first, at, kHalf);
+    std::memcpy(&last, at + left - kHalf, kHalf);
+    if (MarkUnprintable(std::uint64_t{first} << 32 | last) != 0) return false;
+    std::memcpy(out, &first, kHalf);
+    std::memcpy(out + left - kHalf, &last, kHalf);
+    return true;
   }
   for (; left > 0; --left) {
     if (!IsPrintableAscii(*at)) return false;

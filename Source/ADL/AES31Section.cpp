@@ -182,13 +182,16 @@ void AES31Entries::Detach() {
   for (AES31Entry& entry : AsArray()) entry.values.AsArray();
 }
 
-EntryLines::EntryLines(const AES31Entries& entries) : left_(entries.size()) {
+EntryLines::EntryLines(const AES31Entries& entries, std::size_t first)
+    : left_(entries.size() - std::min(first, entries.size())) {
   if (left_ == 0) return;
   if (entries.list_ != nullptr) {
-    listed_ = entries.list_->data();
-  } else {
-    walk_ = entries.WalkFrom(0);
+    listed_ = entries.list_->data() + first;
+    return;
   }
+  walk_ = entries.WalkFrom(first);
+  EntryLine passed;
+  for (std::size_t i = first % AES31Entries::kMarkEvery; i > 0; --i) walk_.Read(passed);
 }
 
 bool EntryLines::Next(EntryLine& line) {
@@ -206,6 +209,11 @@ bool EntryLines::Next(EntryLine& line) {
     line.texts[i++] = *text;
   }
   return true;
+}
+
+AES31Values EntryLines::ValuesOf(const EntryLine& line) const {
+  if (listed_ != nullptr) return listed_[-1].values;
+  return {line.texts[0], line.valueCount};
 }
 
 }  // namespace velmora

@@ -255,9 +255,12 @@ struct AES31Section {
 /// above twice that.
 class EntryLines {
  public:
-  explicit EntryLines(const AES31Entries& entries);
+  /// Begins with the entry `first`, to which it walks over up to 63 others.
+  explicit EntryLines(const AES31Entries& entries, std::size_t first = 0);
   /// Reads the next entry; false if there is none.
   bool Next(EntryLine& line);
+  /// All values of the entry that was read last, which is this one.
+  [[nodiscard]] AES31Values ValuesOf(const EntryLine& line) const;
 
  private:
   const AES31Entry* listed_ = nullptr;

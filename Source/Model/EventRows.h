@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "ADL/AES31Project.h"
+#include "Base/FileNames.h"
 #include "Model/EventSet.h"
 #include "Model/NumberText.h"
 #include "Model/RowMap.h"
+#include "Timecode/AdlTime.h"
 
 namespace velmora {
 
@@ -100,5 +102,52 @@ class EventRows {
   RowMap cuts_;
   std::shared_ptr<const KeptTexts> kept_;
 };
+
+// The cells, here so that whoever asks for many in a row has no call for each of them: ten million
+// calls where a project of a million events is printed.
+
+inline const AES31Event* EventRows::EventAt(std::int32_t index) const {
+  return owner_.expired() ? nullptr : &project_->events[static_cast<std::size_t>(index)];
+}
+
+inline const AES31Cut* EventRows::CutAt(std::int32_t row) const {
+  const AES31Event* const event = EventAt(cuts_.EventAt(row));
+  return event != nullptr ? &event->cut : nullptr;
+}
+
+inline std::string_view EventRows::Type(std::int32_t row) const {
+  if (kept_ != nullptr) return kept_->types[static_cast<std::size_t>(row)];
+  const AES31Event* const event = EventAt(Index(row));
+  return event != nullptr && event->label != nullptr ? event->label : std::string_view();
+}
+
+inline std::string_view EventRows::Name(std::int32_t row) const {
+  if (kept_ != nullptr) return kept_->names[static_cast<std::size_t>(row)];
+  const AES31Event* const event = EventAt(Index(row));
+  if (event == nullptr || event->sourceFile == nullptr) return {};
+  return FileNameIn(event->sourceFile->GetPath());
+}
+
+inline std::int32_t EventRows::TrackNumber(std::int32_t row) const {
+  if (kept_ != nullptr) return kept_->tracks[static_cast<std::size_t>(row)];
+  const AES31Cut* const cut = CutAt(row);
+  return cut != nullptr ? cut->destChannel : 0;
+}
+
+inline NumberText EventRows::Track(std::int32_t row) const {
+  return NumberText(TrackNumber(row));
+}
+
+inline std::string_view EventRows::In(std::int32_t row) const {
+  if (kept_ != nullptr) return kept_->ins[static_cast<std::size_t>(row)];
+  const AES31Cut* const cut = CutAt(row);
+  return cut != nullptr ? TimestampTimecodeView(cut->destIn) : std::string_view();
+}
+
+inline std::string_view EventRows::Out(std::int32_t row) const {
+  if (kept_ != nullptr) return kept_->outs[static_cast<std::size_t>(row)];
+  const AES31Cut* const cut = CutAt(row);
+  return cut != nullptr ? TimestampTimecodeView(cut->destOut) : std::string_view();
+}
 
 }  // namespace velmora

@@ -26,7 +26,7 @@ constexpr auto kWidthNames = std::to_array<const char*>(
     {"Mono", "Stereo", "3 Ch.", "4 Ch.", "5 Ch.", "6 Ch.", "7 Ch.", "8 Ch."});
 
 // A column is one function that answers a cell without a string of its own: a text, or a bool for a
-// check box, and nothing for a row that is not there. Value and Append make of it what others ask.
+// check box, and nothing for a row that is not there. Value and Fill make of it what others ask.
 
 template <auto Cell>
 CellValue Value(const ViewModel& model, std::int32_t row) {
@@ -39,22 +39,35 @@ CellValue Value(const ViewModel& model, std::int32_t row) {
   }
 }
 
+void Put(CellView& view, bool cell) {
+  view.kind = CellValue::Integer;
+  view.text = cell ? "1" : "0";
+}
+void Put(CellView& view, std::string_view cell) {
+  view.kind = CellValue::Text;
+  view.text = cell;
+}
+void Put(CellView& view, const NumberText& cell) {
+  view.digits = cell;
+  Put(view, std::string_view(view.digits));
+}
+
 template <auto Cell>
-CellValue::Kind Append(const ViewModel& model, std::int32_t row, std::string& text) {
-  const auto cell = Cell(model, row);
-  if (!cell) return CellValue::None;
-  if constexpr (std::is_same_v<decltype(*cell), const bool&>) {
-    text += *cell ? '1' : '0';
-    return CellValue::Integer;
-  } else {
-    text += std::string_view(*cell);
-    return CellValue::Text;
+void Fill(const ViewModel& model, std::int32_t first, std::span<CellView> cells) {
+  std::int32_t row = first;
+  for (CellView& view : cells) {
+    if (const auto cell = Cell(model, row++)) {
+      Put(view, *cell);
+    } else {
+      view.kind = CellValue::None;
+      view.text = {};
+    }
   }
 }
 
 template <auto Cell>
 constexpr TableColumn ColumnOf(std::string_view identifier, ColumnText text, int viewPosition) {
-  return {identifier, text, viewPosition, Value<Cell>, Append<Cell>};
+  return {identifier, text, viewPosition, Value<Cell>, Fill<Cell>};
 }
 
 using Text = std::optional<std::string_view>;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "Model/NumberText.h"
 #include "Model/ViewModel.h"
 
 namespace velmora {
@@ -16,6 +17,17 @@ struct CellValue {
   enum Kind { None, Text, Integer } kind = None;
   std::string text;
   std::int32_t integer = 0;
+};
+
+/// A cell without a string of its own: a view of what the model has, or of the digits here.
+struct CellView {
+  CellView() = default;
+  CellView(const CellView&) = delete;  // a copy's text would be that of the other's digits
+  CellView& operator=(const CellView&) = delete;
+
+  CellValue::Kind kind = CellValue::None;
+  std::string_view text;  ///< an integer in digits; valid until the model changes
+  NumberText digits;
 };
 
 enum class Background { Untouched, White, Stripe, Red };
@@ -37,9 +49,10 @@ struct TableColumn {
   ColumnText text;
   int viewPosition;  ///< from 0, counted from the left of the view's table
   CellValue (*value)(const ViewModel& model, std::int32_t row);
-  /// Adds what `value` tells to the end of `text`, an integer in digits, without a string of its
-  /// own. Nothing is changed or kept: any number of threads may ask at once.
-  CellValue::Kind (*append)(const ViewModel& model, std::int32_t row, std::string& text);
+  /// Puts what `value` tells of the rows from `first` on into `cells`, as many as there are. Some
+  /// dozens at a time cost a few nanoseconds each, also where the processor has to wait for the
+  /// events: it waits for several of them at once. Any number of threads may ask at the same time.
+  void (*fill)(const ViewModel& model, std::int32_t first, std::span<CellView> cells);
 };
 
 struct Table {

@@ -64,6 +64,35 @@ TEST(ScannedLists, giveEachEntryByItsPlace) {
   EXPECT_THROW(static_cast<void>(section.entries.at(kEntries)), std::out_of_range);
 }
 
+TEST(ScannedLists, linesBeginWithAnyEntryAndHaveAllOfItsValues) {
+  std::string adl = "<ADL> <A> ";
+  constexpr std::size_t kEntries = 150;
+  for (std::size_t i = 0; i < kEntries; ++i) {
+    adl += "(l" + std::to_string(i) + (i % 5 == 0 ? ")3 ab " : ")");
+    for (std::size_t value = 0; i % 5 != 0 && value < i % 12; ++value) {
+      adl += value % 3 == 0 ? " \"a (b) \x1B\" c\"" : " v" + std::to_string(value);
+    }
+    adl += "\n";
+  }
+  const LoadedProject project(adl + "</A> </ADL>");
+  AES31Section arrays = project->sections.at(0);
+  for (AES31Entry& entry : arrays.entries) entry.values.AsArray();
+  const AES31Section& written = arrays;
+  const AES31Section& scanned = project->sections.at(0);
+  for (const AES31Entries* const entries : {&scanned.entries, &written.entries}) {
+    for (std::size_t first = 0; first <= kEntries; first += 15) {
+      EntryLines lines(*entries, first);
+      EntryLine line;
+      for (std::size_t i = first; i < kEntries; ++i) {
+        ASSERT_TRUE(lines.Next(line));
+        ASSERT_EQ(line.label, (*entries)[i].label) << i << " from " << first;
+        ASSERT_TRUE(lines.ValuesOf(line) == (*entries)[i].values) << i << " from " << first;
+      }
+      ASSERT_FALSE(lines.Next(line));
+    }
+  }
+}
+
 TEST(ScannedLists, copiesAreBoundToTheBlockAndChangeAlone) {
   const LoadedProject project("<ADL> <A> (a) 1 2 (b) 3 </A> </ADL>");
   AES31Section copy = project->sections[0];
