@@ -10,7 +10,6 @@ from collections import Counter
 from material import Adl, fade, wave
 from program import ALL_DONE, PROGRAM, ProgramTest, run
 
-SHIM = os.environ.get("FAILING_OPEN")
 NOBODY = 65534
 
 

@@ -7,7 +7,8 @@ import subprocess
 import unittest
 from collections import Counter
 
-from holding import (BESIDE, COPIED, MADE, SHIM, Spot, as_somebody, give_away, kinds_of_holders, picture, placed)
+from failing import SHIM, Counts, variables
+from holding import BESIDE, COPIED, MADE, Spot, as_somebody, give_away, kinds_of_holders, picture, placed
 from program import ALL_DONE, BAD_USAGE, LEFT_OUT, environment, start
 
 
@@ -70,12 +71,8 @@ class PassingErrors(Spot):
 
     def failing(self, kind, call, error):
         count = self.folder / "count"
-        env = environment(LD_PRELOAD=SHIM, FAILING_BELOW=self.audio, FAILING_KIND=kind, FAILING_CALL=call,
-                          FAILING_ERRNO=error, FAILING_COUNT=count)
-        done = self.spot(env=env)
-        calls = int(count.read_text())
-        count.unlink()
-        return done, calls
+        done = self.spot(env=environment(**variables(kind, call, error, count, FAILING_BELOW=self.audio)))
+        return done, sum(Counts(count).of.values())
 
     def hold_names(self):
         for name in ("take.wav", "take_Gain.wav", "take_FadeOut.wav"):
@@ -107,10 +104,10 @@ class PassingErrors(Spot):
         self.assertGreater(calls, MADE)
 
     def test_opens_that_find_the_table_full(self):
-        self.sweep("open", errno.EMFILE)
+        self.sweep("open,create", errno.EMFILE)
 
     def test_opens_that_find_a_tired_disk(self):
-        self.sweep("open", errno.EIO)
+        self.sweep("open,create", errno.EIO)
 
     def test_look_ups_that_find_a_tired_disk(self):
         self.sweep("look", errno.EIO)
@@ -118,11 +115,11 @@ class PassingErrors(Spot):
     def test_names_that_appear_before_they_are_taken(self):
         """Another program takes the name between the look and the creation, with a file or with a link."""
         sounds, regions = self.undisturbed()
-        for kind in ("taken by a file", "taken by a link"):
+        for kind in ("file", "link"):
             for call in range(1, MADE + 1):
                 with self.subTest(kind=kind, call=call):
                     before = picture(self.folder)
-                    done, _ = self.failing(kind, call, 0)
+                    done, _ = self.failing("create", call, kind)
                     self.assert_status(done, ALL_DONE)
                     made = self.assert_kept(before, kind)
                     foreign = [name for name in made if (self.folder / name).is_symlink()

@@ -5,7 +5,8 @@ import json
 import os
 import unittest
 
-from holding import SHIM, Spot, kinds_of_holders, picture
+from failing import SHIM, variables
+from holding import Spot, kinds_of_holders, picture
 from material import wave
 from program import ALL_DONE, BAD_USAGE, LEFT_OUT, environment, run, start
 
@@ -76,7 +77,7 @@ class SessionTarget(Spot):
                 target = self.folder_for(kind)
                 self.assert_status(self.spot_to(target), ALL_DONE)
                 self.assert_refused(target, kind, env=environment(
-                    LD_PRELOAD=SHIM, FAILING_BELOW=target, FAILING_KIND="open", FAILING_CALL=1, FAILING_ERRNO=error))
+                    **variables("open", 1, error, None, FAILING_BELOW=target)))
 
     def test_an_earlier_session_is_replaced(self):
         target = self.folder_for("earlier")
