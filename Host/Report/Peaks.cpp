@@ -4,6 +4,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "Peaks/PeakSource.h"
@@ -46,29 +47,35 @@ std::int64_t EdgeOf(const host::SessionRegion& region, std::size_t i, std::size_
          region.Length() * static_cast<std::int64_t>(i) / static_cast<std::int64_t>(points);
 }
 
-float Loudest(peaks::PeakSource& source, std::int64_t from, std::int64_t count) {
+/// None if the file cannot be read there.
+std::optional<float> Loudest(peaks::PeakSource& source, std::int64_t from, std::int64_t count) {
   constexpr float kFullScale = 32768;
-  if (from < 0 || count <= 0 || from >= source.Frames()) return 0;
+  if (from < 0 || count <= 0 || from >= source.Frames()) return 0.0F;
   peaks::Peak peak;
-  if (source.Read(from, from + count, count, &peak, {}) == 0 || peak.IsEmpty()) return 0;
+  if (source.Read(from, from + count, count, &peak, {}) == 0) return std::nullopt;
+  if (peak.IsEmpty()) return 0.0F;
   return static_cast<float>(std::max(-peak.lowest, +peak.highest)) / kFullScale;
 }
 
-Peaks Read(peaks::PeakSource& source, const host::SessionRegion& region, std::size_t points,
-           std::int64_t samplesPerPeak) {
+/// None if the file cannot be read.
+std::optional<Peaks> Read(peaks::PeakSource& source, const host::SessionRegion& region,
+                          std::size_t points, std::int64_t samplesPerPeak) {
   const std::int64_t most = std::max<std::int64_t>(samplesPerPeak / source.Channels(), 16);
   Peaks peaks;
   for (std::size_t i = 0; i < points; ++i) {
     const std::int64_t from = EdgeOf(region, i, points);
-    peaks.push_back(Loudest(source, from, std::min(EdgeOf(region, i + 1, points) - from, most)));
+    const std::optional<float> peak =
+        Loudest(source, from, std::min(EdgeOf(region, i + 1, points) - from, most));
+    if (!peak) return std::nullopt;
+    peaks.push_back(*peak);
   }
   return peaks;
 }
 
 }  // namespace
 
-std::vector<Peaks> PeaksOf(const std::vector<host::SessionRegion>& regions, std::size_t points,
-                           const std::function<bool()>& goOn) {
+AllPeaks PeaksOf(const std::vector<host::SessionRegion>& regions, std::size_t points,
+                 const std::function<bool()>& goOn) {
   const std::vector<std::size_t> shares = Shares(regions, points);
   std::size_t total = 0;
   std::map<std::string, std::vector<std::size_t>> byPath;
@@ -79,16 +86,24 @@ std::vector<Peaks> PeaksOf(const std::vector<host::SessionRegion>& regions, std:
   const std::int64_t samplesPerPeak =
       kMostSamples / static_cast<std::int64_t>(std::max<std::size_t>(total, 1));
   const Clock::time_point deadline = Clock::now() + kMostTime;
-  std::vector<Peaks> byRegion(regions.size());
+  AllPeaks all;
+  all.byRegion.resize(regions.size());
   for (const auto& [path, users] : byPath) {
-    const std::unique_ptr<peaks::PeakSource> source = peaks::PeakSource::Open(path);
+    std::unique_ptr<peaks::PeakSource> source = peaks::PeakSource::Open(path);
+    // An error that passes does not cost the picture. One that stays is told by the check.
+    if (source == nullptr) source = peaks::PeakSource::Open(path);
     if (source == nullptr) continue;
     for (const std::size_t region : users) {
-      if (Clock::now() > deadline || (goOn && !goOn())) return byRegion;
-      byRegion[region] = Read(*source, regions[region], shares[region], samplesPerPeak);
+      if (Clock::now() > deadline || (goOn && !goOn())) return all;
+      std::optional<Peaks> peaks = Read(*source, regions[region], shares[region], samplesPerPeak);
+      if (!peaks) {
+        all.unread.push_back(path);
+        break;
+      }
+      all.byRegion[region] = std::move(*peaks);
     }
   }
-  return byRegion;
+  return all;
 }
 
 }  // namespace velmora::report

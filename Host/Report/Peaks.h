@@ -14,13 +14,20 @@ namespace velmora::report {
 /// region whose file cannot be read.
 using Peaks = std::vector<float>;
 
-/// Peaks of all regions, by region. Each file is opened once.
+/// Peaks of all regions.
+struct AllPeaks {
+  std::vector<Peaks> byRegion;
+  /// Files that were opened and could then not be read: their regions have none.
+  std::vector<std::string> unread;
+};
+
+/// Reads the peaks of all regions. Each file is opened once.
 ///
 /// The work is bounded whatever the session holds: `points` stretches in all, of each of which a
 /// bounded number of frames is read, and no more time than a page may take. Stretches that run past
 /// their file are silent.
 /// @param goOn asked between regions, may be empty; an answer of false leaves the rest empty
-[[nodiscard]] std::vector<Peaks> PeaksOf(const std::vector<host::SessionRegion>& regions,
-                                         std::size_t points, const std::function<bool()>& goOn);
+[[nodiscard]] AllPeaks PeaksOf(const std::vector<host::SessionRegion>& regions, std::size_t points,
+                               const std::function<bool()>& goOn);
 
 }  // namespace velmora::report

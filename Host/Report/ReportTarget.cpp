@@ -31,7 +31,7 @@ host::TargetOutcome ReportTarget::Write(const host::TargetInput& input,
   if (!files) return Failure(cancelled);
   data.files = std::move(*files);
   data.messages = MessagesOf(input);
-  const std::vector<Peaks> peaks =
+  const AllPeaks peaks =
       PeaksOf(input.session.Regions(), kPeaks, [&] { return goesOn(kShareOfFiles); });
   if (!goesOn(kShareOfFiles)) return Failure(cancelled);
 
@@ -42,14 +42,18 @@ host::TargetOutcome ReportTarget::Write(const host::TargetInput& input,
     host::FileBuffer buffer(file.Stream());
     std::ostream out(&buffer);
     errno = 0;
-    WritePage(input, data, peaks, out);
+    WritePage(input, data, peaks.byRegion, out);
     if (!out.flush()) error = errno != 0 ? errno : EIO;
   }
   const int closing = file.Close();
   if (error == 0) error = closing;
   if (error == 0) error = file.Publish();
   if (error != 0) return Failure(file.Trouble(error));
-  return {};
+  host::TargetOutcome outcome;
+  for (const std::string& path : peaks.unread) {
+    outcome.leftOut.push_back("the waveforms of " + path + ", which can no longer be read");
+  }
+  return outcome;
 }
 
 }  // namespace velmora::report
