@@ -1,6 +1,11 @@
 #include "Session/JsonText.h"
 
+#include <string_view>
+#include <utility>
+
 #include "Base/Utf8.h"
+#include "Session/HarmfulCharacters.h"
+#include "Session/PrintableAscii.h"
 
 namespace velmora::host {
 namespace {
@@ -15,11 +20,38 @@ void MendTexts(Json& value) {
   }
 }
 
+void AppendEscaped(std::string& json, char16_t unit) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  json += "\\u";
+  for (int shift = 12; shift >= 0; shift -= 4) json += kHex[unit >> shift & 0xF];
+}
+
+/// JSON means the same with a character as it stands and escaped, and somebody may have it on a
+/// terminal. Of ASCII the library has
+/// escaped what must be, and terminals pass 0x7F over.
+std::string EscapeHarmful(std::string json) {
+  if (IsPrintableAscii(json)) return json;
+  std::string escaped;
+  escaped.reserve(json.size() + json.size() / 8);
+  for (std::size_t at = 0; at < json.size();) {
+    const std::size_t begin = at;
+    const char32_t character = NextCharacter(json, at);
+    if (character < 0x80 || !IsHarmful(character)) {
+      escaped.append(json, begin, at - begin);
+    } else {
+      for (const char16_t unit : Utf16FromUtf8(std::string_view(json).substr(begin, at - begin))) {
+        AppendEscaped(escaped, unit);
+      }
+    }
+  }
+  return escaped;
+}
+
 }  // namespace
 
 std::string JsonText(Json value) {
   MendTexts(value);
-  return value.dump();
+  return EscapeHarmful(value.dump());
 }
 
 }  // namespace velmora::host

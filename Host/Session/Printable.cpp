@@ -1,20 +1,10 @@
 #include "Session/Printable.h"
 
 #include "Base/Utf8.h"
+#include "Session/HarmfulCharacters.h"
 #include "Session/PrintableAscii.h"
 
 namespace velmora::host {
-namespace {
-
-/// Control characters, those from 0x80 on too, which some terminals obey; and what turns the
-/// direction of a line or ends it, so that a name may not show as another one.
-bool IsHarmful(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x200E ||
-         character == 0x200F || (character >= 0x2028 && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069);
-}
-
-}  // namespace
 
 std::string Printable(std::string_view text) {
   std::string line(WithoutBlankEnd(text));
