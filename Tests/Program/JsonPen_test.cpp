@@ -73,7 +73,9 @@ TEST(JsonPlain, copiesPlainTextsOfAnySizeAndNoOthers) {
     if (byte != 0x7F) {  // plain, but whoever says otherwise looks at it once more
       EXPECT_EQ(isCopied, IsPlainInJson(byte)) << text;
     }
-    if (isCopied) EXPECT_EQ(copy, text);
+    if (isCopied) {
+      EXPECT_EQ(copy, text);
+    }
   });
   EXPECT_TRUE(CopyPlainText("", nullptr));
 }
