@@ -14,13 +14,14 @@
 namespace velmora::fuzz {
 namespace {
 
+/// Absolute, or the empty word, which names no file.
 bool IsAbsolute(const std::string& path) {
-  return !path.empty() && path[0] == '/';
+  return path.empty() || path[0] == '/';
 }
 
 void HoldSpot(const program::SpotArguments& arguments) {
   Hold(IsAbsolute(arguments.project), "a project has an absolute path", arguments.project);
-  Hold(arguments.copyFolder.empty() || IsAbsolute(arguments.copyFolder), "so has a copy folder");
+  Hold(IsAbsolute(arguments.copyFolder), "so has a copy folder");
   Hold(arguments.bitDepth == 16 || arguments.bitDepth == 24, "a depth is one of two");
   Hold(arguments.positionMode >= 0 && arguments.positionMode <= 3, "a position is one of four");
   Hold(arguments.offset.size() == 12 && arguments.start.size() == 12, "a timecode is a field's");

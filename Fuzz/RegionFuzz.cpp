@@ -27,9 +27,14 @@ std::vector<std::uint8_t> Octets(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
+/// Without the slashes at its front, of which several count as one.
+std::string_view BelowRoot(const std::string& path) {
+  return std::string_view(path).substr(std::min(path.find_first_not_of('/'), path.size()));
+}
+
 bool SameFacts(const host::AliasRecord& a, const host::AliasRecord& b) {
-  return a.isFolder == b.isFolder && a.path == b.path && a.folderId == b.folderId &&
-         a.fileId == b.fileId && a.fileDate == b.fileDate;
+  return a.isFolder == b.isFolder && BelowRoot(a.path) == BelowRoot(b.path) &&
+         a.folderId == b.folderId && a.fileId == b.fileId && a.fileDate == b.fileDate;
 }
 
 /// A record that is understood can be made again, and tells the same.

@@ -5,6 +5,7 @@
 //     steps    8 bytes each: what to do 1, a depth or channel 1, a length 2, a place 4
 //     the rest the file
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -26,10 +27,9 @@ namespace velmora::fuzz {
 namespace {
 
 constexpr std::int32_t kDepths[] = {-1, 16, 24, 8, 32, 0, 12, 64};
-// Samples of a piece or a run, whatever number of channels a file claims: more would only make the
-// same steps slower.
-constexpr std::uint32_t kMostSamples = 3000;
-
+// Bytes of a piece or a run, whatever number of channels and bits a file claims: more would only
+// make the same steps slower.
+constexpr std::int64_t kMostBytes = 9000;
 constexpr unsigned kMostFileBytes = 1U << 17;
 
 struct Step {
@@ -41,7 +41,8 @@ struct Step {
 
 /// Frames of a piece of that file.
 std::int64_t LengthIn(AES31BWF& file, const Step& step) {
-  return step.length % (1 + kMostSamples / (1 + file.GetChannels()));
+  return step.length % (1 + kMostBytes / (1 + std::int64_t{file.GetChannels()} *
+                                                  std::max(file.bytesPerSample, 1)));
 }
 
 /// Equal, or both not a number.
@@ -54,7 +55,7 @@ void HoldRun(const std::string& path, const Step& step) {
   AES31BWF byRun(path.c_str());
   AES31BWF bySample(path.c_str());
   const std::uint32_t channels = 1 + step.small % 4;
-  const std::int64_t frames = step.length % (kMostSamples / channels);
+  const std::int64_t frames = LengthIn(byRun, step);
   byRun.OpenAtData();
   bySample.OpenAtData();
   if (byRun.stream == nullptr) return;
@@ -160,7 +161,7 @@ class Steps {
   }
   void Convert(const std::string& target, const Step& step) {
     AES31BWF made(target.c_str(), 48000, step.small % 3, kDepths[1 + step.small % 4],
-                  static_cast<std::int32_t>(step.length % kMostSamples));
+                  static_cast<std::int32_t>(step.length % kMostBytes));
     if ((step.small & 4) != 0) {
       (void)made.CopyFrames(&file_, step.place);
     } else {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -28,10 +29,6 @@ class ChangeWriter {
         plan_(plan),
         eventStarts_(StartsOf(*checked.project)) {
     const std::vector<field::Event>& events = checked.project->events;
-    for (const field::Event& event : events) ++eventsOf_[event.number];
-    for (const PlannedEvent& event : plan.events) {
-      ++plannedOf_[events[event.origin].number];
-    }
     for (const std::size_t event : shortened) shortened_.insert(events[event].number);
     for (std::size_t i = 0; i < plan.sources.size(); ++i) {
       const std::int32_t index = checked.project->sources[plan.sources[i].origin].index;
@@ -120,10 +117,12 @@ class ChangeWriter {
     }
   }
 
-  /// True for a finding on an event that is left out.
+  /// True for a finding on an event that is left out. Another event of the same number may stay.
   bool IsGone(const check::Finding& finding) const {
-    if (!finding.entry || !eventsOf_.contains(*finding.entry)) return false;
-    return !plannedOf_.contains(*finding.entry);
+    const std::optional<std::size_t> origin = OriginOf(finding);
+    if (!origin) return false;
+    const auto event = FirstPlanned(*origin);
+    return event == plan_.events.end() || event->origin != *origin;
   }
 
   static std::string TextOfGone(Code code) {
@@ -257,20 +256,31 @@ class ChangeWriter {
     return std::to_string(facts != nullptr ? facts->sampleRate : 0);
   }
 
-  /// The planned cuts that a finding is about: those made of the event in whose lines it stands.
-  std::vector<const PlannedCut*> CutsOf(const check::Finding& finding) const {
-    std::vector<const PlannedCut*> cuts;
-    if (!finding.entry) return cuts;
+  /// The event in whose lines a finding stands, as a position in Project::events.
+  std::optional<std::size_t> OriginOf(const check::Finding& finding) const {
+    if (!finding.entry) return std::nullopt;
     const auto next = std::upper_bound(
         eventStarts_.begin(), eventStarts_.end(), std::pair(finding.line, finding.column),
         [](const auto& place, const EventStart& start) { return place < start.place; });
-    if (next == eventStarts_.begin()) return cuts;
-    const std::size_t origin = std::prev(next)->origin;
-    // Planned events stand in the order of those that they were made of.
-    auto event = std::lower_bound(
+    if (next == eventStarts_.begin()) return std::nullopt;
+    return std::prev(next)->origin;
+  }
+
+  /// The first planned event that was made of that one or of a later one. Planned events stand in
+  /// the order of those that they were made of.
+  std::vector<PlannedEvent>::const_iterator FirstPlanned(std::size_t origin) const {
+    return std::lower_bound(
         plan_.events.begin(), plan_.events.end(), origin,
         [](const PlannedEvent& planned, std::size_t wanted) { return planned.origin < wanted; });
-    for (; event != plan_.events.end() && event->origin == origin; ++event) {
+  }
+
+  /// The planned cuts that a finding is about: those made of the event in whose lines it stands.
+  std::vector<const PlannedCut*> CutsOf(const check::Finding& finding) const {
+    std::vector<const PlannedCut*> cuts;
+    const std::optional<std::size_t> origin = OriginOf(finding);
+    if (!origin) return cuts;
+    for (auto event = FirstPlanned(*origin);
+         event != plan_.events.end() && event->origin == *origin; ++event) {
       if (event->cut) cuts.push_back(&*event->cut);
     }
     return cuts;
@@ -327,8 +337,6 @@ class ChangeWriter {
   const PrepareOptions& options_;
   const Plan& plan_;
   const std::vector<EventStart> eventStarts_;                   ///< by place
-  std::map<std::int32_t, std::size_t> eventsOf_;                ///< by entry number
-  std::map<std::int32_t, std::size_t> plannedOf_;               ///< by entry number of the original
   std::set<std::int32_t> shortened_;                            ///< entry numbers
   std::map<std::int32_t, std::vector<std::size_t>> sourcesOf_;  ///< by index of the original
 };

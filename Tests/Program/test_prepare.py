@@ -73,6 +73,9 @@ CASES = [
     Case("channels", m.project(events=m.cut(channels="1", tracks="7~9")), tracks=[7]),
     Case("event-off", m.project(events=m.cut(status="D", position=HOUR - 9) + m.cut(2))),
     Case("event-off", m.project(events=m.cut(status="M", position=HOUR - 9) + m.cut(2))),
+    # Of two with one number, one is left out: that is told, though an event of that number stays.
+    Case("event-off", m.project(events=m.cut(status="D", position=HOUR - 9) + m.cut())),
+    Case("event-empty", m.project(events=m.cut() + m.cut(length=0))),
     Case("event-error", m.project(events=m.cut(status="E", position=HOUR - 9) + m.cut(2))),
     Case("event-empty", m.project(events=m.cut(length=0) + m.cut(2))),
     Case("fade-overlong", m.project(events=m.cut(more=f"(Infade) {m.stamp(60000, separator=';')} LIN _ _ _")),
