@@ -85,8 +85,8 @@ int ScriptProcess::StartScript(const Command& command) {
   if (script_ < 0) return failure;
   if (script_ == 0) {
     const int error = BecomeScript(arguments.data(), environment.data());
-    static_cast<void>(::write(trouble.writeEnd.Number(), &error, sizeof error));
-    ::_exit(127);
+    const bool isTold = ::write(trouble.writeEnd.Number(), &error, sizeof error) == sizeof error;
+    ::_exit(isTold ? 127 : 126);
   }
   // The pipe closes without a word when the script begins.
   trouble.writeEnd.Close();
