@@ -175,6 +175,7 @@ CheckedProject CheckProject(const std::string& path, const CheckOptions& options
   }
   const std::string folder = FolderOf(path);
   MediaReader media(*checked.project, options, listings, folder, cancelled);
+  checked.media.reserve(checked.project->sources.size());
   for (const field::Source& source : checked.project->sources) {
     if (cancelled && cancelled()) return checked;
     checked.media.push_back(media.Read(source));

@@ -39,8 +39,16 @@ struct Ready {
   std::optional<CheckedProject> large;
 };
 
-/// Projects with more events than this are written straight to standard output.
+/// Projects with more to tell than this are written straight to standard output: a million bare
+/// labels make three million findings, whose text is a thousand times the file.
 constexpr std::size_t kLargeProject = 2000;
+
+bool IsLarge(const CheckedProject& checked) {
+  if (checked.project == nullptr) return false;
+  return checked.project->events.size() + checked.project->sources.size() +
+             checked.findings.size() >
+         kLargeProject;
+}
 
 /// Checks the projects of a list on several threads, and hands them out in the order of the list.
 /// No thread runs further ahead of what was told than a few projects for each thread, so an archive
@@ -113,7 +121,7 @@ class CheckPool {
     Ready ready;
     CheckedProject checked = CheckOrGiveUp(path);
     ready.verdict = checked.verdict;
-    if (checked.project != nullptr && checked.project->events.size() > kLargeProject) {
+    if (IsLarge(checked)) {
       ready.large = std::move(checked);
       return ready;
     }
