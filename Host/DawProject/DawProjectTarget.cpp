@@ -53,7 +53,9 @@ class MediaCopier {
     std::vector<std::int64_t> sizes;
     for (const MediaNames::Entry& file : files) {
       const FileStream stream = OpenRegularFile(file.path.c_str());
-      sizes.push_back(stream != nullptr ? std::max<std::int64_t>(FileSize(stream.get()), 0) : 0);
+      if (stream == nullptr) return Fail(file.path, errno);
+      sizes.push_back(FileSize(stream.get()));
+      if (sizes.back() < 0) return Fail(file.path, errno);
       total_ += static_cast<double>(sizes.back());
     }
     for (std::size_t i = 0; i < files.size(); ++i) {

@@ -15,33 +15,6 @@ constexpr uLong kMadeByUnix = 3U << 8 | 45;
 constexpr std::int64_t kMostWithoutZip64 = 0xFFFFFFFE;
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 20;
 
-// What minizip asks of a file, on a stream that is open already.
-
-voidpf Open(voidpf stream, const void* /*name*/, int /*mode*/) {
-  return stream;
-}
-uLong Read(voidpf /*opaque*/, voidpf stream, void* bytes, uLong count) {
-  return std::fread(bytes, 1, count, static_cast<std::FILE*>(stream));
-}
-uLong WriteBytes(voidpf /*opaque*/, voidpf stream, const void* bytes, uLong count) {
-  return std::fwrite(bytes, 1, count, static_cast<std::FILE*>(stream));
-}
-ZPOS64_T Tell(voidpf /*opaque*/, voidpf stream) {
-  return static_cast<ZPOS64_T>(::ftello(static_cast<std::FILE*>(stream)));
-}
-long Seek(voidpf /*opaque*/, voidpf stream, ZPOS64_T offset, int origin) {
-  const int whence = origin == ZLIB_FILEFUNC_SEEK_CUR   ? SEEK_CUR
-                     : origin == ZLIB_FILEFUNC_SEEK_END ? SEEK_END
-                                                        : SEEK_SET;
-  return ::fseeko(static_cast<std::FILE*>(stream), static_cast<off_t>(offset), whence);
-}
-int LeaveOpen(voidpf /*opaque*/, voidpf /*stream*/) {
-  return 0;
-}
-int HasError(voidpf /*opaque*/, voidpf stream) {
-  return std::ferror(static_cast<std::FILE*>(stream));
-}
-
 zip_fileinfo ToldNow() {
   zip_fileinfo info{};
   const std::time_t now = std::time(nullptr);
@@ -59,16 +32,51 @@ zip_fileinfo ToldNow() {
 
 }  // namespace
 
-ZipFile::ZipFile(std::FILE* stream) {
+/// What minizip asks of a file, on a stream that is open already.
+struct ZipFile::Calls {
+  static std::FILE* StreamOf(voidpf target) { return static_cast<Target*>(target)->stream; }
+  /// Notes a failure, which minizip passes over.
+  static void Note(voidpf target, bool hasFailed) {
+    int& error = static_cast<Target*>(target)->error;
+    if (hasFailed && error == 0) error = errno != 0 ? errno : EIO;
+  }
+
+  static voidpf Open(voidpf target, const void* /*name*/, int /*mode*/) { return target; }
+  static uLong Read(voidpf /*opaque*/, voidpf target, void* bytes, uLong count) {
+    return std::fread(bytes, 1, count, StreamOf(target));
+  }
+  static uLong WriteBytes(voidpf /*opaque*/, voidpf target, const void* bytes, uLong count) {
+    const uLong written = std::fwrite(bytes, 1, count, StreamOf(target));
+    Note(target, written != count);
+    return written;
+  }
+  static ZPOS64_T Tell(voidpf /*opaque*/, voidpf target) {
+    const off_t place = ::ftello(StreamOf(target));
+    Note(target, place < 0);
+    return static_cast<ZPOS64_T>(place);
+  }
+  static long Seek(voidpf /*opaque*/, voidpf target, ZPOS64_T offset, int origin) {
+    const int whence = origin == ZLIB_FILEFUNC_SEEK_CUR   ? SEEK_CUR
+                       : origin == ZLIB_FILEFUNC_SEEK_END ? SEEK_END
+                                                          : SEEK_SET;
+    const int moved = ::fseeko(StreamOf(target), static_cast<off_t>(offset), whence);
+    Note(target, moved != 0);
+    return moved;
+  }
+  static int LeaveOpen(voidpf /*opaque*/, voidpf /*target*/) { return 0; }
+  static int HasError(voidpf /*opaque*/, voidpf target) { return std::ferror(StreamOf(target)); }
+};
+
+ZipFile::ZipFile(std::FILE* stream) : target_{stream} {
   zlib_filefunc64_def file{};
-  file.zopen64_file = Open;
-  file.zread_file = Read;
-  file.zwrite_file = WriteBytes;
-  file.ztell64_file = Tell;
-  file.zseek64_file = Seek;
-  file.zclose_file = LeaveOpen;
-  file.zerror_file = HasError;
-  file.opaque = stream;
+  file.zopen64_file = Calls::Open;
+  file.zread_file = Calls::Read;
+  file.zwrite_file = Calls::WriteBytes;
+  file.ztell64_file = Calls::Tell;
+  file.zseek64_file = Calls::Seek;
+  file.zclose_file = Calls::LeaveOpen;
+  file.zerror_file = Calls::HasError;
+  file.opaque = &target_;
   zip_ = zipOpen2_64("", APPEND_STATUS_CREATE, nullptr, &file);
   if (zip_ == nullptr) error_ = ENOMEM;
 }
@@ -79,6 +87,7 @@ ZipFile::~ZipFile() {
 }
 
 bool ZipFile::Check(int status) {
+  if (error_ == 0) error_ = target_.error;
   if (status != ZIP_OK && error_ == 0) error_ = errno != 0 ? errno : EIO;
   return error_ == 0;
 }

@@ -34,6 +34,14 @@ class ZipFile {
  private:
   bool Check(int status);
 
+  /// What the library writes to. It does not look whether it moves.
+  struct Target {
+    std::FILE* stream;
+    int error = 0;
+  };
+  struct Calls;
+
+  Target target_;
   void* zip_ = nullptr;
   int error_ = 0;
 };

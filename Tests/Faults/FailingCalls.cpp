@@ -459,6 +459,10 @@ const char* Setting(const char* name) {
   return text != nullptr ? text : "";
 }
 
+std::int64_t Number(const char* text) {
+  return std::strtoll(text, nullptr, 10);
+}
+
 void ReadHow(std::string_view how) {
   static constexpr struct {
     const char* word;
@@ -469,10 +473,10 @@ void ReadHow(std::string_view how) {
     if (!how.starts_with(word.word)) continue;
     settings.how = word.how;
     settings.victim = how.data() + std::strlen(word.word);
-    settings.number = std::atoi(settings.victim);
+    settings.number = static_cast<int>(Number(settings.victim));
     return;
   }
-  settings.number = std::atoi(how.data());
+  settings.number = static_cast<int>(Number(how.data()));
 }
 
 void ReadKinds(std::string_view kinds) {
@@ -536,8 +540,8 @@ int __libc_start_main(Main* main, int argc, char** arguments, int (*init)(), voi
   process = getpid();
   ReadKinds(Setting("FAILING_KIND"));
   ReadHow(Setting("FAILING_HOW"));
-  settings.first = std::atoll(Setting("FAILING_CALL"));
-  if (*Setting("FAILING_SPAN") != '\0') settings.span = std::atoll(Setting("FAILING_SPAN"));
+  settings.first = Number(Setting("FAILING_CALL"));
+  if (*Setting("FAILING_SPAN") != '\0') settings.span = Number(Setting("FAILING_SPAN"));
   settings.below = Setting("FAILING_BELOW");
   if (*Setting("FAILING_COUNT") != '\0') MapCounts(Setting("FAILING_COUNT"));
   const CodeRange code = CLibrary();

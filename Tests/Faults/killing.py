@@ -22,7 +22,7 @@ class Killed:
 
 def kill(place, chance, number):
     """Lets the task run into a signal at a moment of its life."""
-    after = chance.uniform(0, place.seconds * 1.1)
+    after = chance.uniform(0, place.seconds)
     process = place.start()
     time.sleep(after)
     process.send_signal(number)
@@ -68,6 +68,11 @@ def storm(place, rounds, seed):
     """Kills a task so many times, by each signal in turn. Returns how the runs ended."""
     chance = random.Random(seed)
     ends = {}
+    for _ in range(3):  # the first run took the longest
+        started = time.monotonic()
+        place.run()
+        place.seconds = min(place.seconds, time.monotonic() - started)
+        place.restore()
     for turn in range(rounds):
         killed = kill(place, chance, SIGNALS[turn % len(SIGNALS)])
         judge(place, killed)

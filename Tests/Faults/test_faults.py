@@ -18,7 +18,7 @@ EVERY = ["create", "list", "rename", "link", "remove", "folder", "change", "sync
 SHARE = {
     "spot": [*EVERY, "write"],
     "prepare": [*EVERY, "write"],
-    "dawproject-whole": [*EVERY, "write"],
+    "dawproject-whole": [*EVERY, "write", "open"],
     "otio": ["create", "write", "rename"],
     "bounce-tracks": [*EVERY, "write"],
     "report-alone": [*EVERY, "write"],
