@@ -49,6 +49,7 @@ std::string Places(const field::Project& project) {
                     std::to_string(project.FileOffset(event).value_or(0)) + "\n");
   }
   std::sort(lines.begin(), lines.end());
+  if (lines.empty()) return {};  // then the rate is anybody's
   std::string text = std::to_string(project.rates.sampleRate) + " Hz\n";
   for (const std::string& line : lines) text += line;
   return text;
