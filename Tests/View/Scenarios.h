@@ -25,6 +25,7 @@ std::vector<Scenario> FindingsScenarios();
 std::vector<Scenario> SaveScenarios();
 std::vector<Scenario> ProgramScenarios();
 std::vector<Scenario> SpeedScenarios();
+std::vector<Scenario> SoakScenarios();
 
 const std::vector<Scenario>& AllScenarios();
 

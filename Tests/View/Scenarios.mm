@@ -9,7 +9,7 @@ const std::vector<Scenario>& AllScenarios() {
          {LoadingScenarios(), TroubleScenarios(), TableScenarios(), EntryScenarios(),
           EditScenarios(), PasteScenarios(), SpotScenarios(), AbortScenarios(), LookScenarios(),
           ShellScenarios(), WaveScenarios(), FindingsScenarios(), SaveScenarios(),
-          ProgramScenarios(), SpeedScenarios()}) {
+          ProgramScenarios(), SpeedScenarios(), SoakScenarios()}) {
       scenarios.insert(scenarios.end(), part.begin(), part.end());
     }
     return scenarios;
