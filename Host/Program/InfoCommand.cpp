@@ -31,7 +31,7 @@ int RunInfo(const InfoArguments& arguments) {
 }
 
 void ComplainAboutLoad(const std::string& path, const ViewModel& model) {
-  std::cerr << "velmora: " << model.errorMessage << ' ' << Printable(path);
+  std::cerr << "velmora: " << Printable(model.errorMessage) << ' ' << Printable(path);
   if (model.loadFailure) {
     const bool hasPlace = model.loadFailure->line > 0;
     std::cerr << (hasPlace ? ", " : ": ") << Printable(FailureText(*model.loadFailure));

@@ -272,7 +272,7 @@ void PrintInfoText(const InfoArguments& arguments, const ViewModel& model, Block
   if (!model.HasCuts()) {
     out << "\nThere is no cut in this project, so no track and no event row is filled.\n";
   }
-  if (!model.errorMessage.empty()) out << '\n' << model.errorMessage << '\n';
+  if (!model.errorMessage.empty()) out << '\n' << Printable(model.errorMessage) << '\n';
 }
 
 }  // namespace velmora::program

@@ -28,7 +28,7 @@ std::string AudioText(const SpotOptions& options) {
 }  // namespace
 
 void TextSpotReport::Warning(const std::string& text) {
-  std::fprintf(stderr, "velmora: %s\n", text.c_str());
+  std::fprintf(stderr, "velmora: %s\n", Printable(text).c_str());
 }
 
 void TextSpotReport::FileTrouble(const std::string& line) {

@@ -3,8 +3,8 @@
 #include <string_view>
 #include <utility>
 
+#include "Base/HarmfulCharacters.h"
 #include "Base/Utf8.h"
-#include "Session/HarmfulCharacters.h"
 #include "Session/PrintableAscii.h"
 
 namespace velmora::host {

@@ -5,8 +5,7 @@
 
 namespace velmora::host {
 
-/// A text as one line that harms no terminal and no window: what IsHarmful (HarmfulCharacters.h)
-/// tells is a blank, what is not UTF-8 is U+FFFD.
+/// PrintableLine, fast where nearly all texts are printable ASCII.
 [[nodiscard]] std::string Printable(std::string_view text);
 
 }  // namespace velmora::host

@@ -13,6 +13,7 @@
 #include "Base/FileAccess.h"
 #include "Base/FileNames.h"
 #include "Base/LargePages.h"
+#include "Base/StandardError.h"
 #include "Base/Text.h"
 #include "Timecode/AdlTime.h"
 
@@ -93,7 +94,7 @@ bool AES31Project::FailWhole(LoadFailureCode code, std::string reason) {
 }
 
 void AES31Project::Tolerate(LoadDiagnosticCode code, const char* label, std::string text) {
-  std::fprintf(stderr, "%s\n", text.c_str());
+  WriteStandardError(text);
   diagnostics.push_back({code, LineOf(label), std::move(text)});
 }
 

@@ -1,8 +1,9 @@
 #include "Base/SystemLog.h"
 
-#include <cstdio>
 #include <mutex>
 #include <utility>
+
+#include "Base/StandardError.h"
 
 namespace velmora {
 namespace {
@@ -29,7 +30,7 @@ void SystemLog(const std::string& line) {
   if (function) {
     function(line);
   } else {
-    std::fprintf(stderr, "%s\n", line.c_str());
+    WriteStandardError(line);
   }
 }
 

@@ -1,5 +1,9 @@
 #import "View/Velmora_ViewController.h"
 
+#include <unistd.h>
+
+#include "Base/PrintableLine.h"
+#include "Base/StandardError.h"
 #include "Base/SystemLog.h"
 #include "Model/ViewModel.h"
 #include "Spot/SpotQueue.h"
@@ -10,7 +14,7 @@
 
 static void LogLine(const std::string& line) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  NSLog(@"%@", StringFromText(line));
+  NSLog(@"%@", StringFromText(velmora::FilteredLine(line)));
   [pool release];
 }
 
@@ -53,7 +57,10 @@ static void LogLine(const std::string& line) {
 @synthesize trackOffsetComboBox;
 
 + (void)initialize {
-  if (self == [Velmora_ViewController class]) velmora::SetSystemLog(LogLine);
+  if (self != [Velmora_ViewController class]) return;
+  velmora::SetSystemLog(LogLine);
+  // Whoever starts the host from a terminal must not have it obey what a project holds.
+  if (isatty(STDERR_FILENO) != 0) velmora::SetStandardErrorFilter(velmora::PrintableLine);
 }
 
 - (id)initWithNibName:(NSString*)nibName bundle:(NSBundle*)bundle {

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "Desktop/Logic/ExitStatus.h"
+#include "Session/Printable.h"
 
 namespace velmora::desktop {
 namespace {
@@ -24,7 +25,7 @@ void MakeAbsolute(std::string& path) {
 }
 
 int Complain(const std::string& what) {
-  std::cerr << "velmora-desktop: " << what << "\nTry 'velmora-desktop --help'.\n";
+  std::cerr << "velmora-desktop: " << host::Printable(what) << "\nTry 'velmora-desktop --help'.\n";
   return kBadUsage;
 }
 

@@ -18,6 +18,7 @@
 #import "Desktop/Theme/DesktopTheme.h"
 #import "Desktop/Timeline/TimelinePane.h"
 #import "Desktop/ViewHost/ViewConnection.h"
+#include "Session/Printable.h"
 #import "View/TextConversion.h"
 
 using namespace velmora::desktop;
@@ -236,7 +237,8 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
                                                  host:receiver.get()
                                              follower:receiver.get()
                                                 error:&error];
-  if (view == nil) std::fprintf(stderr, "velmora-desktop: %s\n", error.c_str());
+  if (view == nil)
+    std::fprintf(stderr, "velmora-desktop: %s\n", velmora::host::Printable(error).c_str());
   return view != nil;
 }
 
@@ -409,7 +411,8 @@ constexpr NSSize kScreenMargin = {10, 36};  // left of the screen for frames and
   [self showSummary:nil];
   const BOOL written = WriteSnapshot(window, StringFromText(options.snapshot));
   if (!written) {
-    std::fprintf(stderr, "velmora-desktop: cannot write %s\n", options.snapshot.c_str());
+    std::fprintf(stderr, "velmora-desktop: cannot write %s\n",
+                 velmora::host::Printable(options.snapshot).c_str());
   }
   closing = YES;
   [self letGo];

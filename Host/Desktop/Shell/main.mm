@@ -1,6 +1,7 @@
 #import <AppKit/AppKit.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -8,6 +9,8 @@
 #include <system_error>
 #include <vector>
 
+#include "Base/PrintableLine.h"
+#include "Base/StandardError.h"
 #include "Desktop/Logic/CommandLine.h"
 #include "Desktop/Logic/ExitStatus.h"
 #import "Desktop/Shell/ShellController.h"
@@ -59,6 +62,10 @@ void Connect() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A write beyond the limit for files (ulimit -f) then fails like one on a full disk, and is told.
+  std::signal(SIGXFSZ, SIG_IGN);
+  // Lines of the readers and the log hold bytes of the project, of which a terminal may obey some.
+  if (isatty(STDERR_FILENO) != 0) velmora::SetStandardErrorFilter(velmora::PrintableLine);
   ShellOptions options;
   const std::optional<int> status = ParseCommandLine({argv + 1, argv + argc}, options);
   if (status) return *status;

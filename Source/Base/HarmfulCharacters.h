@@ -1,6 +1,6 @@
 #pragma once
 
-namespace velmora::host {
+namespace velmora {
 
 /// True for characters of a project's text that nobody is to be shown as they are: controls, those
 /// from 0x80 on too, which some terminals obey; what turns the direction of a line or ends it; and
@@ -17,4 +17,4 @@ namespace velmora::host {
          (character >= 0xE0000 && character <= 0xE007F);
 }
 
-}  // namespace velmora::host
+}  // namespace velmora
