@@ -19,7 +19,7 @@ struct ChunkPlace;
 enum CopyStatus : std::int32_t {
   CopyDone = 0,
   CopyTargetNotCreated = 1,
-  CopyFailed = 2,  ///< no memory, or a read or write error; the short target stays
+  CopyFailed = 2,  ///< no memory, a read or write error, or too long; a short target stays
   CopyNotValid = 3,
 };
 
@@ -52,7 +52,8 @@ class AES31BWF {
   AES31BWF& operator=(const AES31BWF&) = delete;
 
   virtual void CloseFile();
-  /// Opens the file for reading at its first sample; an open stream is moved there.
+  /// Opens the file for reading at its first sample; an open stream is moved there. One that does
+  /// not move is closed: whatever was read from it would be of another place.
   virtual void OpenAtData();
   /// Writes one sample, nominally -1.0 to 1.0, truncated toward zero and not clipped.
   virtual void WriteSample(float value);
@@ -97,6 +98,16 @@ class AES31BWF {
   /// been told path and cause.
   [[nodiscard]] bool WriteFailed() const { return writeFailed_; }
 
+  /// Moves the open stream to a place in the file. False, and noted as a read error, if it stays
+  /// where it was.
+  bool SeekTo(std::int64_t place);
+
+  /// The errno of what failed last in reading or seeking single samples, 0 for nothing; then it is
+  /// forgotten. The end of the file is no error: what lies after it has its own rules.
+  [[nodiscard]] int TakeReadError();
+  /// The same, told to the system log. True if there was an error.
+  bool LogTakenReadError();
+
   bool hasBext = false;
   BwfBext bext;
   bool hasFormat = false;
@@ -135,6 +146,7 @@ class AES31BWF {
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
   bool writeFailed_ = false;
+  int readError_ = 0;
 };
 
 }  // namespace velmora

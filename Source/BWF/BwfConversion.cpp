@@ -1,10 +1,10 @@
 // Whole files: copies, depth conversion, gain.
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -14,6 +14,7 @@
 #include "BWF/OutputFile.h"
 #include "BWF/SampleConversion.h"
 #include "BWF/StreamCopy.h"
+#include "Base/SystemLog.h"
 #include "Base/Wrapping.h"
 
 namespace velmora {
@@ -39,11 +40,14 @@ std::size_t BlockSamples(std::size_t sourceBytes, std::size_t targetBytes, std::
   return static_cast<std::size_t>(std::min<std::uint64_t>(most, all));
 }
 
-/// Fills the buffer from the stream; what the file lacks is 0. False on a read error.
-bool ReadPadded(std::FILE* stream, std::uint8_t* buffer, std::size_t count) {
+/// Fills the buffer from the stream; what the file lacks is 0. Answers the errno of a read error.
+int ReadPadded(std::FILE* stream, std::uint8_t* buffer, std::size_t count) {
+  errno = 0;
   const std::size_t got = std::fread(buffer, 1, count, stream);
+  const int error = errno;
   std::memset(buffer + got, 0, count - got);
-  return std::ferror(stream) == 0;
+  if (std::ferror(stream) == 0) return 0;
+  return error != 0 ? error : EIO;
 }
 
 }  // namespace
@@ -66,9 +70,11 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
     const std::uint64_t left = all - std::uint64_t{number} * blockSamples;
     return static_cast<std::size_t>(std::min<std::uint64_t>(blockSamples, left));
   };
+  int readError = 0;
   const auto make = [&](std::size_t number, std::uint8_t* block) {
     const std::size_t count = samplesOf(number);
-    if (!ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes())) return false;
+    readError = ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes());
+    if (readError != 0) return false;
     conversion.Convert(source.get(), block, count);
     return true;
   };
@@ -78,7 +84,10 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
     const std::uint8_t* const block = ahead != nullptr                ? ahead->Next()
                                       : make(number, converted.get()) ? converted.get()
                                                                       : nullptr;
-    if (block == nullptr) return 2;
+    if (block == nullptr) {
+      LogReadError(path.c_str(), readError);
+      return 2;
+    }
     if (!target->WriteBytes(block, samplesOf(number) * conversion.TargetBytes())) return 2;
   }
   return target->Flush() ? 0 : 2;
@@ -107,22 +116,30 @@ std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
   FileStream target = file.Create();
   if (target == nullptr) return CopyTargetNotCreated;
   OpenAtData();
-  const bool copied =
-      stream != nullptr && riffEnd >= 0 &&
-      CopyStream(stream.get(), std::move(target), static_cast<std::uint64_t>(riffEnd), file);
+  const bool copied = stream != nullptr && riffEnd >= 0 &&
+                      CopyStream(stream.get(), path.c_str(), std::move(target),
+                                 static_cast<std::uint64_t>(riffEnd), file);
+  if (stream == nullptr) LogTakenReadError();
   CloseFile();
   return copied ? CopyDone : CopyFailed;
 }
 
 /// The audio alone, in a new file of the other depth. A header can claim far more samples than its
-/// file has bytes: what no size field can hold is not begun.
+/// file has bytes, and a deeper file is longer than its source: what no reader would take is not
+/// begun.
 std::int32_t AES31BWF::CopyConverted(OutputFile& file, std::int32_t bitDepth) {
-  constexpr std::uint64_t kLargestDataBytes = std::numeric_limits<std::uint32_t>::max() - 1024;
   const std::uint64_t frameBytes =
       std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8U, 1U);
-  if (frames > kLargestDataBytes / std::max<std::uint64_t>(frameBytes, 1)) return CopyFailed;
+  if (frames > std::uint64_t{kMostAudioBytes} / std::max<std::uint64_t>(frameBytes, 1)) {
+    SystemLog(file.Path() + ": not made, for its audio would not fit into the 2 GiB that a wave " +
+              "file can have: " + path);
+    return CopyFailed;
+  }
   OpenAtData();
-  if (stream == nullptr) return CopyFailed;  // before a file is made in vain
+  if (stream == nullptr) {  // before a file is made in vain
+    LogTakenReadError();
+    return CopyFailed;
+  }
   AES31BWF target(file, GetSampleRate(), GetChannels(), bitDepth, GetFrames());
   if (!target.IsValid()) {
     CloseFile();
@@ -155,7 +172,10 @@ bool AES31BWF::CopyFrames(AES31BWF* source, std::int64_t firstFrame) {
   std::uint64_t left = static_cast<std::int64_t>(frames) > 0 ? frames * format.blockAlign : 0;
   while (left > 0) {
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, kCopyBlockBytes));
-    if (!ReadPadded(source->stream.get(), block.get(), count)) return false;
+    if (const int error = ReadPadded(source->stream.get(), block.get(), count); error != 0) {
+      LogReadError(source->path.c_str(), error);
+      return false;
+    }
     if (!WriteBytes(block.get(), count)) return false;
     left -= count;
   }

@@ -1,8 +1,10 @@
 // The reading side of AES31BWF: header, chunks, single samples.
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 #include "BWF/AES31BWF.h"
 #include "BWF/ChunkWalk.h"
@@ -49,6 +51,8 @@ bool AES31BWF::Parse() {
   riffEnd = std::int64_t{reader.LittleEndian<std::int32_t>()} + 8;
   if (reader.LittleEndian<std::uint32_t>() != kWaveId) return false;
   WalkChunks(reader);
+  // What a read error left of the header may be of any format.
+  if (reader.Failed()) return false;
   if (!hasData || !hasFormat || format.blockAlign == 0 || format.channels == 0) return false;
   frames = dataSize_ / format.blockAlign;
   return true;
@@ -115,10 +119,29 @@ AES31BWF::~AES31BWF() {
 void AES31BWF::OpenAtData() {
   if (stream == nullptr) {
     stream = OpenRegularFile(path.c_str());
-    if (stream == nullptr) return;
+    if (stream == nullptr) {
+      readError_ = errno;
+      return;
+    }
     position = dataOffset;
   }
-  fseeko(stream.get(), dataOffset, SEEK_SET);
+  if (!SeekTo(dataOffset)) CloseFile();
+}
+
+bool AES31BWF::SeekTo(std::int64_t place) {
+  if (fseeko(stream.get(), place, SEEK_SET) == 0) return true;
+  readError_ = errno;
+  return false;
+}
+
+int AES31BWF::TakeReadError() {
+  return std::exchange(readError_, 0);
+}
+
+bool AES31BWF::LogTakenReadError() {
+  const int error = TakeReadError();
+  if (error != 0) LogReadError(path.c_str(), error);
+  return error != 0;
 }
 
 void AES31BWF::DisableCache() {
@@ -138,19 +161,21 @@ float AES31BWF::GetSampleAt(std::int32_t frame, std::uint32_t channel) {
   // without seeks, and after one seek every later read seeks again, except where its offset happens
   // to equal the stale position. There the stream is read where it stands. Fades and crossfades
   // made so far came out that way, and must come out the same again.
-  if (offset != position) fseeko(stream.get(), offset, SEEK_SET);
-  const float value = ReadSample();
+  const float value = offset == position || SeekTo(offset) ? ReadSample() : 0.0F;
   position += bytesPerSample;
   return value;
 }
 
 float AES31BWF::ReadSample() {
   std::uint32_t leftJustified = 0;
+  bool isWhole = true;
   for (std::uint32_t i = 0; stream != nullptr && i < format.bitsPerSample / 8U; ++i) {
+    const int byte = std::getc(stream.get());
+    isWhole = isWhole && byte != EOF;
     // A byte past the end of the file is all ones.
-    leftJustified =
-        AddSampleByte(leftJustified, static_cast<std::uint8_t>(std::getc(stream.get())));
+    leftJustified = AddSampleByte(leftJustified, static_cast<std::uint8_t>(byte));
   }
+  if (!isWhole && std::ferror(stream.get()) != 0) readError_ = errno != 0 ? errno : EIO;
   return SampleFromLeftJustified(leftJustified);
 }
 

@@ -2,12 +2,17 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace velmora {
 
 /// The format tag of integer PCM (RIFF WAVE), the only format whose samples are read or written.
 inline constexpr std::uint16_t kIntegerPcm = 1;
+
+/// So many bytes of samples a file can have: the sizes of chunks are read with a sign, and a data
+/// chunk of 2 GiB is not found.
+inline constexpr std::int32_t kMostAudioBytes = std::numeric_limits<std::int32_t>::max();
 
 /// The fields of a fmt chunk (RIFF WAVE).
 struct BwfFormat {
@@ -21,6 +26,10 @@ struct BwfFormat {
 
 /// The fields of a bext chunk (EBU Tech 3285), byte for byte, no text with a terminator of its own.
 /// Kept but not interpreted: positions come from the project's timestamps alone.
+///
+/// A chunk may claim fewer bytes than these fields have. All of them are read even so, from what
+/// follows in the file, and are all ones after its end: whoever shows a text takes a field's own
+/// length at most, and makes it fit to be shown.
 struct BwfBext {
   std::array<char, 256> description{};
   std::array<char, 32> originator{};

@@ -1,6 +1,7 @@
 #include "BWF/ChunkWalk.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace velmora {
 namespace {
@@ -32,6 +33,7 @@ void HeaderReader::ReadBlock() {
   if (stream == nullptr) return;
   // A block that comes out short is taken as it is: what is missing is read when it is asked for.
   blockBytes_ = static_cast<std::int64_t>(ReadSomeAt(stream, place_, block_.data(), block_.size()));
+  failed_ = failed_ || (blockBytes_ == 0 && errno != 0);
 }
 
 std::vector<std::uint8_t> HeaderReader::Bytes(std::int64_t count) {

@@ -51,6 +51,9 @@ class HeaderReader {
     for (auto& byte : bytes) byte = static_cast<typename Container::value_type>(Byte());
   }
 
+  /// Whether something could not be read, which then counts as past the end of the file.
+  [[nodiscard]] bool Failed() const { return failed_; }
+
   /// The next `count` bytes, or as many of them as the file holds.
   [[nodiscard]] std::vector<std::uint8_t> Bytes(std::int64_t count);
 
@@ -69,6 +72,7 @@ class HeaderReader {
   std::vector<std::uint8_t> block_;
   std::int64_t blockBegin_ = 0;  ///< place of the block's first byte
   std::int64_t blockBytes_ = 0;
+  bool failed_ = false;
 };
 
 /// One chunk's place in a file.

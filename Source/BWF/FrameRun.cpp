@@ -35,6 +35,10 @@ FrameRun::FrameRun(AES31BWF& file, std::int64_t first, std::uint32_t channels)
       sampleBytes_(file.format.bitsPerSample / 8),
       forBlocks_(IsForBlocks(file, channels)) {}
 
+void FrameRun::Reserve(std::int64_t frames) {
+  if (forBlocks_) bytes_.reserve(static_cast<std::size_t>(frames * channels_ * sampleBytes_));
+}
+
 std::int32_t FrameRun::FrameAt(std::int64_t begin) const {
   return static_cast<std::int32_t>(WrapAdd(first_, begin));
 }
@@ -89,7 +93,7 @@ bool FrameRun::ReadBlock(std::int64_t begin, std::int64_t frames, float* values)
   if (place != file_.position) return ReadBytes(place, frames, values);
   const std::int64_t stood = ftello(file_.stream.get());
   if (!ReadBytes(stood, frames, values)) return false;
-  fseeko(file_.stream.get(), stood + static_cast<std::int64_t>(bytes_.size()), SEEK_SET);
+  file_.SeekTo(stood + static_cast<std::int64_t>(bytes_.size()));
   return true;
 }
 
@@ -98,7 +102,6 @@ bool FrameRun::ReadBytes(std::int64_t place, std::int64_t frames, float* values)
   const auto samples = static_cast<std::size_t>(frames * channels_);
   const auto sampleBytes = static_cast<std::size_t>(sampleBytes_);
   bytes_.resize(samples * sampleBytes);
-  errno = 0;
   const std::size_t got = ReadAt(file_.stream.get(), place, bytes_.data(), bytes_.size());
   if (got < bytes_.size() && errno != 0) return false;
   std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(got), bytes_.end(), kPastTheEnd);
@@ -144,7 +147,7 @@ void FrameRun::ReadAlone(std::int64_t begin, std::int64_t frames, float* values)
 }
 
 void FrameRun::LeaveStreamAfter(std::int64_t frame) {
-  fseeko(file_.stream.get(), PlaceOf(frame) + file_.format.blockAlign, SEEK_SET);
+  file_.SeekTo(PlaceOf(frame) + file_.format.blockAlign);
 }
 
 std::int64_t FrameRun::CountBeforeStale(const FrameRun& other, std::int64_t begin,

@@ -20,8 +20,11 @@ class FrameRun {
   /// @param channels that are wanted of each frame; those that the file lacks are silent
   FrameRun(AES31BWF& file, std::int64_t first, std::uint32_t channels);
 
+  /// Takes the memory that reading so many frames at once needs, so that none lacks later.
+  void Reserve(std::int64_t frames);
+
   /// Reads frames of the run, counted from its first one, into `values`, channel by channel. The
-  /// file's stream has to be open.
+  /// file's stream has to be open. What could not be read the file's TakeReadError tells.
   void Read(std::int64_t begin, std::int64_t frames, float* values);
 
   /// The same for two runs, whose samples are read in turns, this run's before the other's. Where

@@ -26,11 +26,10 @@ void KeptStreams::Open(AES31BWF& file) {
   if (const Place known = Find(file); known != kept_.end()) {
     Kept kept = std::move(*known);
     kept_.erase(known);
-    if (kept.stream != nullptr && CurrentStamp(file.path) == kept.stamp) {
-      // A seek would be a call to the system even to where the stream stands.
-      if (ftello(kept.stream.get()) != file.dataOffset) {
-        fseeko(kept.stream.get(), file.dataOffset, SEEK_SET);
-      }
+    // A seek would be a call to the system even to where the stream stands.
+    if (kept.stream != nullptr && CurrentStamp(file.path) == kept.stamp &&
+        (ftello(kept.stream.get()) == file.dataOffset ||
+         fseeko(kept.stream.get(), file.dataOffset, SEEK_SET) == 0)) {
       file.stream = std::move(kept.stream);
       file.position = file.dataOffset;
       kept_.push_back(std::move(kept));

@@ -23,6 +23,8 @@ class OutputFile {
 
   /// Says that the created file stays, even one that comes out short.
   virtual void Keep() {}
+  /// Takes that back: nobody wants the file any more.
+  virtual void Discard() {}
 
  protected:
   explicit OutputFile(std::string path) : path_(std::move(path)) {}

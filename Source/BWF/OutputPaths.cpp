@@ -23,7 +23,7 @@ NewFile::NewFile(std::string base, std::string extension, NameSeries& series)
       series_(series) {}
 
 NewFile::~NewFile() {
-  if (created_) RemoveFile(path_.c_str());
+  if (created_ && !kept_) RemoveFile(path_.c_str());
 }
 
 void NewFile::GoTo(std::uint64_t number) {
@@ -95,8 +95,11 @@ FileStream NewFile::Create() {
 }
 
 void NewFile::Keep() {
-  if (created_) series_.made = true;
-  created_ = false;
+  if (created_) series_.made = kept_ = true;
+}
+
+void NewFile::Discard() {
+  kept_ = false;
 }
 
 NewFile OutputNames::New(const std::string& source, const char* folder, const char* suffix) {

@@ -32,6 +32,8 @@ class NewFile : public OutputFile {
   [[nodiscard]] const std::string& Path() override;
   [[nodiscard]] FileStream Create() override;
   void Keep() override;
+  /// The file goes with this object.
+  void Discard() override;
 
  private:
   friend class OutputNames;
@@ -48,8 +50,9 @@ class NewFile : public OutputFile {
   std::string base_;
   std::string extension_;
   NameSeries& series_;
-  bool named_ = false;    ///< the name has been looked up, or taken
-  bool created_ = false;  ///< and not kept yet
+  bool named_ = false;  ///< the name has been looked up, or taken
+  bool created_ = false;
+  bool kept_ = false;
 };
 
 /// Finds free names for the files of one run. It remembers where each series of numbers stood, so

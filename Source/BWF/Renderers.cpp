@@ -1,11 +1,13 @@
 #include "BWF/Renderers.h"
 
 #include <algorithm>
-#include <limits>
+#include <new>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "BWF/FrameRun.h"
+#include "Base/SystemLog.h"
 
 namespace velmora {
 namespace {
@@ -32,8 +34,11 @@ class ClosingSource {
   /// False if frames are wanted and the file has gone since the project was loaded. An open one
   /// keeps its position.
   bool OpenFor(std::int64_t frames) {
+    static_cast<void>(file_.TakeReadError());  // of an earlier piece
     if (file_.stream == nullptr && frames > 0) Open();
-    return file_.stream != nullptr || frames <= 0;
+    if (file_.stream != nullptr || frames <= 0) return true;
+    file_.LogTakenReadError();
+    return false;
   }
 
  private:
@@ -49,21 +54,63 @@ class ClosingSource {
   KeptStreams* kept_;
 };
 
-/// A new file in the format of `model`; null if it cannot be created, or if a length from the
-/// project is too long for a wave file that can be read back: it would fill a disk with silence.
+/// Bytes of a frame. A sample is written in whole ones. At least one is counted even where a depth
+/// of 0 writes none, or such a file could have any length.
+std::int64_t FrameBytes(AES31BWF& file) {
+  return std::int64_t{std::max((file.GetBitsPerSample() + 7) / 8, 1U)} *
+         std::max(file.GetChannels(), 1U);
+}
+
+/// A new file in the format of `model`; null if it cannot be created, or if it would be too long
+/// for a wave file that can be read back.
 std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, OutputFile& file, std::int64_t frames) {
-  constexpr std::int64_t kLargestDataBytes = std::numeric_limits<std::int32_t>::max();
-  // A sample is written in whole bytes. At least one is counted even where a depth of 0 writes
-  // none, or such a file could have any length, and the loop over its frames take as long.
-  const std::int64_t sampleBytes = std::max((model.GetBitsPerSample() + 7) / 8, 1U);
-  const std::int64_t frameBytes = sampleBytes * std::max(model.GetChannels(), 1U);
-  if (frames > kLargestDataBytes / frameBytes) return nullptr;
+  if (frames > kMostAudioBytes / FrameBytes(model)) return nullptr;
   auto target = std::make_unique<AES31BWF>(file, model.GetSampleRate(), model.GetChannels(),
                                            static_cast<std::int32_t>(model.GetBitsPerSample()),
                                            static_cast<std::int32_t>(frames));
   if (!target->IsValid()) return nullptr;
   file.Keep();
   return target;
+}
+
+/// The file of a piece of so many frames. A length from the project that goes far beyond its
+/// sources, the longest of which has `sourceFrames`, is refused, and the log is told.
+std::unique_ptr<AES31BWF> CreatePiece(AES31BWF& model, OutputFile& file, std::int64_t length,
+                                      std::int32_t sourceFrames) {
+  constexpr std::int64_t kMostSilentBytes = std::int64_t{64} << 20;
+  const std::int64_t frameBytes = FrameBytes(model);
+  const std::int64_t most = std::int64_t{std::max(sourceFrames, 0)} + kMostSilentBytes / frameBytes;
+  if (length > most || length > kMostAudioBytes / frameBytes) {
+    SystemLog(file.Path() + ": not made, for " + std::to_string(length) +
+              " samples are too long for a fade of " + model.GetPath());
+    return nullptr;
+  }
+  return CreateLike(model, file, length);
+}
+
+/// Asks whether to stop, now and then: a piece of common length is made in the meantime.
+class StopPoll {
+ public:
+  explicit StopPoll(const RenderAids& aids) : aids_(aids) {}
+
+  /// True if the piece is to be left, now that so many samples more of it are made.
+  [[nodiscard]] bool StopsAfter(std::size_t samples) {
+    constexpr std::size_t kSamplesBetween = std::size_t{1} << 19;  // 11 s of one channel
+    made_ += samples;
+    if (made_ < kSamplesBetween) return false;
+    made_ = 0;
+    return aids_.isStopped && aids_.isStopped();
+  }
+
+ private:
+  const RenderAids& aids_;
+  std::size_t made_ = 0;
+};
+
+/// A depth of 0, which sources that are no PCM have, has no bytes for a sample: the file is its
+/// header.
+bool WritesNothing(const AES31BWF& target) {
+  return target.format.bitsPerSample == 0;
 }
 
 /// A piece is rendered in blocks of so many frames.
@@ -104,15 +151,17 @@ void MultiplyByLine(float* values, std::uint32_t given, std::int64_t frames, dou
 }
 
 std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int64_t length,
-                                    bool rising, std::int64_t first, KeptStreams* kept) {
-  ClosingSource closing(source, kept);
+                                    bool rising, std::int64_t first, const RenderAids& aids) {
+  ClosingSource closing(source, aids.kept);
   if (!closing.OpenFor(length)) return nullptr;
   const std::uint32_t channels = source.GetChannels();
   const std::int64_t blockFrames = BlockFrames(length, channels);
   std::vector<float> values = Block(blockFrames, channels);
   FrameRun run(source, first, channels);
-  std::unique_ptr<AES31BWF> target = CreateLike(source, file, length);
-  if (target == nullptr) return nullptr;
+  run.Reserve(blockFrames);
+  std::unique_ptr<AES31BWF> target = CreatePiece(source, file, length, source.GetFrames());
+  if (target == nullptr || WritesNothing(*target)) return target;
+  StopPoll poll(aids);
   const double step = 1.0 / static_cast<double>(length);
   const auto multiply = channels == 1   ? MultiplyByLine<1>
                         : channels == 2 ? MultiplyByLine<2>
@@ -122,16 +171,22 @@ std::unique_ptr<AES31BWF> WriteFade(OutputFile& file, AES31BWF& source, std::int
     run.Read(begin, frames, values.data());
     const auto origin = static_cast<double>(rising ? begin : length - begin);
     multiply(values.data(), channels, frames, origin, rising ? 1.0 : -1.0, step);
-    target->WriteSamples(values.data(), static_cast<std::size_t>(frames) * channels);
+    const std::size_t samples = static_cast<std::size_t>(frames) * channels;
+    target->WriteSamples(values.data(), samples);
+    if (source.LogTakenReadError()) return nullptr;
+    if (poll.StopsAfter(samples)) {
+      file.Discard();
+      return nullptr;
+    }
   }
   return target;
 }
 
 std::unique_ptr<AES31BWF> WriteCrossfade(OutputFile& file, AES31BWF& outgoing, AES31BWF& incoming,
                                          std::int64_t firstOutgoing, std::int64_t firstIncoming,
-                                         std::int64_t length, KeptStreams* kept) {
-  ClosingSource closingIncoming(incoming, kept);  // closed last
-  ClosingSource closingOutgoing(outgoing, kept);
+                                         std::int64_t length, const RenderAids& aids) {
+  ClosingSource closingIncoming(incoming, aids.kept);  // closed last
+  ClosingSource closingOutgoing(outgoing, aids.kept);
   if (!closingOutgoing.OpenFor(length) || !closingIncoming.OpenFor(length)) return nullptr;
   const std::uint32_t channels = outgoing.GetChannels();
   const std::int64_t blockFrames = BlockFrames(length, channels);
@@ -139,8 +194,12 @@ std::unique_ptr<AES31BWF> WriteCrossfade(OutputFile& file, AES31BWF& outgoing, A
   std::vector<float> inValues = Block(blockFrames, channels);
   FrameRun out(outgoing, firstOutgoing, channels);
   FrameRun in(incoming, firstIncoming, channels);
-  std::unique_ptr<AES31BWF> target = CreateLike(outgoing, file, length);
-  if (target == nullptr) return nullptr;
+  out.Reserve(blockFrames);
+  in.Reserve(blockFrames);
+  const std::int32_t longest = std::max(outgoing.GetFrames(), incoming.GetFrames());
+  std::unique_ptr<AES31BWF> target = CreatePiece(outgoing, file, length, longest);
+  if (target == nullptr || WritesNothing(*target)) return target;
+  StopPoll poll(aids);
   const double step = 1.0 / static_cast<double>(length);
   for (std::int64_t begin = 0; begin < length && !target->WriteFailed(); begin += blockFrames) {
     const std::int64_t frames = std::min(blockFrames, length - begin);
@@ -155,24 +214,47 @@ std::unique_ptr<AES31BWF> WriteCrossfade(OutputFile& file, AES31BWF& outgoing, A
       }
     }
     target->WriteSamples(outValues.data(), at);
+    const bool outFailed = outgoing.LogTakenReadError();
+    if (incoming.LogTakenReadError() || outFailed) return nullptr;
+    if (poll.StopsAfter(at)) {
+      file.Discard();
+      return nullptr;
+    }
   }
   return target;
+}
+
+std::unique_ptr<AES31BWF> WriteScaled(OutputFile& file, AES31BWF& source, double factor) {
+  const ClosingSource closing(source);
+  source.OpenAtData();
+  if (source.stream == nullptr) {
+    source.LogTakenReadError();
+    return nullptr;
+  }
+  std::unique_ptr<AES31BWF> target = CreateLike(source, file, source.GetFrames());
+  if (target == nullptr) return nullptr;
+  target->DisableCache();
+  source.DisableCache();
+  const std::int32_t status = source.ConvertInto(target.get(), true, factor);
+  target = Finish(std::move(target));
+  return status == 0 ? std::move(target) : nullptr;
+}
+
+/// What `make` gives; null if memory lacks: one piece is lost by that, and not the whole run.
+template <class Make>
+std::unique_ptr<AES31BWF> NullWithoutMemory(Make make) {
+  try {
+    return make();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 }  // namespace
 
 std::unique_ptr<AES31BWF> RenderScaledInto(OutputFile& file, AES31BWF* source, double factor) {
   if (!IsWave(source)) return nullptr;
-  const ClosingSource closing(*source);
-  source->OpenAtData();
-  if (source->stream == nullptr) return nullptr;
-  std::unique_ptr<AES31BWF> target = CreateLike(*source, file, source->GetFrames());
-  if (target == nullptr) return nullptr;
-  target->DisableCache();
-  source->DisableCache();
-  const std::int32_t status = source->ConvertInto(target.get(), true, factor);
-  target = Finish(std::move(target));
-  return status == 0 ? std::move(target) : nullptr;
+  return NullWithoutMemory([&] { return WriteScaled(file, *source, factor); });
 }
 
 std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, double factor) {
@@ -181,32 +263,34 @@ std::unique_ptr<AES31BWF> RenderScaledFile(const char* path, AES31BWF* source, d
 }
 
 std::unique_ptr<AES31BWF> RenderFadeInto(OutputFile& file, AES31BWF* source, std::int64_t length,
-                                         bool rising, std::int64_t first, KeptStreams* kept) {
+                                         bool rising, std::int64_t first, const RenderAids& aids) {
   if (!IsWave(source)) return nullptr;
-  return Finish(WriteFade(file, *source, length, rising, first, kept));
+  return NullWithoutMemory(
+      [&] { return Finish(WriteFade(file, *source, length, rising, first, aids)); });
 }
 
 std::unique_ptr<AES31BWF> RenderFadeFile(const char* path, AES31BWF* source, std::int64_t length,
                                          bool rising, std::int64_t first) {
   NamedFile file(path);
-  return RenderFadeInto(file, source, length, rising, first, nullptr);
+  return RenderFadeInto(file, source, length, rising, first, {});
 }
 
 std::unique_ptr<AES31BWF> RenderCrossfadeInto(OutputFile& file, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
                                               std::int64_t firstIncoming, std::int64_t length,
-                                              KeptStreams* kept) {
+                                              const RenderAids& aids) {
   if (!IsWave(outgoing) || !IsWave(incoming)) return nullptr;
-  return Finish(
-      WriteCrossfade(file, *outgoing, *incoming, firstOutgoing, firstIncoming, length, kept));
+  return NullWithoutMemory([&] {
+    return Finish(
+        WriteCrossfade(file, *outgoing, *incoming, firstOutgoing, firstIncoming, length, aids));
+  });
 }
 
 std::unique_ptr<AES31BWF> RenderCrossfadeFile(const char* path, AES31BWF* outgoing,
                                               AES31BWF* incoming, std::int64_t firstOutgoing,
                                               std::int64_t firstIncoming, std::int64_t length) {
   NamedFile file(path);
-  return RenderCrossfadeInto(file, outgoing, incoming, firstOutgoing, firstIncoming, length,
-                             nullptr);
+  return RenderCrossfadeInto(file, outgoing, incoming, firstOutgoing, firstIncoming, length, {});
 }
 
 }  // namespace velmora

@@ -60,6 +60,7 @@ std::size_t ReadSomeAt(std::FILE* stream, std::int64_t place, void* bytes, std::
   do {
     got = pread(fileno(stream), bytes, count, place);
   } while (got < 0 && errno == EINTR);
+  if (got >= 0) errno = 0;
   return got > 0 ? static_cast<std::size_t>(got) : 0;
 }
 
@@ -112,6 +113,10 @@ bool OpensForReading(const char* path) {
   struct stat facts {};
   if (stat(path, &facts) != 0 || S_ISSOCK(facts.st_mode)) return false;
   return faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0;
+}
+
+void LogReadError(const char* path, int error) {
+  SystemLog(std::string(path) + ": cannot be read: " + std::strerror(error));
 }
 
 void LogWriteError(const char* path, int error) {

@@ -22,12 +22,13 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 /// Reads from a place in an open file by one call to the system, past the stream: neither its
 /// buffer nor its position is touched.
 /// @return the bytes read; fewer than `count` mostly mean the end of the file, 0 means it for sure,
-///         or an error
+///         or an error: then errno tells it, and is 0 otherwise
 [[nodiscard]] std::size_t ReadSomeAt(std::FILE* stream, std::int64_t place, void* bytes,
                                      std::size_t count);
 
 /// The same, but goes on until all is read.
-/// @return the bytes read; fewer than `count` at the end of the file and after an error
+/// @return the bytes read; fewer than `count` at the end of the file, where errno is 0, and after
+///         an error, which errno tells
 [[nodiscard]] std::size_t ReadAt(std::FILE* stream, std::int64_t place, void* bytes,
                                  std::size_t count);
 
@@ -53,6 +54,9 @@ enum class NameState {
 
 /// True for whatever would open for reading, a folder too. Opens nothing, so it never blocks.
 [[nodiscard]] bool OpensForReading(const char* path);
+
+/// Tells the system log that a file could not be read; `error` is the errno of the failed read.
+void LogReadError(const char* path, int error);
 
 /// Tells the system log that a file came out short; `error` is the errno of the failed write.
 void LogWriteError(const char* path, int error);

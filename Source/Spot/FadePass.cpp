@@ -19,6 +19,7 @@ bool SpotPasses::FadePass() {
     const AES31Event* const event = LiveEvent(i);
     if (event == nullptr) continue;
     MakeFades(i, previous, *event);
+    if (stopped_) return false;
     previous = event;
   }
   return true;
@@ -33,7 +34,11 @@ void SpotPasses::MakeFades(std::int32_t index, const AES31Event* previous,
   } else if (event.infade.present) {
     MakeFadeIn(index, event);
   }
-  if (event.outfade.present) MakeFadeOut(index, event);
+  if (event.outfade.present && !stopped_) MakeFadeOut(index, event);
+}
+
+RenderAids SpotPasses::Aids() {
+  return {&kept_, [this] { return stopped_ = observer_.Aborted(); }};
 }
 
 void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {
@@ -41,7 +46,7 @@ void SpotPasses::MakeFadeIn(std::int32_t index, const AES31Event& event) {
   NewFile target = DerivedFile(event, "_FadeIn");
   const std::int64_t length = AdlToSamples(event.infade.length);
   std::unique_ptr<AES31BWF> file =
-      RenderFadeInto(target, event.sourceFile, length, true, FirstSample(event), &kept_);
+      RenderFadeInto(target, event.sourceFile, length, true, FirstSample(event), Aids());
   SpotPiece(index, event, RegionPiece::FadeIn, std::move(file), target.Path(),
             AdlToSamples(event.cut.destIn), length);
 }
@@ -53,7 +58,7 @@ void SpotPasses::MakeCrossfade(std::int32_t index, const AES31Event& previous,
   const std::int64_t length = AdlToSamples(event.infade.length);
   std::unique_ptr<AES31BWF> file =
       RenderCrossfadeInto(target, previous.sourceFile, event.sourceFile,
-                          FirstSampleOfTail(previous, length), FirstSample(event), length, &kept_);
+                          FirstSampleOfTail(previous, length), FirstSample(event), length, Aids());
   SpotPiece(index, event, RegionPiece::Crossfade, std::move(file), target.Path(),
             AdlToSamples(event.cut.destIn), length);
 }
@@ -63,7 +68,7 @@ void SpotPasses::MakeFadeOut(std::int32_t index, const AES31Event& event) {
   NewFile target = DerivedFile(event, "_FadeOut");
   const std::int64_t length = AdlToSamples(event.outfade.length);
   std::unique_ptr<AES31BWF> file = RenderFadeInto(target, event.sourceFile, length, false,
-                                                  FirstSampleOfTail(event, length), &kept_);
+                                                  FirstSampleOfTail(event, length), Aids());
   SpotPiece(index, event, RegionPiece::FadeOut, std::move(file), target.Path(),
             WrapSubtract(AdlToSamples(event.cut.destOut), length), length);
 }
@@ -71,6 +76,7 @@ void SpotPasses::MakeFadeOut(std::int32_t index, const AES31Event& event) {
 void SpotPasses::SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,
                            std::unique_ptr<AES31BWF> file, const std::string& path,
                            std::int64_t position, std::int64_t length) {
+  if (stopped_) return;
   observer_.FileMade(FilePass::Fade, index, path, file != nullptr ? CopyDone : CopyFailed);
   if (file == nullptr) return;
   file.reset();

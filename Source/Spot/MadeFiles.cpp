@@ -30,7 +30,7 @@ std::optional<std::int32_t> MadeFiles::CopyOf(const Recipe& recipe, OutputFile& 
   FileStream target = file.Create();
   if (target == nullptr) return CopyTargetNotCreated;
   const auto bytes = static_cast<std::uint64_t>(made.stamp.size);
-  const bool copied = CopyStream(first.get(), std::move(target), bytes, file);
+  const bool copied = CopyStream(first.get(), made.path.c_str(), std::move(target), bytes, file);
   // Somebody may have written to the first one meanwhile.
   return copied && CurrentStamp(made.path) == made.stamp ? CopyDone : CopyFailed;
 }

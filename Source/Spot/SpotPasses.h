@@ -7,6 +7,7 @@
 
 #include "BWF/KeptStreams.h"
 #include "BWF/OutputPaths.h"
+#include "BWF/Renderers.h"
 #include "Spot/MadeFiles.h"
 #include "Spot/RegionSpotter.h"
 #include "Spot/SpotWorker.h"
@@ -50,11 +51,14 @@ class SpotPasses {
   std::optional<std::int32_t> SpotMainRegion(std::int32_t index, const AES31Event& event,
                                              std::int32_t attempt);
 
+  /// Lets a long piece be left in the middle, which sets `stopped_`.
+  RenderAids Aids();
   void MakeFades(std::int32_t index, const AES31Event* previous, const AES31Event& event);
   void MakeFadeIn(std::int32_t index, const AES31Event& event);
   void MakeCrossfade(std::int32_t index, const AES31Event& previous, const AES31Event& event);
   void MakeFadeOut(std::int32_t index, const AES31Event& event);
-  /// Sends a rendered piece of `length` samples; `file` is null if it could not be made.
+  /// Sends a rendered piece of `length` samples; `file` is null if it could not be made. One that
+  /// was left in the middle is not told: its file is gone.
   void SpotPiece(std::int32_t index, const AES31Event& event, RegionPiece piece,
                  std::unique_ptr<AES31BWF> file, const std::string& path, std::int64_t position,
                  std::int64_t length);
@@ -72,6 +76,7 @@ class SpotPasses {
   MadeFiles made_;
   KeptStreams kept_;  ///< of the sources that fades are made of
   std::int32_t progress_ = 0;
+  bool stopped_ = false;  ///< by an abort in the middle of an event
 };
 
 }  // namespace velmora

@@ -42,7 +42,7 @@ class SpotEvents {
 /// What a run tells. All calls come from the worker's thread.
 class SpotObserver : public SpotEvents {
  public:
-  virtual bool Aborted() = 0;                      ///< polled once an event, in most passes
+  virtual bool Aborted() = 0;  ///< polled once an event in most passes, and in long pieces
   virtual void Report(std::int32_t progress) = 0;  ///< steps done, or -1 at the end
   virtual void Log(const std::string& line) = 0;   ///< for the system log, without a line feed
 };

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "Base/FileAccess.h"
 #include "Support/SystemConditions.h"
@@ -32,7 +33,7 @@ class StreamCopyTest : public testing::Test {
     return bytes;
   }
   bool Copy(std::FILE* from, std::uint64_t count) {
-    return CopyStream(from, file.Create(), count, file);
+    return CopyStream(from, "source", file.Create(), count, file);
   }
 
   TemporaryFolder folder;
@@ -75,14 +76,15 @@ TEST_F(StreamCopyTest, sourceThatCannotBeReadFailsAndKeepsNothing) {
   const FileStream source(std::fopen(path.c_str(), "ab"));
   EXPECT_FALSE(Copy(source.get(), 4));
   EXPECT_FALSE(file.kept);
-  EXPECT_TRUE(log.lines.empty());
+  EXPECT_EQ(log.lines, std::vector<std::string>{std::string("source: cannot be read: ") +
+                                                std::strerror(EBADF)});
 }
 
 TEST_F(StreamCopyTest, fullDiskFailsAndIsLoggedOnce) {
   const std::string full = FullDisk(folder);
   NotedFile device(full.c_str());
   const FileStream source = OpenRegularFile(folder.Write("source", Noise(5000)).c_str());
-  EXPECT_FALSE(CopyStream(source.get(), device.Create(), 5000, device));
+  EXPECT_FALSE(CopyStream(source.get(), "source", device.Create(), 5000, device));
   ASSERT_EQ(log.lines.size(), 1U);
   EXPECT_NE(log.lines[0].find(std::strerror(ENOSPC)), std::string::npos);
 }

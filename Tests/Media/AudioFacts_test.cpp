@@ -274,6 +274,30 @@ TEST(AudioFacts, withoutBextThereIsNoTimeReference) {
   EXPECT_EQ(read.facts->originatorReference, "");
 }
 
+/// The bytes after a chunk that is too short are another's, and a text without an end has its
+/// field's.
+TEST(AudioFacts, broadcastFieldsEndWithTheirChunkAndWithThemselves) {
+  const TemporaryFolder folder;
+  const std::string body =
+      test::BextBody({.reference = std::string(40, 'R'), .timeLow = 7, .history = ""});
+  constexpr std::size_t kThroughTheTime = 346;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{2}, std::size_t{288}, std::size_t{320},
+                                 kThroughTheTime - 2, kThroughTheTime}) {
+    SCOPED_TRACE(size);
+    const std::string bytes = WaveBytes()
+                                  .Chunk("bext", body.substr(0, size))
+                                  .Chunk("junk", std::string(700, 'J'))
+                                  .Format({})
+                                  .Data(kFour)
+                                  .Bytes();
+    const FactsOrTrouble read = ReadFacts(folder.Write("x.wav", bytes));
+    ASSERT_TRUE(read.facts);
+    const bool whole = size == kThroughTheTime;
+    EXPECT_EQ(read.facts->originatorReference, whole ? std::string(32, 'R') : "");
+    EXPECT_EQ(read.facts->timeReference.has_value(), whole);
+  }
+}
+
 TEST(AudioFacts, aTimeReferenceThatNothingReachesIsTheLastOne) {
   const TemporaryFolder folder;
   const FactsOrTrouble read =

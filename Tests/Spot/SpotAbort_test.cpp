@@ -11,6 +11,8 @@ namespace velmora {
 namespace {
 
 using test::Journal;
+using test::ProjectBuilder;
+using test::Stamp;
 
 /// The abort at each poll: the journal is the full run's up to that poll.
 class AbortTest : public test::SpotWorkerTest {
@@ -74,6 +76,41 @@ TEST_F(AbortTest, leavesFilesAndRenderedFiles) {
   EXPECT_EQ(FilesMade({"take.wav"}), (std::vector<std::string>{"take_Gain.wav"}));
   ASSERT_NE(project->events[0].renderedFile, nullptr);
   EXPECT_EQ(project->events[0].renderedFile->GetPath(), folder.Path("take_Gain.wav"));
+}
+
+TEST_F(AbortTest, leavesALongFadeInTheMiddleAndDiscardsIt) {
+  constexpr std::uint32_t kFrames = 16U << 20;  // of silence that the disk does not hold
+  folder.Write("long.wav", test::WaveBytes()
+                               .Format({.bits = 16})
+                               .Claim("data", kFrames * 2)
+                               .RiffSize(kFrames * 2 + 36)
+                               .Bytes());
+  std::filesystem::resize_file(folder.Path("long.wav"), 44 + kFrames * 2);
+  Load(ProjectBuilder()
+           .Source(1, "long.wav")
+           .Cut({.destIn = Stamp(0),
+                 .destOut = Stamp(kFrames),
+                 .infade = test::FadeLength(2'000'000),
+                 .outfade = test::FadeLength(2'000'000)}));
+  options.doFades = 1;
+  const std::vector<std::string> sources = {"long.wav"};
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(FilesMade(sources), (std::vector<std::string>{"long_FadeIn.wav", "long_FadeOut.wav"}));
+  const int polls = observer.polls;
+  EXPECT_EQ(polls, 3 + 2 * 3) << "one for each pass with a check, and each half million samples";
+
+  for (observer.abortAtPoll = 4; observer.abortAtPoll <= polls; ++observer.abortAtPoll) {
+    SCOPED_TRACE(observer.abortAtPoll);
+    for (const char* const name : {"long_FadeIn.wav", "long_FadeOut.wav"}) {
+      std::filesystem::remove(folder.Path(name));
+    }
+    EXPECT_FALSE(Run());
+    const bool inFirst = observer.abortAtPoll <= 6;
+    EXPECT_EQ(FilesMade(sources),
+              inFirst ? std::vector<std::string>{} : std::vector<std::string>{"long_FadeIn.wav"});
+    EXPECT_EQ(observer.files.size(), inFirst ? 0U : 1U);
+    EXPECT_EQ(journal.back(), "poll");
+  }
 }
 
 TEST_F(AbortTest, nextRunStartsAnew) {
