@@ -64,7 +64,7 @@ class Preparation {
   Prepared Run() {
     if (checked_.verdict == check::Verdict::Unreadable || checked_.project == nullptr ||
         !checked_.project->isAdl) {
-      prepared_ = Stop(Outcome::NotAnAdl, checked_.path + " is no ADL");
+      prepared_ = Stop(Outcome::NotAnAdl, checked_.path + " is no ADL" + Cause());
       prepared_.left = checked_.findings;
       return std::move(prepared_);
     }
@@ -84,6 +84,11 @@ class Preparation {
   }
 
  private:
+  /// Why nothing could be read of the project, where something is known of that.
+  [[nodiscard]] std::string Cause() const {
+    return checked_.findings.empty() ? "" : ": " + checked_.findings.front().text;
+  }
+
   // Of the whole, as far as a person notices: the audio takes the time.
   static constexpr double kShareOfAudio = 0.95;
 

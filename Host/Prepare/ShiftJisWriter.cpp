@@ -3,7 +3,10 @@
 #include <iconv.h>
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
+#include <mutex>
+#include <new>
 #include <unordered_map>
 
 #include "ADL/ShiftJis.h"
@@ -15,7 +18,9 @@ namespace {
 /// The C library's converter, which a machine may lack.
 class Encoder {
  public:
-  Encoder() : descriptor_(iconv_open("SHIFT_JISX0213", "UTF-8")) {}
+  Encoder() : descriptor_(iconv_open("SHIFT_JISX0213", "UTF-8")) {
+    if (!IsOpen() && errno == ENOMEM) throw std::bad_alloc();  // the next call may have more luck
+  }
   ~Encoder() {
     if (IsOpen()) iconv_close(descriptor_);
   }
@@ -24,9 +29,9 @@ class Encoder {
 
   /// The bytes of one character, empty if there are none that are read back as it.
   const std::string& Encode(char32_t character) {
-    const auto [known, isNew] = known_.try_emplace(character);
-    if (isNew) known->second = Convert(character);
-    return known->second;
+    const auto known = known_.find(character);
+    if (known != known_.end()) return known->second;
+    return known_.emplace(character, Convert(character)).first->second;
   }
 
  private:
@@ -82,7 +87,10 @@ bool IsControl(char32_t character) {
 
 ShiftJisText ToShiftJis(std::string_view utf8, char standIn) {
   ShiftJisText text;
-  thread_local Encoder encoder;
+  // One for all threads: where memory lacks, the C library ends a program that wants one for each.
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  static Encoder encoder;
   for (std::size_t at = 0; at < utf8.size();) {
     char32_t character = NextCharacter(utf8, at);
     if (at < utf8.size() && character >= 0x3041 && character <= 0x30FF) {

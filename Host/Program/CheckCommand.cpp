@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <map>
 #include <mutex>
@@ -60,7 +61,12 @@ class CheckPool {
     const std::size_t most = std::max<std::size_t>(paths.size(), 1);
     const std::size_t jobs = std::clamp<std::size_t>(Jobs(arguments), 1, most);
     window_ = jobs * kAheadForEachJob;
-    for (std::size_t i = 0; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
+    threads_.reserve(jobs);
+    try {
+      while (threads_.size() < jobs) threads_.emplace_back([this] { Work(); });
+    } catch (const std::exception&) {
+      // No memory or no further thread: those there are do the work, and without any Next does it.
+    }
   }
   ~CheckPool() {
     Stop();
@@ -69,11 +75,14 @@ class CheckPool {
   CheckPool(const CheckPool&) = delete;
   CheckPool& operator=(const CheckPool&) = delete;
 
-  /// Waits for the next project of the list. None after the last one, and once interrupted.
+  /// Waits for the next project of the list. None after the last one, and once interrupted. Throws
+  /// std::bad_alloc if a thread met it.
   std::optional<Ready> Next() {
     std::unique_lock lock(mutex_);
     if (told_ == paths_.size()) return std::nullopt;
+    if (threads_.empty()) ready_.emplace(told_, Check(paths_[told_]));
     while (ready_.find(told_) == ready_.end()) {
+      if (trouble_ != nullptr) std::rethrow_exception(trouble_);
       if (Interrupted()) return std::nullopt;
       // Ctrl-C only sets a flag, so this looks up from time to time.
       changed_.wait_for(lock, std::chrono::milliseconds(100));
@@ -109,10 +118,17 @@ class CheckPool {
   }
 
   void Work() {
-    while (const std::optional<std::size_t> i = Claim()) {
-      Ready ready = Check(paths_[*i]);
+    try {
+      while (const std::optional<std::size_t> i = Claim()) {
+        Ready ready = Check(paths_[*i]);
+        const std::lock_guard lock(mutex_);
+        ready_.emplace(*i, std::move(ready));
+        changed_.notify_all();
+      }
+    } catch (...) {  // for Next to throw: an exception that leaves a thread ends the program
       const std::lock_guard lock(mutex_);
-      ready_.emplace(*i, std::move(ready));
+      trouble_ = std::current_exception();
+      stopped_ = true;
       changed_.notify_all();
     }
   }
@@ -161,6 +177,7 @@ class CheckPool {
   std::size_t claimed_ = 0;
   std::size_t told_ = 0;
   bool stopped_ = false;
+  std::exception_ptr trouble_;  ///< what ended a thread
   std::vector<std::thread> threads_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <ostream>
@@ -16,6 +17,7 @@
 #include "Program/FindingsHint.h"
 #include "Program/InfoCommand.h"
 #include "Program/JsonSpotReport.h"
+#include "Program/MemoryTrouble.h"
 #include "Program/PlannedSpot.h"
 #include "Program/SpotPreparation.h"
 #include "Program/SpotTargets.h"
@@ -80,13 +82,24 @@ void TellRemarks(const host::Session& session, const host::SessionHost& host,
                  SpotRecording& recording) {
   for (const host::Remark& remark : host.Remarks()) {
     std::cerr << "velmora: note: region of " << Printable(session.Regions()[remark.region].path)
-              << ": " << remark.text << '\n';
+              << ": " << Printable(remark.text) << '\n';
     recording.Remark(remark);
   }
 }
 
-/// The run itself, told through the report.
-void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
+/// Takes the lines of the system log while it lives.
+class LogReceiver {
+ public:
+  explicit LogReceiver(std::function<void(const std::string&)> receiver) {
+    SetSystemLog(std::move(receiver));
+  }
+  ~LogReceiver() { SetSystemLog(nullptr); }
+  LogReceiver(const LogReceiver&) = delete;
+  LogReceiver& operator=(const LogReceiver&) = delete;
+};
+
+/// The run itself, told through the report. False if memory ended it.
+bool Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions options,
           const SpotArguments& arguments, RegionHost& host, SpotReport& report,
           SpotRecording& recording) {
   const SpotProject project = ProjectOf(model);
@@ -97,21 +110,30 @@ void Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
   }
   for (const std::string& note :
        recording::SpotNotes(project, session, options, arguments.truePosition)) {
-    std::cerr << "velmora: " << note << '\n';
+    std::cerr << "velmora: " << Printable(note) << '\n';
     recording.Message(Kind::Note, note);
   }
   report.Start(options, arguments.plan
                             ? model.numEvents
                             : SpotSteps(model.numEvents, options.doFades, options.doGain));
-  SetSystemLog([&](const std::string& line) {
-    report.FileTrouble(line);
-    recording.Message(Kind::Trouble, line, "See that the folder takes files and has room.");
-  });
-  StopOnInterrupt();
-  const bool finished = arguments.plan ? PlanSpot(project, options, host, report, recording)
-                                       : RunSpot(project, options, host, report);
-  SetSystemLog(nullptr);
+  bool finished = false;
+  {
+    const LogReceiver receiver([&](const std::string& line) {
+      report.FileTrouble(line);
+      recording.Message(Kind::Trouble, line,
+                        "See that the disk is sound and has room, and that the folder takes "
+                        "files.");
+    });
+    StopOnInterrupt();
+    finished = arguments.plan ? PlanSpot(project, options, host, report, recording)
+                              : RunSpot(project, options, host, report);
+  }
   report.End(!finished);
+  if (finished || Interrupted()) return true;
+  TellLackOfMemory();
+  recording.Message(Kind::Trouble, "There was not enough memory to finish the spot.",
+                    "Close other programs, or place fewer events at once with --only-events.");
+  return false;
 }
 
 /// Tells what of the ticked cuts is missing. True if nothing is.
@@ -228,7 +250,7 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTarget
                                               showsBar, out);
   }
   RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
-  Spot(model, rates, options, arguments, receiver, *report, recording);
+  const bool finished = Spot(model, rates, options, arguments, receiver, *report, recording);
 
   TellRemarks(session, *host, recording);
   const bool whole = TellLeftOut(leftOut);
@@ -240,7 +262,7 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTarget
   const bool made = targets.Write({session, heard, rates, record}, arguments.json, showsBar);
   const bool told = StandardOutputHolds();
   if (Interrupted()) return kInterrupted;
-  return whole && made && told ? kAllDone : kLeftOut;
+  return finished && whole && made && told ? kAllDone : kLeftOut;
 }
 
 /// The last line of all, where it is read, and not between the system's own alerts.

@@ -4,14 +4,20 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <string_view>
 #include <variant>
 
+#include "Base/PrintableLine.h"
+#include "Base/StandardError.h"
 #include "Program/CheckCommand.h"
 #include "Program/CommandLine.h"
 #include "Program/ExitStatus.h"
 #include "Program/InfoCommand.h"
+#include "Program/MemoryTrouble.h"
 #include "Program/PrepareCommand.h"
 #include "Program/SpotCommand.h"
+#include "Program/TextTable.h"
 
 namespace {
 
@@ -26,6 +32,14 @@ void HoldStandardDescriptors() {
   if (descriptor >= 0) ::close(descriptor);
 }
 
+/// What a run ends with if something takes it from under the feet of its command.
+int StatusOfTrouble(int argc, char** argv) {
+  using namespace velmora::program;
+  const std::string_view command = argc > 1 ? argv[1] : "";
+  const bool onlyReads = command == "info" || command == "check";
+  return onlyReads ? kDoesNotLoad : kLeftOut;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -33,6 +47,10 @@ int main(int argc, char** argv) {
   HoldStandardDescriptors();
   // A write beyond the limit for files (ulimit -f) then fails like one on a full disk, and is told.
   std::signal(SIGXFSZ, SIG_IGN);
+  const int trouble = StatusOfTrouble(argc, argv);
+  PrepareForLackOfMemory(trouble);
+  // The readers quote labels in the bytes of the file, of which a terminal may obey some.
+  if (isatty(STDERR_FILENO) != 0) velmora::SetStandardErrorFilter(velmora::PrintableLine);
   try {
     const Command command = ReadCommandLine(argc, argv);
     if (const auto* const info = std::get_if<InfoArguments>(&command)) return RunInfo(*info);
@@ -42,8 +60,10 @@ int main(int argc, char** argv) {
       return RunPrepareCommand(*prepare);
     }
     return std::get<int>(command);
+  } catch (const std::bad_alloc&) {
+    TellLackOfMemory();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "velmora: %s\n", error.what());
-    return kDoesNotLoad;
+    std::fprintf(stderr, "velmora: %s\n", Printable(error.what()).c_str());
   }
+  return trouble;
 }
