@@ -12,7 +12,8 @@
 namespace velmora::recording {
 
 /// What the system's alerts do not say, in plain words: both sample rates if they differ, by how
-/// many samples the session's timebase moves everything, and where the first region lands then.
+/// many samples the session's timebase moves everything, and where the first region lands then; and
+/// the cuts that every host refuses, for their tracks lie beyond all that a message can name.
 /// @param truePosition the options take that move back
 [[nodiscard]] std::vector<std::string> SpotNotes(const SpotProject& project,
                                                  const host::SessionRates& session,
