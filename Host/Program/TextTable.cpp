@@ -46,6 +46,7 @@ std::size_t DisplayWidth(std::string_view utf8) {
 }
 
 void TextTable::Add(std::vector<std::string> cells, bool alarming) {
+  cells.resize(columns_.size());
   rows_.push_back({std::move(cells), alarming});
 }
 

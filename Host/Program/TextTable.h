@@ -30,7 +30,8 @@ class TextTable : private TableRows {
   using Column = PrintedColumn;
   explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
-  /// Adds a row of as many cells as there are columns; `alarming` ones are red on a terminal.
+  /// Adds a row; `alarming` ones are red on a terminal. Cells that it lacks are blank, and those
+  /// beyond the last column are not shown.
   void Add(std::vector<std::string> cells, bool alarming = false);
   void Append(CharBuffer& out, bool colours) const;
   void Print(std::ostream& out, bool colours) const;

@@ -142,5 +142,21 @@ TEST(RowPrinter, printsLargeTablesInOrderWithOneWidthForAllRows) {
   EXPECT_EQ(test::TemporaryFolder::Read(path), plain.Print(true));
 }
 
+TEST(TextTable, rowOfOtherLengthThanTheColumnsIsFilledUpOrCut) {
+  TextTable table({{"A"}, {"B"}, {"C", Align::Right}});
+  table.Add({});
+  table.Add({"one"});
+  table.Add({"two", "cells"}, true);
+  table.Add({"of", "four", "cells", "one is not shown"});
+  CharBuffer text;
+  table.Append(text, false);
+  EXPECT_EQ(text.Text(),
+            "  A    B          C\n"
+            "\n"
+            "  one\n"
+            "  two  cells\n"
+            "  of   four   cells\n");
+}
+
 }  // namespace
 }  // namespace velmora::program
