@@ -81,6 +81,13 @@ def kinds_of_holders(outside):
     }
 
 
+def remove(path):
+    if path.is_dir() and not path.is_symlink():
+        path.rmdir()
+    else:
+        path.unlink()
+
+
 def give_away(folder):
     """Lets somebody who is not root own everything below a folder."""
     if os.geteuid() == 0:

@@ -88,10 +88,11 @@ def limit_memory():
 
 
 def limit_file_size(limit):
-    """Files that pass the limit fail to be written, as on a full disk."""
+    """Files that pass the limit fail to be written, as on a full disk. The signal that comes with it ends a program
+    that does not ignore it."""
 
     def apply():
-        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
         resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
 
     return apply

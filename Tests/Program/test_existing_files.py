@@ -8,7 +8,7 @@ import unittest
 from collections import Counter
 
 from failing import SHIM, Counts, variables
-from holding import BESIDE, COPIED, MADE, Spot, as_somebody, give_away, kinds_of_holders, picture, placed
+from holding import (BESIDE, COPIED, MADE, Spot, as_somebody, give_away, kinds_of_holders, picture, placed, remove)
 from program import ALL_DONE, BAD_USAGE, LEFT_OUT, environment, start
 
 
@@ -36,12 +36,37 @@ class HeldNames(Spot):
         self.assertFalse(self.outside.with_name("nowhere").exists())
 
     def test_beside_the_sources_too(self):
-        for name in BESIDE:
-            (self.adl.parent / name).symlink_to("nowhere")
-        before = picture(self.folder)
-        self.assert_status(self.spot("--depth", "24", into=None), ALL_DONE)
-        self.assertEqual(len(self.assert_kept(before, "beside")), MADE)
-        self.assertFalse((self.adl.parent / "nowhere").exists())
+        """Each run finds the names of the one before held in yet another form."""
+        for number, (kind, hold) in enumerate(kinds_of_holders(self.outside).items()):
+            with self.subTest(kind):
+                for name in BESIDE:
+                    hold(self.adl.parent / name)
+                before = picture(self.folder)
+                self.assert_status(self.spot("--depth", "24", into=None), ALL_DONE)
+                made = self.assert_kept(before, kind)
+                self.assertEqual(len(made), MADE, number)
+                for name in [*made, *(f"project/{name}" for name in BESIDE)]:
+                    remove(self.folder / name)
+        self.assertFalse(self.outside.with_name("nowhere").exists())
+
+    def test_the_folder_for_copies_itself(self):
+        """A folder is used, through a link too; nothing else is touched or made into one."""
+        for kind, hold in kinds_of_holders(self.outside).items():
+            with self.subTest(kind):
+                into = self.folder / "into"
+                hold(into)
+                before = picture(self.folder)
+                done = self.spot(into="into")
+                made = self.assert_kept(before, kind)
+                if kind in ("a folder", "a link to a folder"):
+                    self.assert_status(done, ALL_DONE)
+                    self.assertEqual(len(made), MADE)
+                else:
+                    self.assert_bad_usage(done, "--copy-to", str(into))
+                    self.assertEqual(made, [])
+                for name in made:
+                    remove(self.folder / name)
+                remove(into)
 
 
 class RunsAtOnce(Spot):
