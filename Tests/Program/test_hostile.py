@@ -138,7 +138,7 @@ class Sources(HostileTest):
                  "descriptor": lambda: take.symlink_to("/dev/fd/0")}
         for kind, make in kinds.items():
             in_folder(make)
-            for command in ALL:
+            for command in FEW:
                 with self.subTest(kind=kind, command=command):
                     result = self.ends(command, self.project("URL:file://localhost/a/take.wav"))
                     if command == "info --json":
@@ -152,7 +152,7 @@ class Sources(HostileTest):
                          "URL:file://localhost/" + "n" * 70000, "%2e%2e%2f" * 3000 + "t.wav",
                          "URL:file://localhost/a/%00t.wav", "C:\\" + "..\\" * 9000 + "t.wav",
                          ".", "/", "..", "//", "URL:", "%", "%%%%1"):
-            for command in ALL:
+            for command in FEW:
                 with self.subTest(location=location[:40], command=command):
                     self.ends(command, self.project(location), is_measured=True)
 
