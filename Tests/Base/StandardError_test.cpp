@@ -42,7 +42,7 @@ TEST_F(StandardErrorTest, readersLinesPassTheFilterAndDiagnosticsDoNot) {
   const TemporaryFolder folder;
   const std::string path = folder.Write("p.adl",
                                         "<ADL>\n<EVENT_LIST>\n(Entry) 1 (Cut) I 1 1 1 a b c d\n"
-                                        "(Rem) \"x)8\" (Odd \x1B[2J\x9B"
+                                        "(Rem) \"x)7\" (Odd \x1B[2J\x9B"
                                         "x\n</EVENT_LIST>\n</ADL>\n");
   const std::string line = "Encountered unexpected label: Odd ";
   const auto load = [&] {

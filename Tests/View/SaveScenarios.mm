@@ -141,6 +141,7 @@ std::vector<std::string> NamesIn(const std::string& folder) {
   return names;
 }
 
+constexpr int kEnoughToSee = 4;  // cuts: seconds of writing, so that its panel stands for a while
 constexpr int kEnoughToCancel = 20;  // cuts: minutes of writing, of which seconds are waited for
 
 // A file of three quarters of a gigabyte that takes no room on the disk, and as much to write for
@@ -322,8 +323,8 @@ void CancelsSave() {
 // The window goes on while it is written, and what is written is the session as it was.
 void WorksDuringSave() {
   const test::TemporaryFolder folder;
-  StartShellWith(LongProject(folder));
-  SpotSession(1);
+  StartShellWith(LongProject(folder, kEnoughToSee));
+  SpotSession(kEnoughToSee);
   Key("ctrl+b");
   NameIt("bounce");
   ClickButton([NSApp modalWindow], "OK");
@@ -339,7 +340,7 @@ void WorksDuringSave() {
   WaitFor("it is spotted", [] { return [[Timeline() timeline] model].Regions().size() == 4; });
   WaitForSave();
   CheckTrue("the bounce is the first session's, whole",
-            fs::file_size(folder.Path("bounce.wav")) > 48000ULL * 5000 * 3);
+            fs::file_size(folder.Path("bounce.wav")) > 48000ULL * 5000 * 3 * kEnoughToSee);
   CheckContains("and is told", "Made " + folder.Path("bounce.wav"), StatusText());
 }
 
