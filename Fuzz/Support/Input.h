@@ -26,7 +26,8 @@ class Input {
     static_assert(std::is_arithmetic_v<Value>);
     Value value{};
     const std::string_view bytes = Bytes(sizeof value);
-    std::memcpy(&value, bytes.data(), bytes.size());
+    if (!bytes.empty())
+      std::memcpy(&value, bytes.data(), bytes.size());  // null where there is none
     return value;
   }
   /// At most `count` bytes.
