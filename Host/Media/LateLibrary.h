@@ -70,7 +70,7 @@ class LateFunctions {
 #define VELMORA_NAME_OF(name) VELMORA_TEXT_OF(name)
 #if VELMORA_LATE_LIBRARIES
 #define VELMORA_FUNCTION(function) \
-  VELMORA_NAME_OF(function), static_cast<decltype(&function)>(nullptr)
+  VELMORA_NAME_OF(function), static_cast<decltype(&(function))>(nullptr)
 #else
-#define VELMORA_FUNCTION(function) VELMORA_NAME_OF(function), &function
+#define VELMORA_FUNCTION(function) VELMORA_NAME_OF(function), &(function)
 #endif

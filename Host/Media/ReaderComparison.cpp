@@ -79,8 +79,10 @@ Obstacle CompareReaders(const std::string& path, const AudioFacts& facts) {
   if (facts.frames == 0) return Obstacle::None;
   // A read that fails in passing looks like another reading, and would have the file written anew:
   // so a difference counts when it is there twice.
-  const bool isSame =
-      SystemReadsTheSame(path, facts, *sound) || SystemReadsTheSame(path, facts, *sound);
+  bool isSame = false;
+  for (int look = 0; look < 2 && !isSame; ++look) {
+    isSame = SystemReadsTheSame(path, facts, *sound);
+  }
   return isSame ? Obstacle::None : Obstacle::Chunks;
 }
 
