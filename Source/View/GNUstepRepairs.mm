@@ -3,26 +3,14 @@
 
 #import "View/GNUstepRepairs.h"
 
-#import <objc/runtime.h>
-
 #include <cmath>
 
+#import "View/ExchangeMethod.h"
 #import "View/Velmora_ViewController.h"
 
-namespace {
+using velmora::view::ExchangeMethod;
 
-// Puts `replacement` in the place of a method and returns what stood there. The runtime knows all
-// methods by one function type, whatever they take and return.
-template <class Function>
-Function* Exchange(Class cls, SEL selector, Function* replacement) {
-  Method method = class_getInstanceMethod(cls, selector);
-  void* original = reinterpret_cast<void*>(method_getImplementation(method));
-  const IMP added = reinterpret_cast<IMP>(reinterpret_cast<void*>(replacement));
-  if (!class_addMethod(cls, selector, added, method_getTypeEncoding(method))) {
-    method_setImplementation(method, added);
-  }
-  return reinterpret_cast<Function*>(original);
-}
+namespace {
 
 id (*originalTableInit)(id, SEL, NSCoder*);
 id (*originalProgressInit)(id, SEL, NSCoder*);
@@ -178,18 +166,18 @@ NSImage* FindImage(id self, SEL selector, NSString* name) {
 @implementation VelmoraRepairs
 
 + (void)load {
-  originalTableInit = Exchange([NSTableView class], @selector(initWithCoder:), InitTable);
-  originalTableDealloc = Exchange([NSTableView class], @selector(dealloc), DeallocTable);
-  originalTile = Exchange([NSScrollView class], @selector(tile), Tile);
+  originalTableInit = ExchangeMethod([NSTableView class], @selector(initWithCoder:), InitTable);
+  originalTableDealloc = ExchangeMethod([NSTableView class], @selector(dealloc), DeallocTable);
+  originalTile = ExchangeMethod([NSScrollView class], @selector(tile), Tile);
   originalProgressInit =
-      Exchange([NSProgressIndicator class], @selector(initWithCoder:), InitProgress);
+      ExchangeMethod([NSProgressIndicator class], @selector(initWithCoder:), InitProgress);
   originalSetProgress =
-      Exchange([NSProgressIndicator class], @selector(setDoubleValue:), SetProgress);
-  originalFontInit = Exchange([NSFont class], @selector(initWithCoder:), InitFont);
-  originalAlignCenter = Exchange([NSTextView class], @selector(alignCenter:), AlignCenter);
-  originalRunModal = Exchange([NSAlert class], @selector(runModal), RunModal);
+      ExchangeMethod([NSProgressIndicator class], @selector(setDoubleValue:), SetProgress);
+  originalFontInit = ExchangeMethod([NSFont class], @selector(initWithCoder:), InitFont);
+  originalAlignCenter = ExchangeMethod([NSTextView class], @selector(alignCenter:), AlignCenter);
+  originalRunModal = ExchangeMethod([NSAlert class], @selector(runModal), RunModal);
   originalImageNamed =
-      Exchange(object_getClass([NSImage class]), @selector(imageNamed:), FindImage);
+      ExchangeMethod(object_getClass([NSImage class]), @selector(imageNamed:), FindImage);
 }
 
 @end

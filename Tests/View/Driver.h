@@ -28,6 +28,8 @@ void WakeMain();
 // Real input. Places are in the view's own coordinates; the main window is the one with the view.
 void Click(NSView* view, NSRect place);
 void Click(NSView* view);
+// The press comes in while the main thread asks the display something, and is read with the answer.
+void ClickReadWithAnswer(NSView* view);
 void MiddleClick(NSView* view);
 // Presses at one place, moves and lets go at another.
 void Drag(NSView* view, NSPoint from, NSPoint to);

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -149,13 +150,17 @@ ScreenPoint MoveOnto(NSView* view, NSPoint point) {
 
 // The application takes the press before the release comes, however busy the machine is: taken
 // together they may be no click to the toolkit.
-void Press(const std::string& button = "1") {
-  const int before = LastPress().count;
-  RunXdotool({"mousedown", button});
+void WaitForPress(int before) {
   if (!WaitUntil([&] { return LastPress().count > before; }, kPatienceSeconds))
     FailToArrive("a press of the mouse");
   OnMain([] {});
   Pause(kHoldSeconds);
+}
+
+void Press(const std::string& button = "1") {
+  const int before = LastPress().count;
+  RunXdotool({"mousedown", button});
+  WaitForPress(before);
 }
 
 void Release(const std::string& button = "1") {
@@ -214,6 +219,23 @@ void Click(NSView* view, NSRect place) {
 void Click(NSView* view) {
   const NSRect bounds = Ask([&] { return [view bounds]; });
   Click(view, bounds);
+}
+
+void ClickReadWithAnswer(NSView* view) {
+  const NSRect bounds = Ask([&] { return [view bounds]; });
+  MoveOnto(view, NSMakePoint(NSMidX(bounds), NSMidY(bounds)));
+  Pause(1);  // nothing else is to wake the loop: no tool tip, no double click
+  const int before = LastPress().count;
+  std::promise<void> pressed;
+  PostToMain([&] {
+    pressed.get_future().wait();
+    [NSEvent mouseLocation];
+  });
+  RunXdotool({"mousedown", "1"});
+  Pause(0.3);  // the window manager hands it on
+  pressed.set_value();
+  WaitForPress(before);
+  Release();
 }
 
 void MiddleClick(NSView* view) {

@@ -1,12 +1,12 @@
 #import "View/EventWatch.h"
 
-#import <objc/runtime.h>
-
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <deque>
 #include <mutex>
+
+#import "View/ExchangeMethod.h"
 
 namespace velmora::view {
 
@@ -103,11 +103,9 @@ NSEvent* TakeEvent(id server, SEL selector, unsigned mask, NSDate* limit, NSStri
 
 void WatchEvents() {
   begin = Clock::now();
-  const Method method = class_getInstanceMethod(NSClassFromString(@"GSDisplayServer"), @selector
-                                                (getEventMatchingMask:beforeDate:inMode:dequeue:));
   originalGetEvent =
-      reinterpret_cast<GetEvent>(reinterpret_cast<void*>(method_getImplementation(method)));
-  method_setImplementation(method, reinterpret_cast<IMP>(reinterpret_cast<void*>(TakeEvent)));
+      ExchangeMethod(NSClassFromString(@"GSDisplayServer"),
+                     @selector(getEventMatchingMask:beforeDate:inMode:dequeue:), TakeEvent);
 }
 
 TakenEvents Taken() {

@@ -385,12 +385,26 @@ void Resizes() {
   }
 }
 
+// What the display sends while it is asked something is read with its answer. It is taken at once
+// all the same, not when the mouse next moves.
+void TakesPressReadWithAnswer() {
+  const test::TemporaryFolder folder;
+  StartShellWith(SimpleProject(folder, 1, 1));
+  NSButton* const box = [Controller() cpoySourcecheckBox];
+  const auto ticked = [box] { return [box state] == NSOnState; };
+  Click(box);
+  WaitFor("a click ticks it", ticked);
+  ClickReadWithAnswer(box);
+  WaitFor("the next click clears it", [&] { return !ticked(); });
+}
+
 }  // namespace
 
 std::vector<Scenario> ShellScenarios() {
   return {{"fills-timeline", FillsTimeline},
           {"tells-failure", TellsFailure},
           {"reads-shift-jis", ReadsShiftJis},
+          {"takes-press-read-with-answer", TakesPressReadWithAnswer},
           {"obeys-keys", ObeysKeys},
           {"obeys-wheel", ObeysWheel},
           {"scrolls-lanes", ScrollsLanes},

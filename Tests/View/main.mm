@@ -9,6 +9,7 @@
 #include <future>
 #include <string>
 
+#include "Desktop/Shell/PromptEvents.h"
 #import "Desktop/Theme/DesktopTheme.h"
 #include "Desktop/Theme/ToolkitSetup.h"
 #import "View/Checks.h"
@@ -115,6 +116,7 @@ int main(int argc, char** argv) {
   // From here on as the shell's program does it.
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
   velmora::desktop::SetUpToolkit();
+  velmora::desktop::TakeEventsAtOnce();
   [NSApplication sharedApplication];
   WatchEvents();
   [DesktopTheme installWithBundleAtPath:StringOf(VELMORA_THEME)];

@@ -13,6 +13,7 @@
 #include "Base/StandardError.h"
 #include "Desktop/Logic/CommandLine.h"
 #include "Desktop/Logic/ExitStatus.h"
+#include "Desktop/Shell/PromptEvents.h"
 #import "Desktop/Shell/ShellController.h"
 #import "Desktop/Shell/SignalWatch.h"
 #import "Desktop/Theme/DesktopTheme.h"
@@ -76,6 +77,7 @@ int main(int argc, char** argv) {
   [SignalWatch start];  // before any thread is there to take a signal the toolkit's way
   [[NSProcessInfo processInfo] setProcessName:@"Velmora"];
   SetUpToolkit();
+  TakeEventsAtOnce();
   Connect();
   [DesktopTheme installWithBundleAtPath:StringFromText(PathOfResource("VelmoraDesktop.theme"))];
   [DesktopTheme installIcon];
