@@ -40,15 +40,30 @@ std::size_t BlockSamples(std::size_t sourceBytes, std::size_t targetBytes, std::
   return static_cast<std::size_t>(std::min<std::uint64_t>(most, all));
 }
 
-/// Fills the buffer from the stream; what the file lacks is 0. Answers the errno of a read error.
-int ReadPadded(std::FILE* stream, std::uint8_t* buffer, std::size_t count) {
-  errno = 0;
-  const std::size_t got = std::fread(buffer, 1, count, stream);
-  const int error = errno;
-  std::memset(buffer + got, 0, count - got);
-  if (std::ferror(stream) == 0) return 0;
-  return error != 0 ? error : EIO;
-}
+/// Blocks from a stream; what the file lacks is 0. A header can claim a million times more than its
+/// file has, so bytes that are 0 already are not written again.
+class PaddedBlock {
+ public:
+  explicit PaddedBlock(std::size_t size) : bytes_(Allocate(size)) {}
+
+  /// Null without memory.
+  [[nodiscard]] const std::uint8_t* Bytes() const { return bytes_.get(); }
+  /// Reads so many bytes, at most the block's. Answers the errno of a read error.
+  int Read(std::FILE* stream, std::size_t count) {
+    errno = 0;
+    const std::size_t got = std::fread(bytes_.get(), 1, count, stream);
+    const int error = errno;
+    if (got > 0) cleared_ = 0;
+    if (cleared_ < count) std::memset(bytes_.get() + got, 0, count - got);
+    if (got == 0) cleared_ = std::max(cleared_, count);
+    if (std::ferror(stream) == 0) return 0;
+    return error != 0 ? error : EIO;
+  }
+
+ private:
+  const std::unique_ptr<std::uint8_t[]> bytes_;
+  std::size_t cleared_ = 0;  ///< so many of the first bytes are 0
+};
 
 }  // namespace
 
@@ -60,9 +75,9 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
   const std::uint64_t all = hasSamples ? frames * format.channels : 0;
   const std::size_t blockSamples =
       BlockSamples(conversion.SourceBytes(), conversion.TargetBytes(), all);
-  const Bytes source = Allocate(blockSamples * conversion.SourceBytes());
+  PaddedBlock source(blockSamples * conversion.SourceBytes());
   const Bytes converted = Allocate(blockSamples * conversion.TargetBytes());
-  if (source == nullptr || converted == nullptr) return 1;
+  if (source.Bytes() == nullptr || converted == nullptr) return 1;
   if (stream == nullptr || target->stream == nullptr) return 2;
 
   const auto blocks = static_cast<std::size_t>(all == 0 ? 0 : (all - 1) / blockSamples + 1);
@@ -73,9 +88,9 @@ std::int32_t AES31BWF::ConvertInto(AES31BWF* target, bool applyGain, double gain
   int readError = 0;
   const auto make = [&](std::size_t number, std::uint8_t* block) {
     const std::size_t count = samplesOf(number);
-    readError = ReadPadded(stream.get(), source.get(), count * conversion.SourceBytes());
+    readError = source.Read(stream.get(), count * conversion.SourceBytes());
     if (readError != 0) return false;
-    conversion.Convert(source.get(), block, count);
+    conversion.Convert(source.Bytes(), block, count);
     return true;
   };
   const std::unique_ptr<BlocksAhead> ahead =
@@ -167,16 +182,16 @@ bool AES31BWF::CopyFrames(AES31BWF* source, std::int64_t firstFrame) {
   if (fseeko(source->stream.get(), offset, SEEK_SET) != 0) return false;
   source->position = offset;
 
-  const Bytes block = Allocate(kCopyBlockBytes);
-  if (block == nullptr) return false;
+  PaddedBlock block(kCopyBlockBytes);
+  if (block.Bytes() == nullptr) return false;
   std::uint64_t left = static_cast<std::int64_t>(frames) > 0 ? frames * format.blockAlign : 0;
   while (left > 0) {
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, kCopyBlockBytes));
-    if (const int error = ReadPadded(source->stream.get(), block.get(), count); error != 0) {
+    if (const int error = block.Read(source->stream.get(), count); error != 0) {
       LogReadError(source->path.c_str(), error);
       return false;
     }
-    if (!WriteBytes(block.get(), count)) return false;
+    if (!WriteBytes(block.Bytes(), count)) return false;
     left -= count;
   }
   return Flush();

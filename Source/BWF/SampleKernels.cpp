@@ -1,5 +1,6 @@
 #include "BWF/SampleKernels.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "BWF/ProcessorKernels.h"
@@ -13,9 +14,12 @@ namespace {
 template <std::size_t Known>
 void DecodeSized(const std::uint8_t* bytes, std::size_t given, float* values, std::size_t count) {
   const std::size_t sampleBytes = Known != 0 ? Known : given;
+  // Only the last four bytes count. A header can claim 8,191 for each sample, of which a file of a
+  // few bytes would have hours of them to add.
+  const std::size_t first = sampleBytes - std::min(sampleBytes, sizeof(std::uint32_t));
   for (std::size_t i = 0; i < count; ++i) {
     std::uint32_t sample = 0;
-    for (std::size_t b = 0; b < sampleBytes; ++b) {
+    for (std::size_t b = first; b < sampleBytes; ++b) {
       sample = AddSampleByte(sample, bytes[i * sampleBytes + b]);
     }
     values[i] = SampleFromLeftJustified(sample);

@@ -9,6 +9,7 @@
 
 #include "BWF/AES31BWF.h"
 #include "Support/BwfReference.h"
+#include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -130,6 +131,24 @@ TEST_F(BwfConversion, moreThanFourBytesCountTheLastFour) {
   // The second byte counts: 0x40000088 and 0xC0000022 before the rounding to a float.
   EXPECT_EQ(PcmSamples(16, Converted(source, 16), kHeaderBytes), (Ints{16383, -16383}));
   EXPECT_EQ(PcmSamples(32, Converted(source, 32), kHeaderBytes), (Ints{0x40000080, -1073741760}));
+}
+
+TEST_F(BwfConversion, bytesThatAHeaderClaimsForASampleTakeNoTime) {
+  // 32 GiB by its header; three samples and a half are there.
+  constexpr std::uint16_t kBytes = 8191;
+  constexpr std::size_t kFrames = std::size_t{1} << 22;
+  std::string data(3 * kBytes + kBytes / 2, '\x11');
+  data[2 * kBytes - 1] = '\x40';
+  const std::string source = WaveBytes()
+                                 .Format({.bits = kBytes * 8, .blockAlign = 1})
+                                 .Claim("data", kFrames, data)
+                                 .Bytes();
+  Watchdog watchdog;
+  const std::string made = Converted(source, 16);
+  ASSERT_EQ(made.size(), kHeaderBytes + kFrames * 2);
+  EXPECT_EQ(PcmSamples(16, made.substr(0, kHeaderBytes + 8), kHeaderBytes),
+            (Ints{0x1110, 0x4010, 0x1110, 0}));
+  EXPECT_EQ(made.find_first_not_of('\0', kHeaderBytes + 8), std::string::npos);
 }
 
 struct BlockRow {
