@@ -160,14 +160,16 @@ SourceTexts ReadSourceTexts(const Tree& tree, const Entry& entry) {
   const std::size_t name = times + 2;
   std::size_t end = name;
   while (end + 1 < values.size() && StandTogether(values[end], values[end + 1])) ++end;
-  const auto isMark = [](char c) {
-    return (LowerCase(c) >= 'a' && LowerCase(c) <= 'z') || c == '_';
-  };
-  const bool isLast = end > name && !values[end].quoted && values[end].text.size() == 1 &&
-                      isMark(values[end].text[0]);
+  const bool isLast = end > name && IsMark(values[end]);
   source.name = Join(values, name, isLast ? end - 1 : end);
   source.last = isLast ? values[end] : At(values, end + 1);
   return source;
+}
+
+bool IsMark(const Value& value) {
+  if (value.quoted || value.text.size() != 1) return false;
+  const char c = LowerCase(value.text[0]);
+  return (c >= 'a' && c <= 'z') || c == '_';
 }
 
 FadeTexts ReadFadeTexts(const Tree& tree, const Entry& entry) {

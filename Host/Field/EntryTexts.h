@@ -36,6 +36,9 @@ struct SourceTexts {
   Value last;  ///< the sixth value
 };
 [[nodiscard]] SourceTexts ReadSourceTexts(const Tree& tree, const Entry& entry);
+/// True for one letter or `_`, without quotation marks: what an (F) ends with. Anything else on the
+/// line of a name that has none itself counts as a part of the name.
+[[nodiscard]] bool IsMark(const Value& value);
 
 /// The values of an (Infade) or (Outfade), AES31-3.
 struct FadeTexts {

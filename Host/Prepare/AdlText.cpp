@@ -79,9 +79,11 @@ void AdlText::Tag(std::string_view tag) {
 
 void AdlText::Comment(std::string_view text) {
   std::string body;
-  for (const std::string_view line : LinesOf(Trimmed(text))) {
+  for (const std::string_view line : LinesOf(text)) {
     body += (body.empty() ? "" : "\r\n") + ToShiftJis(line, kStandIn).bytes;
   }
+  // Not before: control characters have become blanks, and who reads this takes them off again.
+  body = std::string(Trimmed(body));
   BreakCommentMarks(body);
   // The blanks matter: the system takes "/*/" for a comment of its own.
   Add("/* " + body + " */");

@@ -335,6 +335,9 @@ class ProjectWriter {
     Values values = {AdlText::Quoted(LocationOf(source)),
                      source.hidesFacts ? "_" : TextOr(texts.reference), Stamp(source.fileStart),
                      LengthOf(source)};
+    // In the file they may stand on two lines.
+    const bool wouldJoin = texts.last.IsThere() && !field::IsMark(texts.last);
+    if (wouldJoin && texts.name.IsGiven()) texts.name.quoted = true;
     if (texts.name.IsThere()) values.push_back(Text(texts.name));
     if (texts.last.IsThere()) values.push_back(Text(texts.last));
     text_.Line("F", values);

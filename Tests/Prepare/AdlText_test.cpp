@@ -93,6 +93,26 @@ TEST(AdlText, namesLabelsAndValuesOfAnyBytesDoNotEndTheReading) {
   EXPECT_STREQ(system->GetConstant(0), "1234");
 }
 
+TEST(AdlText, aCommentHasOneBlankAtEachEnd) {
+  const struct {
+    const char* name;
+    std::string_view text;
+    const char* line;
+  } kComments[] = {
+      {"blanks", "  words \t", "/* words */\r\n"},
+      {"control characters, which are written as blanks", "\x7F\x01 two words\x02 \x7F",
+       "/* two words */\r\n"},
+      {"empty lines", "\r\n\x7F\n one\n\n two\r\n\x7F", "/* one\r\n\r\n two */\r\n"},
+      {"nothing else", " \x7F ", "/*  */\r\n"},
+  };
+  for (const auto& comment : kComments) {
+    AdlText text;
+    text.Comment(comment.text);
+    EXPECT_EQ(text.Finish(), std::string("<ADL>\r\n") + comment.line + "</ADL>\r\n")
+        << comment.name;
+  }
+}
+
 TEST(AdlText, textThatLooksLikeUtf8GetsAWordThatDoesNot) {
   AdlText text;
   // U+FF83 U+FF68, half-width kana, are C3 A8 in Shift-JIS and a letter in UTF-8.

@@ -92,6 +92,16 @@ CASES = [
 ]
 
 
+# Texts that one preparation must write so that the next one reads the same.
+TEXTS = [
+    Case("name-and-last-on-two-lines", m.project(sources=m.index().replace('"n" N', "n\n00.00.00)"))),
+    Case("name-and-quoted-last", m.project(sources=m.index().replace('"n" N', 'n\n"N"'))),
+    Case("name-of-two-words", m.project(sources=m.index().replace('"n" N', "n m N"))),
+    Case("no-name-and-a-long-last", m.project(sources=m.index().replace('"n" N', "_\nlast"))),
+    Case("comment-of-control-bytes", m.project(header=m.HEADER + "/* \x7f\x01 two \x02 words \x7f */\n")),
+]
+
+
 class EachCode(ProgramTest):
     def lay_out(self, case):
         folder = self.folder / "in"
@@ -269,7 +279,7 @@ class Leftovers(ProgramTest):
             self.assertIn(piece, kept)
 
     def test_second_prepare_changes_nothing(self):
-        for number, case in enumerate(CASES):
+        for number, case in enumerate(CASES + TEXTS):
             with self.subTest(number=number, code=case.code):
                 self.setUp()
                 project = EachCode.lay_out(self, case)
