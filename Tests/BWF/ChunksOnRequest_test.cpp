@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "BWF/AES31BWF.h"
-#include "Support/CpuTime.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -261,35 +260,25 @@ TEST(ChunksOnRequest, OfManyInstancesOnOneFileCostNoMemory) {
   EXPECT_EQ(instances[250]->GetChunk(0)->data.size(), 1U << 20);
 }
 
-// Asking for each in turn, forwards or backwards, does not walk the file anew each time.
-TEST(ChunksOnRequest, CostTimeInProportion) {
+// To walk the file anew for each would take hours.
+TEST(ChunksOnRequest, AreFoundInAnyOrder) {
   const TemporaryFolder folder;
-  const auto seconds = [&](int chunks) {
-    WaveBytes bytes;
-    for (int i = 0; i < chunks; ++i) bytes.Chunk("note", "abc");
-    const std::string path =
-        folder.Write(std::to_string(chunks), bytes.Format({}).Data(PcmBytes(16, {1, 2})).Bytes());
-    return CpuSeconds([&] {
-      AES31BWF wave(path.c_str());
-      for (int i = 0; i < chunks; ++i) ASSERT_NE(wave.GetChunk(i), nullptr);
-      for (int i = chunks; i-- > 0;) ASSERT_NE(wave.GetChunk(i), nullptr);
-    });
-  };
-  const double few = seconds(2000);
-  EXPECT_LT(seconds(16000), 24 * few + 0.2) << "2,000 took " << few << " s";
+  constexpr int kChunks = 200'000;
+  WaveBytes bytes;
+  for (int i = 0; i < kChunks; ++i) bytes.Chunk("note", "abc");
+  const std::string path =
+      folder.Write("take.wav", bytes.Format({}).Data(PcmBytes(16, {1, 2})).Bytes());
+  AES31BWF wave(path.c_str());
+  for (int i = 0; i < kChunks; ++i) ASSERT_NE(wave.GetChunk(i), nullptr);
+  for (int i = kChunks; i-- > 0;) ASSERT_NE(wave.GetChunk(i), nullptr);
 }
 
 // A bext chunk is 602 bytes long whatever its size field says, so that many can lie on each other.
-TEST(ChunksOnRequest, ManyBextChunksCostNoMoreThanOthers) {
+TEST(ChunksOnRequest, ManyBextChunksAreTaken) {
   const TemporaryFolder folder;
-  const auto seconds = [&](const char* identifier) {
-    WaveBytes bytes = WaveBytes().Format({}).Data(PcmBytes(16, {1, 2}));
-    for (int i = 0; i < 200000; ++i) bytes.Chunk(identifier, "");
-    const std::string path = folder.Write(identifier, bytes.Bytes());
-    return CpuSeconds([&path] { EXPECT_TRUE(AES31BWF(path.c_str()).IsValid()); });
-  };
-  const double others = seconds("note");
-  EXPECT_LT(seconds("bext"), 10 * others + 0.02) << "others took " << others << " s";
+  WaveBytes bytes = WaveBytes().Format({}).Data(PcmBytes(16, {1, 2}));
+  for (int i = 0; i < 200000; ++i) bytes.Chunk("bext", "");
+  EXPECT_TRUE(AES31BWF(folder.Write("take.wav", bytes.Bytes()).c_str()).IsValid());
 }
 
 #endif

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <ctime>
 #include <filesystem>
 #include <string>
 
@@ -231,33 +230,6 @@ TEST_F(FreeName, secondRunMakesANewSeriesAndOverwritesNothing) {
     }
   }
   EXPECT_TRUE(std::filesystem::exists(root + "/a.5.wav"));
-}
-
-double ProcessorSeconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-TEST_F(FreeName, oneRunCostsTimeInProportionToItsFiles) {
-  // A search from the start each time would look at 750 files on average, not at one or two.
-  constexpr int kFiles = 1500;
-  OutputNames names;
-  double searching = 0;
-  double looking = 0;
-  for (int i = 0; i < kFiles; ++i) {
-    const double before = ProcessorSeconds();
-    const std::string path = names.Find(source, root.c_str(), "_XFade");
-    const double between = ProcessorSeconds();
-    FileExists(path.c_str());
-    searching += between - before;
-    Make(path);
-    const double made = ProcessorSeconds();
-    FileExists(path.c_str());
-    looking += ProcessorSeconds() - made;
-  }
-  EXPECT_TRUE(std::filesystem::exists(root + "/a_XFade." + std::to_string(kFiles - 1) + ".wav"));
-  EXPECT_LT(searching, 50 * looking) << searching << " s for " << kFiles << " names";
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "Field/TextPlaces.h"
-#include "Support/CpuTime.h"
 
 namespace velmora::field {
 namespace {
@@ -301,9 +300,9 @@ TEST(ReadTree, textsThatAreCutOff) {
   }
 }
 
-TEST(ReadTree, takesTimeInProportionToTheText) {
-  // Each of these would take minutes if one search of the text were made for each piece of it.
-  constexpr std::size_t kSize = 200'000;
+// Each of these would take hours if one search of the text were made for each piece of it.
+TEST(ReadTree, comesToAnEndOfRepeatedPieces) {
+  constexpr std::size_t kSize = 400'000;
   const std::vector<std::string> pieces = {"(a)",
                                            "(a) ",
                                            "<a>",
@@ -344,9 +343,7 @@ TEST(ReadTree, takesTimeInProportionToTheText) {
       std::string text = start;
       while (text.size() < kSize) text += piece;
       for (const std::string end : {"", " </ADL>"}) {
-        const std::string whole = text + end;
-        const double seconds = test::CpuSeconds([&whole] { (void)ReadTree(whole); });
-        EXPECT_LT(seconds, 2.0) << start << piece;
+        (void)ReadTree(text + end);
       }
     }
   }

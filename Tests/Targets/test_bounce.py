@@ -2,14 +2,13 @@
 
 import os
 import struct
-import time
 import unittest
 
 import playing
 import waves
 from bounces import DEPTHS, BounceTest
 from material import wave_of
-from program import ALL_DONE, LEFT_OUT, SLOWNESS, limit_memory, run, start
+from program import ALL_DONE, LEFT_OUT, limit_memory, run, start
 from projects import Cut
 from targets import HOUR, SECOND, noise
 
@@ -247,10 +246,8 @@ class Large(HandMade):
     def large(self, project, *options):
         path = self.folder / "b.wav"
         path.unlink(missing_ok=True)
-        begun = time.monotonic()
         result = run("spot", project.path, "--quiet", "--bounce", path, *options, seconds=60, before=limit_memory)
         self.assert_status(result, ALL_DONE)
-        self.assertLess(time.monotonic() - begun, 20 * SLOWNESS)
         self.assertLess(os.stat(path).st_blocks * 512, 64 << 20, "silence takes room on the disk")
         wave = waves.read_wave(path)
         size = os.path.getsize(path)
