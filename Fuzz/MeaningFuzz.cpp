@@ -13,6 +13,7 @@
 #include "Support/Checking.h"
 #include "Support/Holds.h"
 #include "Support/Input.h"
+#include "Support/Meaning.h"
 #include "Support/WorkFolder.h"
 
 namespace velmora::fuzz {
@@ -20,7 +21,7 @@ namespace {
 
 constexpr unsigned kMostFileBytes = 1U << 20;
 
-/// The session that Spotted spots into.
+/// The session that test::Spotted spots into.
 check::CheckOptions SessionOptions() {
   check::CheckOptions options;
   options.sessionRate = 48000;
@@ -34,8 +35,8 @@ void HoldGuarantee(const std::string& path, const check::CheckedProject& checked
   if (checked.verdict == check::Verdict::Unreadable) return;
   Hold(loads || checked.Count(check::Severity::Fails) > 0, "what does not load has a finding");
   if (checked.verdict != check::Verdict::Clean || checked.project->events.empty()) return;
-  const std::string meant = Meant(checked);
-  const std::string spotted = Spotted(path);
+  const std::string meant = test::Meant(checked);
+  const std::string spotted = loads ? test::Spotted(model, RunWithoutFiles) : "nothing";
   Hold(meant == spotted, "what is clean spots as meant", "meant\n" + meant + "spotted\n" + spotted);
 }
 

@@ -36,9 +36,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr unsigned kMostFileBytes = 1U << 17;
-// Pieces of fades longer than that make a spot slow and nothing else.
-constexpr std::int64_t kMostFadeSamples = 6000;
-constexpr std::int32_t kMostEvents = 12;
+// Of one fade no more is made than its file may hold, of all fades so many samples: more of them
+// would only make the same spot slower.
+constexpr std::int64_t kMostFadeSamples = kMostFileBytes;
+constexpr std::int64_t kMostSamplesOfFades = kMostFadeSamples + 20000;
+constexpr std::int32_t kMostEvents = 32;
 
 class RefusingHost : public host::EmbeddedHost {
  public:
@@ -127,16 +129,18 @@ Settings ReadSettings(Input& input, const std::string& copyFolder) {
   return settings;
 }
 
-/// Whether each fade is short, so that the spot is about its forms and not about its length.
-bool HasShortFades(const AES31Project& project) {
-  const auto isShort = [](const AES31Fade& fade) {
-    if (!fade.present) return true;
-    const std::int64_t samples = AdlToSamples(fade.length);
-    return samples > -kMostFadeSamples && samples < kMostFadeSamples;
-  };
-  return std::all_of(project.events.begin(), project.events.end(), [&](const AES31Event& event) {
-    return isShort(event.infade) && isShort(event.outfade);
-  });
+/// How many samples a fade asks for.
+std::int64_t AskedFor(const AES31Fade& fade) {
+  return fade.present ? std::clamp<std::int64_t>(AdlToSamples(fade.length), 0, kMostFadeSamples)
+                      : 0;
+}
+
+std::int64_t SamplesOfFades(const AES31Project& project) {
+  std::int64_t samples = 0;
+  for (const AES31Event& event : project.events) {
+    samples += AskedFor(event.infade) + AskedFor(event.outfade);
+  }
+  return samples;
 }
 
 class Spots {
@@ -174,7 +178,7 @@ class Spots {
   static void Run(const std::string& path, const Settings& settings) {
     ViewModel model;
     if (!model.LoadFile(path) || model.numEvents > kMostEvents) return;
-    if (!HasShortFades(*model.project)) return;
+    if (settings.choices.fades != 0 && SamplesOfFades(*model.project) > kMostSamplesOfFades) return;
     SpotOptions options = BuildSpotOptions(settings.choices, settings.rates);
     (void)SpotWarnings(model.firstEvent, settings.rates.sampleRate, settings.rates.frameRate);
     host::Session session;

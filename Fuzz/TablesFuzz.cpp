@@ -26,8 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   models.Load(std::string(input.text));
   for (int edits = 0; edits <= kEdits; ++edits) {
     if (edits > 0) models.EditSomething(random);
-    Hold(models.Difference().empty(), "the tables show what they should",
-         models.Difference() + "\nafter\n" + models.Notes());
+    const std::string& difference = models.Difference();
+    if (difference.empty()) continue;
+    Hold(false, "the tables show what they should", difference + "\nafter\n" + models.Notes());
   }
   return 0;
 }

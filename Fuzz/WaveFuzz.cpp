@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "BWF/AES31BWF.h"
@@ -27,10 +28,16 @@ namespace velmora::fuzz {
 namespace {
 
 constexpr std::int32_t kDepths[] = {-1, 16, 24, 8, 32, 0, 12, 64};
-// Bytes of a piece or a run, whatever number of channels and bits a file claims: more would only
-// make the same steps slower.
-constexpr std::int64_t kMostBytes = 9000;
 constexpr unsigned kMostFileBytes = 1U << 17;
+// A header may claim 65,535 channels, 8,191 bytes for a sample and thousands of millions of
+// samples; more of them would only make the same steps slower. So there is a limit to what all
+// steps of an input ask for together. The step that passes it is made, those after it ask for
+// nothing.
+constexpr std::int64_t kMostPieceBytes = 1 << 15;     // of the frames of pieces and runs
+constexpr std::int64_t kMostBytesOfAPiece = 9000;     // or of one frame
+constexpr std::int64_t kMostBytesOfAFrame = 1 << 18;  // frames beyond it are left out
+constexpr std::int64_t kMostConverted = 1 << 18;      // samples
+constexpr std::uint16_t kMostDeclared = 9000;         // frames of a file that is written
 
 struct Step {
   std::uint8_t action;
@@ -39,11 +46,30 @@ struct Step {
   std::int32_t place;
 };
 
-/// Frames of a piece of that file.
-std::int64_t LengthIn(AES31BWF& file, const Step& step) {
-  return step.length % (1 + kMostBytes / (1 + std::int64_t{file.GetChannels()} *
-                                                  std::max(file.bytesPerSample, 1)));
-}
+/// What the steps of an input may still ask for.
+class Allowance {
+ public:
+  /// Frames of a piece or a run of so many channels of that file: as many as the step says, or
+  /// fewer.
+  std::int64_t Frames(const AES31BWF& file, std::uint32_t channels, const Step& step) {
+    const std::int64_t frameBytes = 1 + std::int64_t{channels} * std::max(file.bytesPerSample, 1);
+    if (pieceBytes_ <= 0 || frameBytes > kMostBytesOfAFrame) return 0;
+    const std::int64_t frames = step.length % (2 + kMostBytesOfAPiece / frameBytes);
+    pieceBytes_ -= frames * frameBytes;
+    return frames;
+  }
+  /// Whether all of that file may be converted.
+  bool Conversion(const AES31BWF& file) {
+    if (converted_ <= 0) return false;
+    const std::uint64_t claimed = std::min(file.frames, std::uint64_t{kMostConverted});
+    converted_ -= static_cast<std::int64_t>(claimed) * file.format.channels;
+    return true;
+  }
+
+ private:
+  std::int64_t pieceBytes_ = kMostPieceBytes;
+  std::int64_t converted_ = kMostConverted;
+};
 
 /// Equal, or both not a number.
 bool SameValue(float a, float b) {
@@ -51,11 +77,11 @@ bool SameValue(float a, float b) {
 }
 
 /// A run gives what one sample after the other gives, also where it reads blocks.
-void HoldRun(const std::string& path, const Step& step) {
+void HoldRun(const std::string& path, const Step& step, Allowance& allowance) {
   AES31BWF byRun(path.c_str());
   AES31BWF bySample(path.c_str());
   const std::uint32_t channels = 1 + step.small % 4;
-  const std::int64_t frames = LengthIn(byRun, step);
+  const std::int64_t frames = allowance.Frames(byRun, channels, step);
   byRun.OpenAtData();
   bySample.OpenAtData();
   if (byRun.stream == nullptr) return;
@@ -128,22 +154,23 @@ class Steps {
       case 5:
         return AskChunk(file_, step.place % 8, bytes_.size());
       case 6:
-        return HoldRun(path_, step);
+        return HoldRun(path_, step, allowance_);
       case 7:
       case 8:
-        return Copy(file_, target, kDepths[step.small % 8]);
+        return CopyAll(target, kDepths[step.small % 8]);
       case 9:
+        if (!allowance_.Conversion(file_)) return;
         return HoldMade(
             RenderScaledFile(target.c_str(), &file_, static_cast<double>(step.place) / 65536));
       case 10:
       case 11:
-        return HoldMade(RenderFadeFile(target.c_str(), &file_, LengthIn(file_, step),
+        return HoldMade(RenderFadeFile(target.c_str(), &file_, PieceFrames(step),
                                        (step.small & 1) != 0, step.place));
       case 12:
       case 13:
         return HoldMade(RenderCrossfadeFile(
             target.c_str(), &file_, (step.small & 1) != 0 ? &file_ : &other_, step.place,
-            std::int64_t{step.place} + step.small - 128, LengthIn(file_, step)));
+            std::int64_t{step.place} + step.small - 128, PieceFrames(step)));
       case 14:
         return Convert(target, step);
       default:
@@ -159,12 +186,20 @@ class Steps {
     const float value = file.GetSampleAt(step.place, step.small);
     Hold(value >= -1.0F && value <= 1.0F, "a sample is within full scale");
   }
+  std::int64_t PieceFrames(const Step& step) {
+    return allowance_.Frames(file_, file_.GetChannels(), step);
+  }
+  void CopyAll(const std::string& target, std::int32_t depth) {
+    // A copy of the same depth is as long as the input.
+    const bool converts = depth != -1 && !std::cmp_equal(depth, file_.GetBitsPerSample());
+    if (!converts || allowance_.Conversion(file_)) Copy(file_, target, depth);
+  }
   void Convert(const std::string& target, const Step& step) {
     AES31BWF made(target.c_str(), 48000, step.small % 3, kDepths[1 + step.small % 4],
-                  static_cast<std::int32_t>(step.length % kMostBytes));
+                  step.length % kMostDeclared);
     if ((step.small & 4) != 0) {
       (void)made.CopyFrames(&file_, step.place);
-    } else {
+    } else if (allowance_.Conversion(file_)) {
       file_.OpenAtData();
       (void)file_.ConvertInto(&made, (step.small & 8) != 0, step.place);
     }
@@ -177,6 +212,7 @@ class Steps {
   std::string_view bytes_;
   AES31BWF file_;
   AES31BWF other_;
+  Allowance allowance_;
 };
 
 }  // namespace

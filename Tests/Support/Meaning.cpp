@@ -1,16 +1,14 @@
-#include "Support/Checking.h"
+#include "Support/Meaning.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "Embedded/EmbeddedKind.h"
-#include "Model/ViewModel.h"
 #include "Session/Session.h"
-#include "Spot/SpotWorker.h"
 
-namespace velmora::fuzz {
+namespace velmora::test {
 namespace {
 
 class QuietObserver : public SpotObserver {
@@ -20,6 +18,7 @@ class QuietObserver : public SpotObserver {
   void Log(const std::string& /*line*/) override {}
 };
 
+/// "track 0 at 172800000: 0 to 48000 of /tmp/x/one.wav".
 std::string Line(std::int64_t track, std::int64_t position, std::int64_t start, std::int64_t stop,
                  const std::string& path) {
   return "track " + std::to_string(track) + " at " + std::to_string(position) + ": " +
@@ -56,18 +55,15 @@ std::string Meant(const check::CheckedProject& checked) {
   return InOrder(std::move(lines));
 }
 
-std::string Spotted(const std::string& path) {
-  ViewModel model;
-  if (!model.LoadFile(path)) return "nothing";
-  // As the program answers for a session that is not told: by the earliest cut.
+std::string Spotted(const ViewModel& model, Spot spot) {
   SpotOptions options;
   options.sessionRate = 48000;
   options.frameRate = 2;  // 25
   host::Session session;
   const auto receiver = host::kEmbeddedKind.connect(session);
   QuietObserver observer;
-  RunWithoutFiles({model.project.get(), model.numEvents, model.minTrack, model.firstEvent}, options,
-                  *receiver, observer);
+  spot({model.project.get(), model.numEvents, model.minTrack, model.firstEvent}, options, *receiver,
+       observer);
   std::vector<std::string> lines;
   for (const host::SessionRegion& region : session.Regions()) {
     lines.push_back(Line(region.track, region.position, region.start, region.stop, region.path));
@@ -75,4 +71,4 @@ std::string Spotted(const std::string& path) {
   return InOrder(std::move(lines));
 }
 
-}  // namespace velmora::fuzz
+}  // namespace velmora::test
