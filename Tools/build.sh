@@ -13,8 +13,8 @@ program_packages=(g++ cmake ninja-build python3 libgtest-dev libbenchmark-dev li
   pkg-config)
 # What the view needs to be built, shown and driven.
 # shellcheck disable=SC2034
-view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xdotool fonts-dejavu-core
-  fonts-ipafont-gothic)
+view_packages=(gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo xvfb openbox xdotool libxres1
+  fonts-dejavu-core fonts-ipafont-gothic)
 # What packages are made with, and what tests of them use: the desktop's own tools, and all that the package asks for.
 # shellcheck disable=SC2034
 packaging_packages=(dpkg-dev file man-db desktop-file-utils shared-mime-info xdg-utils libfile-mimeinfo-perl

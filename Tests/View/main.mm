@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Desktop/Shell/PromptEvents.h"
+#include "Desktop/Shell/WindowCounters.h"
 #import "Desktop/Theme/DesktopTheme.h"
 #include "Desktop/Theme/ToolkitSetup.h"
 #import "View/Checks.h"
@@ -118,6 +119,7 @@ int main(int argc, char** argv) {
   velmora::desktop::SetUpToolkit();
   velmora::desktop::TakeEventsAtOnce();
   [NSApplication sharedApplication];
+  velmora::desktop::LetCountersGoWithWindows();
   WatchEvents();
   [DesktopTheme installWithBundleAtPath:StringOf(VELMORA_THEME)];
   [DesktopTheme installIcon];

@@ -16,6 +16,7 @@
 #include "Desktop/Shell/PromptEvents.h"
 #import "Desktop/Shell/ShellController.h"
 #import "Desktop/Shell/SignalWatch.h"
+#include "Desktop/Shell/WindowCounters.h"
 #import "Desktop/Theme/DesktopTheme.h"
 #include "Desktop/Theme/ToolkitSetup.h"
 #import "View/TextConversion.h"
@@ -79,6 +80,7 @@ int main(int argc, char** argv) {
   SetUpToolkit();
   TakeEventsAtOnce();
   Connect();
+  LetCountersGoWithWindows();
   [DesktopTheme installWithBundleAtPath:StringFromText(PathOfResource("VelmoraDesktop.theme"))];
   [DesktopTheme installIcon];
 
