@@ -10,7 +10,7 @@ namespace velmora::view {
 // does.
 template <class Function>
 Function* ExchangeMethod(Class cls, SEL selector, Function* replacement) {
-  const Method method = class_getInstanceMethod(cls, selector);
+  Method method = class_getInstanceMethod(cls, selector);
   if (method == nullptr) return nullptr;
   void* const original = reinterpret_cast<void*>(method_getImplementation(method));
   const IMP added = reinterpret_cast<IMP>(reinterpret_cast<void*>(replacement));

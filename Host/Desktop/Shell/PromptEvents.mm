@@ -23,7 +23,7 @@ Poll* originalPoll = nullptr;
 NSUInteger heldBefore = 0;  // events in the queue when the wait began; main thread only
 
 NSUInteger HeldEvents() {
-  static const Ivar variable = class_getInstanceVariable([GSDisplayServer class], "event_queue");
+  static Ivar variable = class_getInstanceVariable([GSDisplayServer class], "event_queue");
   const id server = GSCurrentServer();
   if (server == nil || variable == nullptr) return 0;
   return [static_cast<NSArray*>(object_getIvar(server, variable)) count];
