@@ -135,9 +135,7 @@ const char* NameOf(FileKind kind) {
 
 FactsOrTrouble ReadFacts(const std::string& path) {
   FactsOrTrouble result;
-  std::unique_ptr<SoundFile> sound = SoundFile::Open(path, result.trouble);
-  // What fails in passing, a read or a request for memory, is no broken file: two looks say so.
-  if (sound == nullptr) sound = SoundFile::Open(path, result.trouble);
+  const std::unique_ptr<SoundFile> sound = SoundFile::OpenPatiently(path, result.trouble);
   if (sound != nullptr) result.facts = FactsOf(*sound, ReadWaveHeader(sound->Stream()));
   return result;
 }

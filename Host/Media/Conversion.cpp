@@ -4,6 +4,9 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "Media/ConversionOutputs.h"
 #include "Media/ConversionPlan.h"
@@ -42,12 +45,14 @@ ConversionResult ConvertInto(const std::vector<ConversionTarget>& targets, const
     plan = PlanOf(*sound, job);
     trouble = Refusal(*sound, plan, targets);
   }
-  if (!trouble.empty()) {
-    outputs.Blame(trouble);
+  std::optional<std::vector<std::uint8_t>> bext;
+  if (trouble.empty()) bext = BextFor(plan, sound->Stream());
+  if (!bext) {
+    outputs.Blame(trouble.empty() ? "its header cannot be read" : trouble);
     return outputs.Result();
   }
   const std::int32_t channels = sound->Info().channels;
-  if (!outputs.Create(BextFor(plan, sound->Stream()), channels)) return outputs.Result();
+  if (!outputs.Create(*bext, channels)) return outputs.Result();
   const bool copied = plan.rounds ? CopyRounded(*sound, plan, targets, outputs)
                                   : CopyIntegers(*sound, plan, targets, outputs);
   if (copied) outputs.Finish(channels);

@@ -62,19 +62,23 @@ bool IsTooLong(const Plan& plan, std::int32_t channels) {
   return plan.frames > kMostAudioBytes / ShapeOf(plan, channels).FrameBytes();
 }
 
-std::vector<std::uint8_t> BextFor(const Plan& plan, std::FILE* source) {
+std::optional<std::vector<std::uint8_t>> BextFor(const Plan& plan, std::FILE* source) {
   constexpr std::size_t kTimePlace = 338;  // EBU Tech 3285
-  const std::optional<WaveHeader> header = ReadWaveHeader(source);
-  if (!header || !header->bext) return {};
-  std::vector<std::uint8_t> bext = ReadBext(source, *header->bext, kMostBextBytes);
-  if (bext.size() < kTimePlace + 8) return {};
+  const std::vector<std::uint8_t> none;
+  const auto [header, readFailed] = TryReadWaveHeader(source);
+  if (readFailed) return std::nullopt;
+  if (!header || !header->bext) return none;
+  std::optional<std::vector<std::uint8_t>> held = ReadBext(source, *header->bext, kMostBextBytes);
+  if (!held) return std::nullopt;
+  std::vector<std::uint8_t>& bext = *held;
+  if (bext.size() < kTimePlace + 8) return none;
   const std::int64_t most = std::numeric_limits<std::int64_t>::max() - plan.firstFrame;
   const std::int64_t time = std::min(header->bext->timeReference, most) + plan.firstFrame;
   auto atNewRate = static_cast<std::uint64_t>(FramesAtRate(time, plan.sourceRate, plan.rate));
   for (std::size_t i = 0; i < 8; ++i, atNewRate >>= 8) {
     bext[kTimePlace + i] = static_cast<std::uint8_t>(atNewRate & 0xFF);
   }
-  return bext;
+  return held;
 }
 
 }  // namespace velmora::media

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,8 @@ struct Plan {
 [[nodiscard]] bool IsTooLong(const Plan& plan, std::int32_t channels);
 
 /// The body of the source's bext chunk for the new file, with the time reference of the new first
-/// frame; empty if there is none.
-[[nodiscard]] std::vector<std::uint8_t> BextFor(const Plan& plan, std::FILE* source);
+/// frame; empty if there is none. None if the system cannot read it: a file must not lose its time
+/// for that.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> BextFor(const Plan& plan, std::FILE* source);
 
 }  // namespace velmora::media

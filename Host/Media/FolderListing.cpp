@@ -264,7 +264,8 @@ std::vector<FolderListing::File> FolderListing::ByName(
     NameRule rule, const std::vector<std::string>& names) const {
   const std::hash<std::string_view> hash;
   NameIndex& index = indexes_[static_cast<std::size_t>(rule)];
-  std::call_once(index.built, [&] {
+  index.built.Do([&] {
+    index.rows.clear();
     index.rows.reserve(files_.size());
     for (File file = 0; file < files_.size(); ++file) {
       index.rows.push_back({hash(KeyOf(rule, NameOf(file))), file});

@@ -10,6 +10,8 @@
 #include <tuple>
 #include <vector>
 
+#include "Media/Once.h"
+
 namespace velmora::media {
 
 /// The name by which references are compared: without blanks at its ends, at most the 32 characters
@@ -82,7 +84,7 @@ class FolderListing {
     }
   };
   struct NameIndex {
-    std::once_flag built;
+    Once built;
     std::vector<Hashed> rows;
   };
   struct Broadcast {

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <array>
-#include <mutex>
 
 #include "Base/SystemLog.h"
 #include "Base/Text.h"
 #include "Base/Utf8.h"
 #include "Media/LateLibrary.h"
+#include "Media/Once.h"
 
 namespace velmora::media {
 namespace {
@@ -75,8 +75,8 @@ std::u16string CaseFolded(const IcuFunctions& library, std::u16string_view text)
 
 /// Names are many, and what is wrong with all of them is worth one line.
 void TellOnce(const std::string& line) {
-  static std::once_flag told;
-  std::call_once(told, [&line] { SystemLog(line); });
+  static Once told;
+  told.Do([&line] { SystemLog(line); });
 }
 
 std::string_view ExtensionAfterDot(std::string_view name) {

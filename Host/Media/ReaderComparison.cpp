@@ -69,7 +69,7 @@ bool SystemReadsTheSame(const std::string& path, const AudioFacts& facts, const 
 
 Obstacle CompareReaders(const std::string& path, const AudioFacts& facts) {
   std::string trouble;
-  const std::unique_ptr<SoundFile> sound = SoundFile::Open(path, trouble);
+  const std::unique_ptr<SoundFile> sound = SoundFile::OpenPatiently(path, trouble);
   if (sound == nullptr) return Obstacle::Broken;
   const std::optional<WaveHeader> wave = ReadWaveHeader(sound->Stream());
   if (IsForeign(facts, wave.value_or(WaveHeader()))) return Obstacle::Kind;

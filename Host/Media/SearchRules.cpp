@@ -1,6 +1,8 @@
 #include "Media/SearchRules.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -49,10 +51,12 @@ Candidates::Candidates(const FolderListing& listing, const std::vector<File>& fi
 }
 
 void Candidates::ReadHeads() const {
-  std::call_once(headsRead_, [this] {
-    if (heads_.empty()) {
-      std::transform(paths_.begin(), paths_.end(), std::back_inserter(heads_), HeadOf);
-    }
+  headsRead_.Do([this] {
+    heads_.reserve(paths_.size());
+    // None is there, or all are, or those that a lack of memory left.
+    std::transform(paths_.begin() + static_cast<std::ptrdiff_t>(heads_.size()), paths_.end(),
+                   std::back_inserter(heads_), HeadOf);
+    byFrames_.clear();
     byReference_.resize(heads_.size());
     std::iota(byReference_.begin(), byReference_.end(), 0U);
     std::stable_sort(byReference_.begin(), byReference_.end(),
@@ -130,7 +134,7 @@ StepOutcome Candidates::Judge(const std::vector<std::uint32_t>& places) const {
 }
 
 const StepOutcome& Candidates::JudgeAll() const {
-  std::call_once(allJudged_, [this] {
+  allJudged_.Do([this] {
     std::vector<std::uint32_t> places(paths_.size());
     std::iota(places.begin(), places.end(), 0U);
     all_ = Judge(places);

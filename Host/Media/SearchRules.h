@@ -12,6 +12,7 @@
 
 #include "Media/FolderListing.h"
 #include "Media/MediaSearch.h"
+#include "Media/Once.h"
 #include "Media/SameContents.h"
 
 namespace velmora::media {
@@ -76,11 +77,11 @@ class Candidates {
   ContentComparison& contents_;
   std::vector<std::string> paths_;
   std::vector<bool> beside_;
-  mutable std::once_flag headsRead_;
+  mutable Once headsRead_;
   mutable std::vector<FileHead> heads_;
   mutable std::vector<std::uint32_t> byReference_;  ///< places, by reference
   mutable std::vector<ByFrames> byFrames_;
-  mutable std::once_flag allJudged_;
+  mutable Once allJudged_;
   mutable StepOutcome all_;
 };
 

@@ -5,7 +5,9 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <optional>
+#include <utility>
 
 #include "Media/LateLibrary.h"
 #include "Media/MpegFrames.h"
@@ -60,6 +62,13 @@ std::string WhyNotOpened(int error) {
   }
 }
 
+/// libsndfile 1.2.0 writes to the table of a file's chunks whether it got memory for that or not.
+/// So what opening takes is asked for beforehand, here where its lack is told, and given back.
+void HaveMemoryForLibrary() {
+  constexpr std::size_t kBytes = std::size_t{64} << 10;
+  ::operator delete(::operator new(kBytes));
+}
+
 /// Bytes of an ID3 tag at a file's beginning (ID3v2, section 3.1), 0 if there is none. libsndfile
 /// passes over tags only in files that it opens itself.
 std::int64_t BytesOfTag(std::FILE* stream) {
@@ -95,6 +104,11 @@ std::unique_ptr<SoundFile> SoundFile::Open(const std::string& path, std::string&
   return Open(std::move(stream), trouble);
 }
 
+std::unique_ptr<SoundFile> SoundFile::OpenPatiently(const std::string& path, std::string& trouble) {
+  std::unique_ptr<SoundFile> sound = Open(path, trouble);
+  return sound != nullptr ? std::move(sound) : Open(path, trouble);
+}
+
 std::unique_ptr<SoundFile> SoundFile::Open(FileStream stream, std::string& trouble) {
   const SndfileFunctions* const library = sndfile.Get(trouble);
   if (library == nullptr) return nullptr;
@@ -126,6 +140,7 @@ bool SoundFile::OpenAsShown() {
   SF_VIRTUAL_IO access{&SoundFile::Length, &SoundFile::Seek, &SoundFile::Read, &SoundFile::Write,
                        &SoundFile::Tell};
   if (file_ != nullptr) library_->close(file_);
+  HaveMemoryForLibrary();
   info_ = {};
   place_ = 0;
   file_ = library_->openVirtual(&access, SFM_READ, &info_, this);

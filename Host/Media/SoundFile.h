@@ -28,6 +28,10 @@ class SoundFile {
   /// words.
   [[nodiscard]] static std::unique_ptr<SoundFile> Open(const std::string& path,
                                                        std::string& trouble);
+  /// The same, but tries once more: what fails in passing, a read or a request for memory, is no
+  /// broken file.
+  [[nodiscard]] static std::unique_ptr<SoundFile> OpenPatiently(const std::string& path,
+                                                                std::string& trouble);
   /// The same with a stream that is open already, which must be one of a regular file.
   [[nodiscard]] static std::unique_ptr<SoundFile> Open(FileStream stream, std::string& trouble);
   ~SoundFile();

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <limits>
+#include <utility>
 
 #include "BWF/ChunkWalk.h"
 #include "Base/FileAccess.h"
@@ -38,7 +40,9 @@ bool IsIdentifier(std::uint32_t identifier) {
 class Walk {
  public:
   explicit Walk(std::FILE* stream)
-      : reader_(stream), fileBytes_(std::max<std::int64_t>(FileSize(stream), 0)) {}
+      : reader_(stream), fileBytes_(FileSize(stream)), sizeFailed_(fileBytes_ < 0) {}
+
+  [[nodiscard]] bool Failed() const { return sizeFailed_ || reader_.Failed(); }
 
   std::optional<WaveHeader> Read() {
     const auto form = reader_.LittleEndian<std::uint32_t>();
@@ -147,19 +151,35 @@ class Walk {
 
   HeaderReader reader_;
   std::int64_t fileBytes_;
+  bool sizeFailed_;
   std::int64_t dataBytesOfDs64_ = std::numeric_limits<std::int64_t>::max();
   WaveHeader header_;
 };
 
 }  // namespace
 
-std::optional<WaveHeader> ReadWaveHeader(std::FILE* stream) {
-  return Walk(stream).Read();
+HeaderOrFailure TryReadWaveHeader(std::FILE* stream) {
+  HeaderOrFailure result;
+  // A read may fail in passing.
+  for (int look = 0; look == 0 || (look == 1 && result.readFailed); ++look) {
+    Walk walk(stream);
+    result.header = walk.Read();
+    result.readFailed = walk.Failed();
+  }
+  return result;
 }
 
-std::vector<std::uint8_t> ReadBext(std::FILE* stream, const BextFacts& bext, std::int64_t limit) {
+std::optional<WaveHeader> ReadWaveHeader(std::FILE* stream) {
+  HeaderOrFailure result = TryReadWaveHeader(stream);
+  return result.readFailed ? std::nullopt : std::move(result.header);
+}
+
+std::optional<std::vector<std::uint8_t>> ReadBext(std::FILE* stream, const BextFacts& bext,
+                                                  std::int64_t limit) {
   std::vector<std::uint8_t> body(static_cast<std::size_t>(std::min(bext.size, limit)));
-  body.resize(ReadAt(stream, bext.place, body.data(), body.size()));
+  const std::size_t got = ReadAt(stream, bext.place, body.data(), body.size());
+  if (got < body.size() && errno != 0) return std::nullopt;
+  body.resize(got);
   return body;
 }
 

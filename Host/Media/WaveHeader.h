@@ -45,12 +45,22 @@ struct WaveHeader {
 inline constexpr std::uint16_t kTagPcm = 1;    // RIFF WAVE: integers
 inline constexpr std::uint16_t kTagFloat = 3;  // RIFF WAVE: IEEE floating point
 
-/// Reads the header of an open file; none if it is no WAVE file of any form. Reads no audio, and
-/// looks at a bounded number of chunks.
+/// What there is of a header. Where `readFailed`, the system could not read a part of it, twice:
+/// that counts as past the end of the file.
+struct HeaderOrFailure {
+  std::optional<WaveHeader> header;  ///< none if it is no WAVE file of any form
+  bool readFailed = false;
+};
+
+/// Reads the header of an open file. Reads no audio, and looks at a bounded number of chunks.
+[[nodiscard]] HeaderOrFailure TryReadWaveHeader(std::FILE* stream);
+
+/// The same for whoever cannot tell the two apart; none too if the header could not be read.
 [[nodiscard]] std::optional<WaveHeader> ReadWaveHeader(std::FILE* stream);
 
-/// The body of the bext chunk: at most `limit` bytes.
-[[nodiscard]] std::vector<std::uint8_t> ReadBext(std::FILE* stream, const BextFacts& bext,
-                                                 std::int64_t limit);
+/// The body of the bext chunk: at most `limit` bytes. None if the system cannot read it.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadBext(std::FILE* stream,
+                                                                const BextFacts& bext,
+                                                                std::int64_t limit);
 
 }  // namespace velmora::media
