@@ -2,7 +2,8 @@
 # codecs bring ten others: loading all of them takes longer than showing a small project does.
 #
 #   libsndfile, libsoxr, ICU     loaded when they are first needed, see Host/Media/LateLibrary.h
-#   pugixml, minizip, nettle     a part of the program, where the system has them as archives
+#   pugixml, nettle              a part of the program, where the system has them as archives
+#   zlib                         linked: its faults are mended for all programs at once
 #   the C++ library              the same, for the program velmora
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
@@ -11,7 +12,7 @@ find_package(pugixml REQUIRED)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET GLOBAL sndfile)
 pkg_check_modules(SOXR REQUIRED IMPORTED_TARGET soxr)
 pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-uc)
-pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET GLOBAL minizip)
+find_package(ZLIB REQUIRED)
 pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)
 
 # velmora_soname(NAME FILES...): under which name the loader finds a library; empty if that cannot be told.
@@ -78,7 +79,4 @@ function(velmora_prefer_archives name shared)
   endif()
 endfunction()
 velmora_prefer_archives(velmora_pugixml pugixml::shared pugixml)
-velmora_prefer_archives(velmora_minizip PkgConfig::MINIZIP minizip)
-# A library whose faults are mended for all programs at once: distributions want no copies of it.
-target_link_libraries(velmora_minizip INTERFACE z)
 velmora_prefer_archives(velmora_nettle PkgConfig::NETTLE nettle)

@@ -9,7 +9,7 @@ root=$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")
 # are needed too.
 # shellcheck disable=SC2034  # used where this file is sourced
 program_packages=(g++ cmake ninja-build python3 libgtest-dev libbenchmark-dev libcli11-dev
-  nlohmann-json3-dev libsndfile1-dev libsoxr-dev libicu-dev libpugixml-dev libminizip-dev nettle-dev
+  nlohmann-json3-dev libsndfile1-dev libsoxr-dev libicu-dev libpugixml-dev zlib1g-dev libminizip-dev nettle-dev
   pkg-config)
 # What the view needs to be built, shown and driven.
 # shellcheck disable=SC2034

@@ -13,6 +13,7 @@
 #include "Ardour/SessionView.h"
 #include "Ardour/SessionXml.h"
 #include "Base/FileAccess.h"
+#include "Session/XmlDocument.h"
 
 namespace velmora::ardour {
 namespace {
@@ -153,7 +154,7 @@ std::string SessionMaker::Edit() {
   if (isEdited_) return "Ardour saves twice";
   if (trackIds_.size() != plan_.Tracks().size()) return "Ardour has not made all tracks";
   if (!times_.IsWhole()) return "Ardour has not told all times";
-  pugi::xml_document xml;
+  host::XmlDocument xml;
   if (!LoadSessionXml(place_.File(), xml)) {
     return kNoSession;
   }
@@ -196,7 +197,7 @@ std::string SessionMaker::Finish() const {
       return file.path + " is gone: " + std::strerror(errno);
     }
   }
-  pugi::xml_document xml;
+  host::XmlDocument xml;
   if (!LoadSessionXml(place_.File(), xml)) {
     return kNoSession;
   }

@@ -5,6 +5,7 @@
 #include <pugixml.hpp>
 
 #include "Ardour/SessionXml.h"
+#include "Session/XmlDocument.h"
 
 namespace velmora::ardour {
 
@@ -14,7 +15,7 @@ int ShowRegions(const std::string& folder, const ArdourPlan& plan) {
   const std::int64_t samplesPerPixel =
       std::max<std::int64_t>(1, (plan.End() - plan.First()) / (kPixels - 2 * kMarginPixels) + 1);
   const std::string path = folder + "/instant.xml";
-  pugi::xml_document xml;
+  host::XmlDocument xml;
   xml.load_file(path.c_str());  // Ardour keeps there what it remembers of a session
   pugi::xml_node root = xml.child("instant");
   if (!root) root = xml.append_child("instant");

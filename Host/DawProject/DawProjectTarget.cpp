@@ -14,6 +14,7 @@
 #include "DawProject/ZipFile.h"
 #include "Session/RegionLabel.h"
 #include "Session/StagedFile.h"
+#include "Session/XmlDocument.h"
 
 namespace velmora::dawproject {
 namespace {
@@ -164,7 +165,7 @@ host::TargetOutcome DawProjectTarget::Write(const host::TargetInput& input,
   }
 
   MediaNames inside;
-  pugi::xml_document project, metadata;
+  host::XmlDocument project, metadata;
   const ProjectParts parts = {input, usable, media, absences, embedMedia_ ? &inside : nullptr};
   const double share = embedMedia_ ? kXmlShare : 1;
   const host::TargetProgress xmlProgress =
