@@ -13,6 +13,8 @@
 #include <system_error>
 #include <vector>
 
+#include "Session/RemoveTree.h"
+
 namespace velmora::prepare {
 namespace {
 
@@ -166,16 +168,22 @@ std::string Staging::CommitInside() {
   return complaint;
 }
 
-void Staging::Discard() {
-  std::error_code ignored;
-  if (!staging_.empty()) fs::remove_all(staging_, ignored);
+/// Takes no memory, since there may be none.
+void Staging::Discard() noexcept {
+  if (!staging_.empty()) host::RemoveTree(staging_);
   staging_.clear();
   making_.End();
+  if (firstParent_.empty()) return;
   // From the target's folder up to the first that was made, those that stayed empty.
-  for (fs::path parent = fs::path(target_).parent_path(); !firstParent_.empty();
-       parent = parent.parent_path()) {
-    if (rmdir(parent.c_str()) != 0 || parent == firstParent_) firstParent_.clear();
+  for (std::size_t end = target_.size(); end > firstParent_.size();) {
+    end = target_.find_last_of('/', end - 1);
+    if (end > 0 && target_[end - 1] == '/') continue;
+    target_[end] = '\0';
+    const bool removed = rmdir(target_.c_str()) == 0;
+    target_[end] = '/';
+    if (!removed) break;
   }
+  firstParent_.clear();
 }
 
 }  // namespace velmora::prepare

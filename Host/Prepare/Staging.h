@@ -33,7 +33,7 @@ class Staging {
   [[nodiscard]] std::string MakeParents();
   [[nodiscard]] std::string MakeStaging(const std::string& start);
   [[nodiscard]] std::string CommitInside();
-  void Discard();
+  void Discard() noexcept;
 
   std::string target_;
   std::string staging_;       ///< empty when there is none

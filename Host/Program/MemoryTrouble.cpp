@@ -9,6 +9,8 @@
 #include <new>
 #include <string_view>
 
+#include "Session/InTheMaking.h"
+
 namespace velmora::program {
 namespace {
 
@@ -41,6 +43,7 @@ bool IsLackOfMemory(const std::exception_ptr& trouble) {
 /// thread that nobody could join, say.
 [[noreturn]] void TellAndEnd() {
   if (reserve != nullptr && !IsLackOfMemory(std::current_exception())) std::abort();
+  host::InTheMaking::RemoveAll();
   TellLackOfMemory();
   _exit(exitStatus);
 }

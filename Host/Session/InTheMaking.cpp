@@ -7,13 +7,20 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 #include <vector>
+
+#include "Session/RemoveTree.h"
 
 namespace velmora::host {
 namespace {
 
 namespace fs = std::filesystem;
+
+// All that this process has in the making.
+constinit std::mutex listMutex;
+constinit InTheMaking* list = nullptr;
 
 int OpenToLock(const std::string& path) {
   return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
@@ -36,6 +43,12 @@ bool IsStillNamed(int descriptor, const std::string& path) {
 
 bool InTheMaking::Begin(const std::string& path) {
   End();
+  const bool isOurs = Hold(path);
+  if (isOurs) Enlist(path);
+  return isOurs;
+}
+
+bool InTheMaking::Hold(const std::string& path) {
   descriptor_ = OpenToLock(path);
   if (descriptor_ < 0) return errno != ENOENT;
   if (!IsLocked(descriptor_)) return errno != EWOULDBLOCK;
@@ -44,8 +57,34 @@ bool InTheMaking::Begin(const std::string& path) {
 }
 
 void InTheMaking::End() {
+  Delist();
   if (descriptor_ >= 0) ::close(descriptor_);
   descriptor_ = -1;
+}
+
+void InTheMaking::Enlist(const std::string& path) {
+  path_ = path;
+  const std::lock_guard lock(listMutex);
+  next_ = list;
+  if (next_ != nullptr) next_->holder_ = &next_;
+  holder_ = &list;
+  list = this;
+}
+
+void InTheMaking::Delist() {
+  const std::lock_guard lock(listMutex);
+  if (holder_ == nullptr) return;
+  *holder_ = next_;
+  if (next_ != nullptr) next_->holder_ = holder_;
+  next_ = nullptr;
+  holder_ = nullptr;
+}
+
+void InTheMaking::RemoveAll() noexcept {
+  // Whoever holds the lock may be the one that cannot go on.
+  const std::unique_lock lock(listMutex, std::try_to_lock);
+  if (!lock.owns_lock()) return;
+  for (const InTheMaking* one = list; one != nullptr; one = one->next_) RemoveTree(one->path_);
 }
 
 void TidyLeftOvers(const std::string& folder,

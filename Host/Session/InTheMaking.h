@@ -23,8 +23,19 @@ class InTheMaking {
   [[nodiscard]] bool Begin(const std::string& path);
   void End();
 
+  /// Removes all that this process has in the making: for one that ends without leaving its scopes.
+  /// Takes no memory.
+  static void RemoveAll() noexcept;
+
  private:
+  [[nodiscard]] bool Hold(const std::string& path);
+  void Enlist(const std::string& path);
+  void Delist();
+
   int descriptor_ = -1;
+  std::string path_;                ///< empty when nothing is in the making
+  InTheMaking* next_ = nullptr;     ///< in the list of all
+  InTheMaking** holder_ = nullptr;  ///< what points to this one there
 };
 
 /// Removes from a folder what killed processes of this user have left there in the making: files

@@ -2,11 +2,9 @@
 
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <system_error>
-
 #include "Session/HiddenName.h"
 #include "Session/MoveToFreeName.h"
+#include "Session/RemoveTree.h"
 #include "Session/StagedFile.h"
 
 namespace velmora::host {
@@ -26,8 +24,7 @@ std::string StagedFolder::WhyNot(const std::string& path) {
 StagedFolder::StagedFolder(std::string path) : path_(WithoutSlashAtItsEnd(std::move(path))) {}
 
 StagedFolder::~StagedFolder() {
-  std::error_code ignored;
-  if (!written_.empty()) std::filesystem::remove_all(written_, ignored);
+  if (!written_.empty()) RemoveTree(written_);
 }
 
 bool StagedFolder::Create() {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Session/HiddenName.h"
+#include "Session/RemoveTree.h"
 #include "Session/StagedFile.h"
 #include "Session/StagedFolder.h"
 #include "Support/TemporaryFolder.h"
@@ -108,6 +109,57 @@ TEST_F(InTheMakingTest, whatAFolderLinksToStays) {
   TidyLeftOvers(folder_.Path(), IsHiddenName);
   EXPECT_FALSE(fs::exists(left));
   EXPECT_EQ(test::TemporaryFolder::Read(target), "mine");
+}
+
+TEST_F(InTheMakingTest, allOfAProcessCanBeRemovedAtOnce) {
+  static_cast<void>(folder_.Write("kept", "of somebody else"));
+  {
+    StagedFile published(folder_.Path("published"));
+    ASSERT_TRUE(published.Create());
+    ASSERT_EQ(published.Publish(), 0);
+    StagedFile gone(folder_.Path("gone"));
+    ASSERT_TRUE(gone.Create());
+  }
+  StagedFile file(folder_.Path("a.wav"));
+  ASSERT_TRUE(file.Create());
+  StagedFolder folder(folder_.Path("tracks"));
+  ASSERT_TRUE(folder.Create());
+  fs::create_directories(folder.WrittenPath() + "/inner/most");
+  std::ofstream(folder.WrittenPath() + "/inner/most/a") << "half";
+  ASSERT_EQ(Entries(), 4u);
+  InTheMaking::RemoveAll();
+  EXPECT_EQ(Entries(), 2u);
+  EXPECT_TRUE(fs::exists(folder_.Path("kept")));
+  EXPECT_TRUE(fs::exists(folder_.Path("published")));
+}
+
+TEST_F(InTheMakingTest, whatSomebodyElseHasTakenIsNotRemoved) {
+  const std::string path = folder_.Write("made", "");
+  InTheMaking tidier;
+  ASSERT_TRUE(tidier.Begin(path));
+  InTheMaking maker;
+  ASSERT_FALSE(maker.Begin(path));
+  tidier.End();
+  InTheMaking::RemoveAll();
+  EXPECT_TRUE(fs::exists(path));
+}
+
+TEST_F(InTheMakingTest, treesAreRemovedWhole) {
+  const std::string kept = folder_.Path("kept");
+  const std::string tree = folder_.Path("tree");
+  fs::create_directories(kept);
+  std::ofstream(kept + "/mine") << "mine";
+  fs::create_directories(tree + "/a/b/c/d");
+  fs::create_directory_symlink(kept, tree + "/a/link");
+  for (int i = 0; i < 500; ++i) {
+    std::ofstream(tree + "/a/file with a name that is not so short " + std::to_string(i)) << i;
+  }
+  RemoveTree(tree);
+  EXPECT_FALSE(fs::exists(tree));
+  EXPECT_EQ(test::TemporaryFolder::Read(kept + "/mine"), "mine");
+  RemoveTree(kept + "/mine");
+  EXPECT_TRUE(fs::is_empty(kept));
+  RemoveTree(folder_.Path("nothing"));
 }
 
 TEST_F(InTheMakingTest, whoeverIsTakenForALeftOverMakesAnother) {
