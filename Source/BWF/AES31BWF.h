@@ -145,6 +145,7 @@ class AES31BWF {
   std::unique_ptr<char[]> collected_;  ///< the stream's buffer, if it is not the stream's own
   std::string codingHistory_;
   std::uint32_t dataSize_ = 0;
+  bool writes_ = false;  ///< the stream that is open is written to
   bool writeFailed_ = false;
   int readError_ = 0;
 };

@@ -104,6 +104,7 @@ void AES31BWF::CreateIn(OutputFile& file) {
   stream = file.Create();
   path = file.Path();
   if (stream == nullptr) return;
+  writes_ = true;
   CollectIfSmall(header.size() + dataSize_);
   hasBext = hasFormat = hasData = true;
   dataOffset = static_cast<std::int64_t>(header.size());
@@ -138,7 +139,9 @@ void AES31BWF::NoteWriteError() {
 
 void AES31BWF::CloseFile() {
   if (stream == nullptr) return;
-  if (std::fclose(stream.release()) != 0) NoteWriteError();
+  // What was read is there, whatever comes of closing.
+  if (std::fclose(stream.release()) != 0 && writes_) NoteWriteError();
+  writes_ = false;
   collected_.reset();
 }
 

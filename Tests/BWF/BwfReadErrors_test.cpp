@@ -1,8 +1,10 @@
 // Reading that fails in the middle: a piece made of it would be of other samples, so none is made.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -161,6 +163,16 @@ TEST_F(BwfReadErrors, areTakenOnce) {
   static_cast<void>(source.GetSampleAt(5, 0));
   EXPECT_EQ(source.TakeReadError(), EIO);
   EXPECT_EQ(source.TakeReadError(), 0);
+}
+
+TEST_F(BwfReadErrors, closingAFileThatWasReadIsNoFailedWrite) {
+  AES31BWF source(Write("source.wav", 16).c_str());
+  source.OpenAtData();
+  ASSERT_NE(source.stream, nullptr);
+  ASSERT_EQ(close(fileno(source.stream.get())), 0);
+  source.CloseFile();
+  EXPECT_FALSE(source.WriteFailed());
+  EXPECT_TRUE(log.lines.empty());
 }
 
 TEST_F(BwfReadErrors, headerThatCannotBeReadIsNoWaveFile) {
