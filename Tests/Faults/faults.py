@@ -3,6 +3,7 @@
 `Place.disturbed` lets one call fail, by the library FailingCalls.cpp.
 """
 
+import contextlib
 import errno
 import hashlib
 import os
@@ -16,7 +17,7 @@ import subprocess
 import time
 import zipfile
 
-from tasks import OUTPUT  # which also finds what Tests/Program has
+from tasks import BESIDE, OUTPUT  # which also finds what Tests/Program has
 from failing import SHIM, Counts, variables
 from program import ALL_DONE, PROGRAM, SANITIZED, SLOWNESS, environment
 
@@ -94,10 +95,14 @@ def without_numbers(text):
 
 
 def heard(path):
-    """The samples of a wave file, whatever stands around them and whether it is linked."""
+    """The samples of a wave file and its time, whatever else stands around them and whether it is linked."""
     data = path.read_bytes()
-    at = data.find(b"data")
-    return data[at + 8:at + 8 + struct.unpack_from("<I", data, at + 4)[0]] if at > 0 else data
+
+    def chunk(identifier):
+        at = data.find(identifier)
+        return data[at + 8:at + 8 + struct.unpack_from("<I", data, at + 4)[0]] if at > 0 else b""
+
+    return chunk(b"data"), chunk(b"bext")
 
 
 def contents(path):
@@ -112,7 +117,7 @@ def contents(path):
     if path.is_symlink():
         return os.readlink(path)
     if path.is_dir():
-        return sorted((without_numbers(name.name.encode()), contents(name)) for name in path.iterdir())
+        return sorted(map(named_contents, path.iterdir()))
     if not path.exists():
         return None
     if path.suffix == ".dawproject":
@@ -123,6 +128,10 @@ def contents(path):
         except (zipfile.BadZipFile, ValueError, OSError, EOFError):
             pass
     return without_numbers(path.read_bytes())
+
+
+def named_contents(path):
+    return without_numbers(path.name.encode()), contents(path)
 
 
 def what_is_half(path):
@@ -172,7 +181,7 @@ class Place:
         self.seconds = time.monotonic() - started
         if self.undisturbed.status != task.fine:
             raise Fault(f"undisturbed: status {self.undisturbed.status}, {self.undisturbed.err}")
-        self.made = self.results()
+        self.made, self.links = self.results(), self.linked()
         missing = [name for name, what in self.made.items() if what is None]
         if missing:
             raise Fault(f"undisturbed: not made: {missing}")
@@ -183,9 +192,13 @@ class Place:
                            **changes)
 
     def start(self, **changes):
-        return subprocess.Popen([self.program, *self.arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, cwd=self.folder, preexec_fn=self.preexec,
-                                env=self.environment(**changes))
+        with contextlib.ExitStack() as held:
+            out = subprocess.PIPE
+            if self.task.into:
+                out = held.enter_context(open(self.folder / "out" / self.task.into, "wb"))
+            return subprocess.Popen([self.program, *self.arguments], stdin=subprocess.DEVNULL, stdout=out,
+                                    stderr=subprocess.PIPE, cwd=self.folder, preexec_fn=self.preexec,
+                                    env=self.environment(**changes))
 
     def run(self, **changes):
         process = self.start(**changes)
@@ -195,7 +208,7 @@ class Place:
             process.kill()
             process.communicate()
             raise Fault(f"still running after {TIME_LIMIT} s") from None
-        return Run(process.returncode, without_numbers(out), err.decode("utf-8", "replace"))
+        return Run(process.returncode, without_numbers(out or b""), err.decode("utf-8", "replace"))
 
     def disturbed(self, kind, call, how, span=1):
         run = self.run(**variables(kind, call, how, self.counts, FAILING_SPAN=span))
@@ -210,8 +223,19 @@ class Place:
             raise Fault(f"counting: status {run.status}, {run.err}")
         return run.counts.of
 
+    def paths_of(self, name):
+        """Where a result of the task is; one that is not there has no path or one that leads nowhere."""
+        path = self.folder / "out" / name
+        if name != BESIDE:
+            return [path]
+        return sorted(file for file in (self.folder / "in").rglob("*")
+                      if os.fspath(file.relative_to(self.folder)) not in self.before)
+
     def results(self):
-        return {name: contents(self.folder / "out" / name) for name in self.task.results}
+        made = {name: contents(self.folder / "out" / name) for name in self.task.results if name != BESIDE}
+        if BESIDE in self.task.results:
+            made[BESIDE] = sorted(map(named_contents, self.paths_of(BESIDE))) or None
+        return made
 
     def assert_kept(self):
         """What was there is there. Returns the names that have come."""
@@ -227,9 +251,14 @@ class Place:
         for path in self.temporary.iterdir():
             remove(path)
 
+    def linked(self):
+        """Links among what has come. What was to be copied must not lean on its source."""
+        return {name for name in self.assert_kept() if (self.folder / name).is_symlink()}
+
     def remove_results(self):
         for name in self.task.results:
-            remove(self.folder / "out" / name)
+            for path in self.paths_of(name):
+                remove(path)
 
     def judge(self, run):
         """What every disturbed run must hold to."""
@@ -251,6 +280,8 @@ class Place:
         may_differ = run.status != ALL_DONE or all(name in self.task.observes for name in differ)
         if differ and not may_differ:
             raise Fault(f"status 0 with other results: {differ}; {self.news(run.err, self.undisturbed.err)}")
+        if run.status == ALL_DONE and not self.linked() <= self.links:
+            raise Fault(f"status 0 with links in place of files: {sorted(self.linked() - self.links)}")
         if (differ or run.status != self.task.fine) and not self.names_it(run):
             raise Fault(f"status {run.status} and nothing is named: {run.err[-300:]!r}")
         self.assert_whole()

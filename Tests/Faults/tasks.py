@@ -17,14 +17,16 @@ from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT  # noqa: E402
 
 
 OUTPUT = "standard output"
+BESIDE = "../in"  # as a result: all that has come into the folder of the sources
 
 
 class Task:
     """A command line and what it makes: `results` are names in `out`."""
 
-    def __init__(self, name, words, results=(), material=None, fine=ALL_DONE, observes=(), environment=None):
+    def __init__(self, name, words, results=(), material=None, fine=ALL_DONE, observes=(), environment=None, into=None):
         """`fine` is the status of an undisturbed run. What stands in `observes` tells what was found on the disk, so
-        it may differ with status 0 where that is named."""
+        it may differ with status 0 where that is named. Standard output goes into the result `into`, if there is one,
+        else into a pipe."""
         self.name = name
         self.words = words
         self.results = results
@@ -33,12 +35,14 @@ class Task:
         self.observes = observes
         # What the program may end with when something fails; 0 is judged by the results.
         self.statuses = {ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT}
+        self.into = into
         self.environment = environment or (lambda place: {})
 
     @property
     def whole(self):
-        """Results that are there whole or not at all; the files of a spot may come out short."""
-        return [name for name in self.results if name != "copies" and not name.startswith("..")]
+        """Results that are there whole or not at all; the files of a spot may come out short, and so may what is
+        printed."""
+        return [name for name in self.results if name not in ("copies", BESIDE, self.into)]
 
     def arguments(self, place):
         return [word.format(place=place) if isinstance(word, str) else word for word in self.words]
@@ -98,23 +102,25 @@ PREPARE = ["prepare", "{place}/in/p.adl", "--resample"]
 SPOT = ["spot", "{place}/in/p.adl"]
 
 
-def _target(name, *words, results):
-    return Task(name, [*SPOT, "--native", "--copy-to", "{place}/out/copies", *words], [*results, "copies"])
+def _target(name, *words, results, observes=()):
+    return Task(name, [*SPOT, "--native", "--copy-to", "{place}/out/copies", *words], [*results, "copies"],
+                observes=observes)
 
 
 TASKS = [
     Task("info", ["info", "{place}/in/p.adl"], observes=[OUTPUT]),
     Task("info-json", ["info", "{place}/in/p.adl", "--json"], observes=[OUTPUT]),
     Task("check", ["check", "{place}/in/p.adl", "--jobs", "1"], material=clean),
-    Task("check-json", ["check", "{place}/in", "--json", "--jobs", "2"], material=foreign, fine=LEFT_OUT),
+    Task("check-json", ["check", "{place}/in", "--json", "--jobs", "2"], ["new.jsonl"], foreign, fine=LEFT_OUT,
+         observes=["new.jsonl"], into="new.jsonl"),
     Task("prepare", [*PREPARE, "--into", "{place}/out/new"], ["new"], foreign, observes=[OUTPUT]),
     Task("prepare-copies", [*PREPARE, "--copy-media", "--into", "{place}/out/deep/new"], ["deep"], foreign,
          observes=[OUTPUT]),
     Task("spot", [*SPOT, "--fades", "--gain", "--copy-to", "{place}/out/copies", "--host", "embedded:{place}/out/new.json"],
          ["copies", "new.json"]),
-    Task("spot-beside", [*SPOT, "--fades", "--gain", "--depth", "16"],
-         ["../in/take_Gain.1.wav", "../in/take_FadeIn.wav", "../in/take_FadeOut.wav", "../in/take_FadeOut.1.wav",
-          "../in/take_XFade.wav", "../in/other_16bit.wav", "../in/other_FadeIn.wav"]),
+    Task("spot-json", [*SPOT, "--fades", "--gain", "--json", "--copy-to", "{place}/out/copies"], ["copies", "new.jsonl"],
+         observes=["new.jsonl"], into="new.jsonl"),
+    Task("spot-beside", [*SPOT, "--fades", "--gain", "--depth", "16"], [BESIDE]),
     Task("spot-prepare", [*SPOT, "--resample", "--prepare={place}/out/clean", "--copy-to", "{place}/out/copies"],
          ["clean", "copies"], foreign),
     _target("dawproject", "--dawproject", "{place}/out/new.dawproject", results=["new.dawproject"]),
@@ -123,7 +129,7 @@ TASKS = [
     _target("otio", "--otio", "{place}/out/new.otio", results=["new.otio"]),
     _target("bounce", "--bounce", "{place}/out/new.wav", results=["new.wav"]),
     _target("bounce-tracks", "--bounce-tracks", "{place}/out/tracks", results=["tracks"]),
-    _target("report", "--report", "{place}/out/new.html", results=["new.html"]),
+    _target("report", "--report", "{place}/out/new.html", results=["new.html"], observes=["new.html"]),
     Task("report-alone", ["report", "{place}/in/p.adl", "--native", "-o", "{place}/out/new.html"], ["new.html"],
          observes=[OUTPUT, "new.html"]),
     Task("ardour", [*SPOT, "--native", "--only-tracks", "2", "--skip-events", "0,1", "--copy-to", "{place}/out/copies",

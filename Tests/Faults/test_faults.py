@@ -13,6 +13,7 @@ import driving
 from failing import SHIM, Counts, variables
 from faults import PROGRAM, environment
 from program import SANITIZED, SLOWNESS
+from tasks import BY_NAME
 
 # By task: kinds of which every call is tried, with every error, and how far apart the others are.
 EVERY = ["create", "list", "rename", "link", "remove", "folder", "change", "sync", "copy", "start", "pipe"]
@@ -64,6 +65,10 @@ class Faults(unittest.TestCase):
     def test_calls_of_the_other_kinds_far_apart(self):
         apart = {kind: stride * SLOWNESS for kind, stride in APART.items()}
         self.drive(["spot", "prepare", "check", "bounce", "report-alone"], lambda name: list(apart), apart)
+
+    @unittest.skipIf(SANITIZED, "the sanitizer has requests for memory of its own")
+    def test_requests_for_memory_far_apart(self):
+        self.drive(list(BY_NAME), lambda name: ["memory"], {"memory": 127})
 
 
 if __name__ == "__main__":
