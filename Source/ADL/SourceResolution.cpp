@@ -1,6 +1,6 @@
 // From texts to files: the audio of each source, and what each event needs of its source.
 
-#include <cerrno>
+#include <climits>
 #include <new>
 #include <set>
 #include <string>
@@ -72,9 +72,8 @@ std::string FindSourceFile(const std::string& folder, const char* location) {
   for (std::size_t slash = text.rfind('/'); slash != std::string::npos && slash > 0;
        slash = text.rfind('/', slash - 1)) {
     std::string candidate = folder + text.substr(slash);
+    if (candidate.size() >= PATH_MAX) return {};  // and longer ends only make longer paths
     if (OpenRegularFile(candidate.c_str()) != nullptr) return candidate;
-    // Longer ends only make longer paths.
-    if (errno == ENAMETOOLONG) return {};
   }
   return {};
 }

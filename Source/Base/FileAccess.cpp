@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "Base/SystemLog.h"
@@ -115,12 +116,24 @@ bool OpensForReading(const char* path) {
   return faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0;
 }
 
+namespace {
+
+/// What has gone wrong is told by a status too: without memory the line stays away.
+void LogFault(const char* path, const char* fault, int error) {
+  try {
+    SystemLog(std::string(path) + fault + std::strerror(error));
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+}  // namespace
+
 void LogReadError(const char* path, int error) {
-  SystemLog(std::string(path) + ": cannot be read: " + std::strerror(error));
+  LogFault(path, ": cannot be read: ", error);
 }
 
 void LogWriteError(const char* path, int error) {
-  SystemLog(std::string(path) + ": cannot be written in full: " + std::strerror(error));
+  LogFault(path, ": cannot be written in full: ", error);
 }
 
 void DisableFileCache(std::FILE* stream) {

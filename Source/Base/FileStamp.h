@@ -22,6 +22,13 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
+/// Whether nobody has written to the file between the two. Rights, names and times may have
+/// changed.
+[[nodiscard]] inline bool HasContentsOf(const FileStamp& a, const FileStamp& b) {
+  return a.device == b.device && a.number == b.number && a.size == b.size &&
+         a.contentsChanged == b.contentsChanged;
+}
+
 /// A stamp that every later change will make another one of. The clock that stamps are made by
 /// stands still for some milliseconds at a time, and a change in the same moment would leave the
 /// stamp as it is: so this waits for the next moment, 30 ms at most, if the file changed just now.

@@ -77,7 +77,8 @@ bool ViewModel::Load(const std::string& path) {
   totalEndTime = TimestampTimecode(lastEvent);
   FillTracks(survey.tracks);
   std::vector<EventBox> boxes(Events().size(), EventBox::On);
-  ShowListed(survey.marks, EventSet(survey.marks->cuts.Events(), true));
+  EventSet all(survey.marks->cuts.Events(), true);
+  ShowListed(MakeListed(std::move(survey.marks), std::move(all)));
   places_ = std::move(survey.places);
   eventEnable = std::move(boxes);
   return true;
@@ -125,15 +126,22 @@ void ViewModel::setupEventList() {
     return;
   }
   EventListing listing = ListEvents(Events());
-  ShowListed(listing.marks, std::move(listing.listed));
+  ShowListed(MakeListed(std::move(listing.marks), std::move(listing.listed)));
   places_.ofEvents.clear();
   eventEnable = std::move(listing.boxes);
 }
 
-void ViewModel::ShowListed(std::shared_ptr<const EventMarks> marks, EventSet listed) {
-  Show(std::make_shared<EventRows>(project, marks, std::move(listed)));
-  marks_ = std::move(marks);
-  errorMessage = Rows().LacksFiles() ? "Some files not found. Check event list." : "";
+ViewModel::Listed ViewModel::MakeListed(std::shared_ptr<const EventMarks> marks,
+                                        EventSet listed) const {
+  auto rows = std::make_shared<EventRows>(project, marks, std::move(listed));
+  std::string message = rows->LacksFiles() ? "Some files not found. Check event list." : "";
+  return {std::move(rows), std::move(marks), std::move(message)};
+}
+
+void ViewModel::ShowListed(Listed listed) {
+  Show(listed.rows);
+  marks_ = std::move(listed.marks);
+  errorMessage = std::move(listed.message);
 }
 
 void ViewModel::ListNothing() {
@@ -153,18 +161,24 @@ void ViewModel::Show(const std::shared_ptr<const EventRows>& rows) {
   eventOut = decltype(eventOut)(rows);
   enableEvents = rows->Size();
 }
+
 void ViewModel::SetTrackNo(std::int32_t trackNo) {
   TrackNo = trackNo;
 }
 
 void ViewModel::SetTrackBox(std::int32_t row, bool on) {
-  if (spotRunning || project == nullptr || !trackEnable.Set(row, on)) return;
-  PrepareTrackEdit();
-  std::vector<TrackEdit> edits(places_.tracks.Numbers().size(), TrackEdit::None);
-  const std::int32_t place = places_.tracks.Find(WrapAdd(row, minTrack));
-  if (place != NumberPlaces::kNone)
-    edits[static_cast<std::size_t>(place)] = on ? TrackEdit::On : TrackEdit::Off;
-  EditTracks(edits);
+  if (spotRunning || project == nullptr || !trackEnable.Has(row)) return;
+  try {
+    PrepareTrackEdit();
+    std::vector<TrackEdit> edits(places_.tracks.Numbers().size(), TrackEdit::None);
+    const std::int32_t place = places_.tracks.Find(WrapAdd(row, minTrack));
+    if (place != NumberPlaces::kNone) edits[static_cast<std::size_t>(place)] = EditOf(on);
+    Listed listed = ListAfter(edits);
+    trackEnable.Set(row, on);
+    EditTracks(edits, std::move(listed));
+  } catch (const std::bad_alloc&) {
+    TellNoMemory();
+  }
 }
 
 /// Whoever has put in another project by hand, or another number of events, is served, too.
@@ -178,32 +192,53 @@ void ViewModel::PrepareTrackEdit() {
 void ViewModel::SetTrackBoxes(const std::function<bool(std::int32_t track)>& on) {
   if (spotRunning || project == nullptr) return;
   if (!std::any_of(project->events.begin(), project->events.end(), IsCut)) return;
-  PrepareTrackEdit();
-  std::vector<TrackEdit> edits;
-  for (const std::int32_t track : places_.tracks.Numbers()) {
-    const bool isOn = on(track);
-    // A track has its box even where the numbers span too much for the table to have rows.
-    trackEnable.Set(WrapSubtract(track, minTrack), isOn);
-    edits.push_back(isOn ? TrackEdit::On : TrackEdit::Off);
+  try {
+    PrepareTrackEdit();
+    std::vector<TrackEdit> edits;
+    SparseColumn<bool> boxes = trackEnable;
+    for (const std::int32_t track : places_.tracks.Numbers()) {
+      const bool isOn = on(track);
+      // A track has its box even where the numbers span too much for the table to have rows.
+      boxes.Set(WrapSubtract(track, minTrack), isOn);
+      edits.push_back(EditOf(isOn));
+    }
+    Listed listed = ListAfter(edits);
+    trackEnable = std::move(boxes);
+    EditTracks(edits, std::move(listed));
+  } catch (const std::bad_alloc&) {
+    TellNoMemory();
   }
-  EditTracks(edits);
 }
 
-/// Touches no event but those whose track is edited.
-void ViewModel::EditTracks(const std::vector<TrackEdit>& edits) {
-  EventSet listed = Rows().Listed();
+template <class Change>
+void ViewModel::ForEachEdited(const std::vector<TrackEdit>& edits, const Change& change) const {
   for (std::size_t i = 0; i < places_.ofEvents.size(); ++i) {
     const std::int32_t place = places_.ofEvents[i];
     if (place == NumberPlaces::kNone) continue;
     const TrackEdit edit = edits[static_cast<std::size_t>(place)];
-    if (edit == TrackEdit::None) continue;
-    const bool on = edit == TrackEdit::On;
+    if (edit != TrackEdit::None) change(i, edit == TrackEdit::On);
+  }
+}
+
+ViewModel::Listed ViewModel::ListAfter(const std::vector<TrackEdit>& edits) const {
+  EventSet listed = Rows().Listed();
+  ForEachEdited(
+      edits, [&](std::size_t event, bool on) { listed.Put(static_cast<std::int32_t>(event), on); });
+  return MakeListed(marks_, std::move(listed));
+}
+
+/// Touches no event but those whose track is edited. Needs no memory.
+void ViewModel::EditTracks(const std::vector<TrackEdit>& edits, Listed listed) {
+  ForEachEdited(edits, [&](std::size_t i, bool on) {
     AES31Event& event = project->events[i];
     SetBox(event.trackOn, on);
     eventEnable[i] = on ? BoxOf(event) : EventBox::Placeholder;
-    listed.Put(static_cast<std::int32_t>(i), on);
-  }
-  ShowListed(marks_, std::move(listed));
+  });
+  ShowListed(std::move(listed));
+}
+
+void ViewModel::TellNoMemory() {
+  errorMessage = "Out of memory.";  // a text so short needs none
 }
 
 void ViewModel::SetEventBox(std::int32_t row, bool on) {

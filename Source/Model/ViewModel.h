@@ -34,6 +34,7 @@ class ViewModel {
 
   /// Edits of check boxes, ignored while a spot runs, with no project, and for rows not there. They
   /// touch no event but those concerned: flags that were set by hand show after setupEventList.
+  /// Without memory they change nothing but `errorMessage`.
   void SetTrackBox(std::int32_t row, bool on);
   void SetEventBox(std::int32_t row, bool on);
 
@@ -95,6 +96,13 @@ class ViewModel {
  private:
   enum class TrackEdit : std::uint8_t { None, Off, On };
 
+  /// Rows of the event table, and the line of messages that goes with them.
+  struct Listed {
+    std::shared_ptr<const EventRows> rows;
+    std::shared_ptr<const EventMarks> marks;
+    std::string message;
+  };
+
   bool Load(const std::string& path);
   void FillProjectInfomation();
   void KeepRows();
@@ -102,9 +110,15 @@ class ViewModel {
   [[nodiscard]] std::span<AES31Event> Events() const;
   void PrepareTrackEdit();
   void FillTracks(const std::vector<CutSpan>& spans);
-  /// `edits` by place in `places_`.
-  void EditTracks(const std::vector<TrackEdit>& edits);
-  void ShowListed(std::shared_ptr<const EventMarks> marks, EventSet listed);
+  [[nodiscard]] static TrackEdit EditOf(bool on) { return on ? TrackEdit::On : TrackEdit::Off; }
+  /// Of edits by place in `places_`: what will be listed, and then the edits themselves.
+  [[nodiscard]] Listed ListAfter(const std::vector<TrackEdit>& edits) const;
+  void EditTracks(const std::vector<TrackEdit>& edits, Listed listed);
+  template <class Change>
+  void ForEachEdited(const std::vector<TrackEdit>& edits, const Change& change) const;
+  [[nodiscard]] Listed MakeListed(std::shared_ptr<const EventMarks> marks, EventSet listed) const;
+  void ShowListed(Listed listed);
+  void TellNoMemory();
   void ListNothing();
   void Show(const std::shared_ptr<const EventRows>& rows);
 

@@ -6,6 +6,7 @@
 
 #include "BWF/StreamCopy.h"
 #include "Base/FileAccess.h"
+#include "Base/SystemLog.h"
 
 namespace velmora {
 namespace {
@@ -31,8 +32,13 @@ std::optional<std::int32_t> MadeFiles::CopyOf(const Recipe& recipe, OutputFile& 
   if (target == nullptr) return CopyTargetNotCreated;
   const auto bytes = static_cast<std::uint64_t>(made.stamp.size);
   const bool copied = CopyStream(first.get(), made.path.c_str(), std::move(target), bytes, file);
-  // Somebody may have written to the first one meanwhile.
-  return copied && CurrentStamp(made.path) == made.stamp ? CopyDone : CopyFailed;
+  if (!copied) return CopyFailed;
+  // Somebody may have written to the first one meanwhile. Others look at it, link it or change its
+  // rights, and harm nothing.
+  const std::optional<FileStamp> now = CurrentStamp(made.path);
+  if (now && HasContentsOf(*now, made.stamp)) return CopyDone;
+  SystemLog(made.path + ": was changed while it was copied");
+  return CopyFailed;
 }
 
 bool MadeFiles::IsWorthNoting(const Recipe& recipe) {

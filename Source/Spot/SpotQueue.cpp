@@ -1,6 +1,7 @@
 #include "Spot/SpotQueue.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace velmora {
@@ -81,9 +82,20 @@ bool SpotTask::Execute(RegionHost& host, SpotDisplay& display, SpotFollower* fol
   Host guardedHost(*this, host);
   Observer observer(*this, display, follower);
   const SpotProject project{work_.project.get(), work_.numEvents, work_.minTrack, work_.firstEvent};
-  if (follower != nullptr) follower->Began(project, options_);
+  // An exception that leaves a thread would end the whole host.
+  try {
+    if (follower != nullptr) follower->Began(project, options_);
+  } catch (const std::bad_alloc&) {
+    observer.Log("out of memory");
+    observer.Report(-1);
+    return false;
+  }
   const bool finished = RunSpot(project, options_, guardedHost, observer) && !closing_;
-  if (follower != nullptr) follower->Ended(options_, finished);
+  try {
+    if (follower != nullptr) follower->Ended(options_, finished);
+  } catch (const std::bad_alloc&) {
+    observer.Log("out of memory");
+  }
   return finished;
 }
 

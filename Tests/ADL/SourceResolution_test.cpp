@@ -106,6 +106,13 @@ TEST(ResolveSources, triesTheShortestTailFirst) {
   EXPECT_EQ(session.Found("\"file://srv/Vol/Audio/x.wav\""), "~");
 }
 
+TEST(ResolveSources, aTailThatLeadsToANameTooLongDoesNotEndTheSearch) {
+  const Session session;
+  session.AddWave("Audio/x.wav");
+  std::filesystem::create_symlink(std::string(300, 'n'), session.Path("x.wav"));
+  EXPECT_EQ(session.Found("\"file://srv/Vol/Audio/x.wav\""), "/Audio/x.wav");
+}
+
 TEST(ResolveSources, locationIsNeverUsedAsAPathByItself) {
   const Session elsewhere;
   elsewhere.AddWave("x.wav");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -120,6 +121,23 @@ TEST_F(SameFilesTest, gainsTooIfTheyAreTheSame) {
   EXPECT_TRUE(Read("take_Gain.2.wav") == first);
   EXPECT_FALSE(Read("take_Gain.1.wav") == first);
   EXPECT_EQ(host.PlacedRegions().size(), 3U);
+}
+
+// An indexer or a backup may look at them, link them or change their rights at any time.
+TEST_F(SameFilesTest, factsOfAMadeFileMayChangeWhileItIsCopied) {
+  LoadThreeCuts();
+  std::atomic<bool> ended = false;
+  std::thread meddler([&] {
+    const std::string path = folder.Path(kMade[0]);
+    for (mode_t mode = 0640; !ended; mode ^= 0004) chmod(path.c_str(), mode);
+  });
+  EXPECT_TRUE(Run());
+  ended = true;
+  meddler.join();
+  const std::string expected = Anew(16);
+  for (const std::string& name : kMade) EXPECT_TRUE(Read(name) == expected) << name;
+  EXPECT_EQ(observer.files, (Lines{"depth 0 take_16bit.wav 0", "depth 1 take_16bit.1.wav 0",
+                                   "depth 2 take_16bit.2.wav 0"}));
 }
 
 TEST_F(SameFilesTest, sourceThatChangesIsReadAgain) {

@@ -168,7 +168,7 @@ class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_
   void Start(std::function<void()> before = [] {}) {
     thread_ = std::thread([this, before = std::move(before)] {
       before();
-      completed_ = run->Execute(*this, *this);
+      completed_ = run->Execute(*this, *this, follower);
       ended_ = true;
     });
   }
@@ -211,7 +211,8 @@ class Worker : public SpotDisplay, public RegionHost, public std::enable_shared_
   }
 
   const std::shared_ptr<SpotTask> run;
-  std::vector<std::int32_t> shown;  ///< by the main thread
+  SpotFollower* follower = nullptr;  ///< set before the start, if at all
+  std::vector<std::int32_t> shown;   ///< by the main thread
 
  private:
   Worker(int number, std::shared_ptr<SpotTask> itsRun, HoldingHost& host, MainLoop& loop,

@@ -1,6 +1,7 @@
 #include "Spot/SpotQueue.h"
 
 #include <array>
+#include <new>
 
 #include "SpotQueueSupport.h"
 
@@ -55,6 +56,36 @@ TEST_F(SpotQueueTest, reportsEachStepAndThenTheEnd) {
   EXPECT_FALSE(worker->run->Aborted());
   EXPECT_EQ(host.Sent(), kCuts);
   EXPECT_TRUE(runs.Idle());
+}
+
+/// Has no memory for one of its calls.
+class ForgetfulFollower : public SpotFollower {
+ public:
+  explicit ForgetfulFollower(bool atTheBegin) : atTheBegin_(atTheBegin) {}
+  void Began(const SpotProject& /*project*/, const SpotOptions& /*options*/) override {
+    if (atTheBegin_) throw std::bad_alloc();
+  }
+  void Ended(const SpotOptions& /*options*/, bool /*finished*/) override {
+    if (!atTheBegin_) throw std::bad_alloc();
+  }
+
+ private:
+  const bool atTheBegin_;
+};
+
+TEST_F(SpotQueueTest, aFollowerWithoutMemoryDoesNotEndTheHost) {
+  for (const bool atTheBegin : {false, true}) {
+    ForgetfulFollower follower(atTheBegin);
+    const int before = host.Sent();
+    const auto worker = Request();
+    worker->follower = &follower;
+    worker->Start();
+    RunUntilEnded(worker);
+    EXPECT_EQ(worker->Join(), !atTheBegin);
+    EXPECT_EQ(worker->shown, atTheBegin ? std::vector<std::int32_t>{-1} : kAllReports);
+    EXPECT_EQ(host.Sent() - before, atTheBegin ? 0 : kCuts);
+    EXPECT_EQ(worker->Lines(), std::vector<std::string>{"out of memory"});
+  }
 }
 
 TEST_F(SpotQueueTest, workerStandsStillUntilItsReportIsDelivered) {
