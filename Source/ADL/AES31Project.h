@@ -68,7 +68,7 @@ class AES31Project {
   /// Raw values, by id; null if the file gave none.
   std::array<const char*, kProjectConstants.size()> constants{};
   std::map<std::int32_t, AES31SourceFile> sourceFiles;  ///< by (Index) number
-  std::vector<AES31Event> events;                       ///< by rising entry number
+  std::vector<AES31Event> events;                       ///< of each EVENT_LIST, by rising number
   std::vector<AES31Section> sections;                   ///< the scanned tree
   std::vector<std::vector<AES31Section>> refLists;      ///< one for each <REF> block
   std::vector<const char*> comments;                    ///< from every level, in file order

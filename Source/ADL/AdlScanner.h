@@ -46,7 +46,7 @@ class AdlScanner {
     std::vector<const char*> texts;
   };
 
-  // Each returns the position to go on from, which may lie one past `end_`.
+  // Each returns the position to go on from, which may lie one past `end_`; null ends the scan.
   char* ScanSection(std::vector<AES31Section>& sections, char* at, const char* tag, int depth);
   char* ScanBlock(std::vector<AES31Section>& sections, char* at, const char* tag, int depth);
   char* ScanReferenceList(char* at, int depth);

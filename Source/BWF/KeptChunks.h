@@ -12,7 +12,8 @@ namespace velmora {
 
 /// The chunks of a wave file that are not understood, in file order. It reads like a vector, but
 /// holds only what was asked for: a file can have millions of them, and a size field can claim
-/// gigabytes. What was read once stays, at its address, until this object goes.
+/// gigabytes. What was read once stays, at its address, until this object goes; what was not is
+/// read from the file as it is then.
 ///
 /// Asking in order costs one walk over the file. Asking in any other order costs little more, as
 /// places on the way are remembered.

@@ -19,7 +19,7 @@ namespace velmora {
 
 /// A column of the event table that reads like a constant vector and holds nothing: `Count` and
 /// `Cell` of EventRows answer how many cells it has and what one says. Texts come as strings of
-/// their own; `View` and `AppendTo` get along without.
+/// their own; `View` gets along without.
 template <auto Count, auto Cell>
 class EventColumn {
   using CellType = decltype((std::declval<const EventRows&>().*Cell)(0));
@@ -59,10 +59,6 @@ class EventColumn {
   /// A text as the rows have it, valid as long as they and the project; any other cell as it is.
   [[nodiscard]] auto View(size_type at) const {
     return ((*rows_).*Cell)(static_cast<std::int32_t>(at));
-  }
-  /// Adds a cell's text to the end of `text`.
-  void AppendTo(size_type at, std::string& text) const requires kIsText {
-    text += std::string_view(View(at));
   }
 
   [[nodiscard]] operator std::vector<value_type>() const {  // NOLINT(google-explicit-constructor)
