@@ -33,9 +33,9 @@ constexpr unsigned kMostFileBytes = 1U << 17;
 // samples; more of them would only make the same steps slower. So there is a limit to what all
 // steps of an input ask for together. The step that passes it is made, those after it ask for
 // nothing.
-constexpr std::int64_t kMostPieceBytes = 1 << 15;     // of the frames of pieces and runs
+constexpr std::int64_t kMostPieceBytes = 1 << 14;     // of the frames of pieces and runs
 constexpr std::int64_t kMostBytesOfAPiece = 9000;     // or of one frame
-constexpr std::int64_t kMostBytesOfAFrame = 1 << 18;  // frames beyond it are left out
+constexpr std::int64_t kMostBytesOfAFrame = 1 << 17;  // frames beyond it are left out
 constexpr std::int64_t kMostConverted = 1 << 18;      // samples
 constexpr std::uint16_t kMostDeclared = 9000;         // frames of a file that is written
 
