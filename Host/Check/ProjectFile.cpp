@@ -35,7 +35,7 @@ bool CanBeAdl(std::FILE* file, std::int64_t size) {
   for (std::int64_t at = 0; at < size; at += static_cast<std::int64_t>(kBlock)) {
     const std::size_t count = ReadAt(file, at, block.data(), block.size());
     if (HasWord({block.data(), count})) return true;
-    if (count == 0) return false;
+    if (count == 0) return errno != 0;  // an error is told by whoever reads it whole
   }
   return false;
 }
@@ -64,6 +64,7 @@ ProjectFile ReadProjectFile(const std::string& path) {
     if (std::fread(file.bytes.data(), 1, file.bytes.size(), stream.get()) != file.bytes.size()) {
       file.bytes.clear();
       file.trouble = "the file cannot be read to its end";
+      if (std::ferror(stream.get()) != 0) (file.trouble += ": ") += std::strerror(errno);
     }
   }
   return file;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <ostream>
 #include <utility>
+#include <vector>
 
 #include "Base/FileNames.h"
 #include "Base/SystemLog.h"
@@ -26,6 +27,7 @@
 #include "Program/TruePosition.h"
 #include "Program/Usage.h"
 #include "Recording/RecordedFindings.h"
+#include "Recording/SourceWatch.h"
 #include "Recording/SpotNotes.h"
 #include "Recording/SpotRecording.h"
 #include "Spot/SpotChoices.h"
@@ -144,6 +146,19 @@ bool TellLeftOut(const LeftOut& leftOut) {
   return leftOut.Parts().empty();
 }
 
+/// Tells the sources that have changed since `watch` last looked. True if there are none.
+bool TellChanged(recording::SourceWatch& watch, SpotRecording& recording) {
+  const std::vector<std::string> changed = watch.TakeChanged();
+  for (const std::string& path : changed) {
+    const std::string line = path +
+                             " was changed or removed while it was spotted: what was made of "
+                             "it may lack audio";
+    std::cerr << "velmora: " << Printable(line) << '\n';
+    recording.Message(Kind::Trouble, line, "Spot again once nothing writes to the file.");
+  }
+  return changed.empty();
+}
+
 /// False if standard output took not all of what was written.
 bool StandardOutputHolds() {
   if (std::cout) return true;
@@ -249,17 +264,21 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTarget
     report = std::make_unique<TextSpotReport>(arguments, leftOut, recording, model, session, clock,
                                               showsBar, out);
   }
+  recording::SourceWatch watch(ProjectOf(model));
   RegionHost& receiver = arguments.json ? static_cast<RegionHost&>(tap) : *host;
   const bool finished = Spot(model, rates, options, arguments, receiver, *report, recording);
 
   TellRemarks(session, *host, recording);
-  const bool whole = TellLeftOut(leftOut);
+  bool whole = TellLeftOut(leftOut);
+  if (!arguments.plan && !TellChanged(watch, recording)) whole = false;
   const host::HeardSession heard(session);
   host::SpotRecord record = recording.RecordOf(arguments.project, options, leftOut);
   if (targets.TellOfTheSpot()) {
     record = FullRecord(arguments, options, recording, std::move(record));
   }
   const bool made = targets.Write({session, heard, rates, record}, arguments.json, showsBar);
+  // Targets read the files too, where they have not been copied.
+  if (!arguments.plan && !TellChanged(watch, recording)) whole = false;
   const bool told = StandardOutputHolds();
   if (Interrupted()) return kInterrupted;
   return finished && whole && made && told ? kAllDone : kLeftOut;
