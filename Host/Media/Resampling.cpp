@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Media/AskForMemory.h"
 #include "Media/LateLibrary.h"
 
 namespace velmora::media {
@@ -72,6 +73,9 @@ std::unique_ptr<Resampler> Resampler::Create(std::int32_t rate, std::int32_t oth
   const soxr_io_spec_t samples = library->ioSpec(SOXR_FLOAT64_I, SOXR_FLOAT64_I);
   const soxr_quality_spec_t quality = library->qualitySpec(SOXR_VHQ, 0);
   auto engine = std::make_unique<Engine>(*library);
+  // What it takes by and by for one channel, as far as was seen.
+  constexpr std::size_t kChannelBytes = std::size_t{600} << 10;
+  AskForMemory(static_cast<std::size_t>(channels) * kChannelBytes);
   engine->soxr = library->create(rate, otherRate, static_cast<unsigned>(channels), &error, &samples,
                                  &quality, nullptr);
   if (error != nullptr || engine->soxr == nullptr) {

@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <optional>
 #include <utility>
 
+#include "Media/AskForMemory.h"
 #include "Media/LateLibrary.h"
 #include "Media/MpegFrames.h"
 #include "Media/WaveHeader.h"
@@ -48,6 +48,7 @@ LateFunctions<SndfileFunctions> sndfile(VELMORA_SNDFILE, FindSndfile);
 // What opening may read. Headers take some kilobytes; a picture or a text inside one, megabytes.
 constexpr std::int64_t kMostHeaderBytes = std::int64_t{64} << 20;
 constexpr std::int64_t kMostHeaderReads = 100000;
+constexpr std::size_t kOpeningBytes = std::size_t{64} << 10;  // of memory, by libsndfile
 constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 
 std::string WhyNotOpened(int error) {
@@ -60,13 +61,6 @@ std::string WhyNotOpened(int error) {
     default:
       return std::strerror(error);
   }
-}
-
-/// libsndfile 1.2.0 writes to the table of a file's chunks whether it got memory for that or not.
-/// So what opening takes is asked for beforehand, here where its lack is told, and given back.
-void HaveMemoryForLibrary() {
-  constexpr std::size_t kBytes = std::size_t{64} << 10;
-  ::operator delete(::operator new(kBytes));
 }
 
 /// Bytes of an ID3 tag at a file's beginning (ID3v2, section 3.1), 0 if there is none. libsndfile
@@ -140,7 +134,7 @@ bool SoundFile::OpenAsShown() {
   SF_VIRTUAL_IO access{&SoundFile::Length, &SoundFile::Seek, &SoundFile::Read, &SoundFile::Write,
                        &SoundFile::Tell};
   if (file_ != nullptr) library_->close(file_);
-  HaveMemoryForLibrary();
+  AskForMemory(kOpeningBytes);
   info_ = {};
   place_ = 0;
   file_ = library_->openVirtual(&access, SFM_READ, &info_, this);
