@@ -8,6 +8,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include "Support/SystemConditions.h"
 #import "View/Checks.h"
 #import "View/Driver.h"
 #import "View/Material.h"
@@ -34,10 +35,18 @@ Outcome RunDesktop(const test::TemporaryFolder& folder, std::vector<std::string>
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(),
                                    O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t usual;
+  sigemptyset(&usual);
+  sigaddset(&usual, SIGXFSZ);
+  posix_spawnattr_setsigdefault(&attributes, &usual);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
   pid_t process = 0;
   int status = 0;
   CheckTrue("the program starts",
-            posix_spawn(&process, raw[0], &actions, nullptr, raw.data(), environ) == 0);
+            posix_spawn(&process, raw[0], &actions, &attributes, raw.data(), environ) == 0);
+  posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&actions);
   waitpid(process, &status, 0);
 
@@ -80,6 +89,22 @@ void WritesSnapshot() {
   Check("a project that does not load is a picture too", 0, bad.status);
 }
 
+// A limit for files (ulimit -f) is told like a full disk: its signal, which ends a program, does
+// not.
+void MeetsLimitForFiles() {
+  const test::TemporaryFolder folder;
+  const std::string storm = CopyOfExample(folder, "Storm.adl");
+  const std::string picture = folder.Path("window.png");
+  Check("the program has run before", 0, RunDesktop(folder, {storm, "--snapshot", picture}).status);
+  std::filesystem::remove(picture);
+  constexpr rlim_t kBytes = 4096;  // less than any picture of the window
+  const test::FileSizeLimit limit(kBytes);
+  const Outcome outcome = RunDesktop(folder, {storm, "--snapshot", picture});
+  Check("no signal ends it", 0, outcome.signal);
+  Check("its status tells", 4, outcome.status);
+  CheckContains("by the picture's path", picture, outcome.errors);
+}
+
 void HasNoDisplay() {
   const test::TemporaryFolder folder;
   for (const char* display : {"", ":4711"}) {
@@ -102,6 +127,7 @@ void HasNoDisplay() {
 std::vector<Scenario> ProgramScenarios() {
   return {{"nib-missing", NibIsMissing},
           {"writes-snapshot", WritesSnapshot},
+          {"limits-files", MeetsLimitForFiles},
           {"no-display", HasNoDisplay}};
 }
 
