@@ -54,6 +54,11 @@ NUMBER = re.compile(rb"((?:take|other|mono|stereo|float|rate)[A-Za-z0-9_]*)\.\d+
 # The line of a source in a prepared project: location, reference, start, length, name.
 LENGTH = re.compile(rb'(\(F\) "[^"]*" \S+ \S+) \S+ ("[^"]*" N)')
 
+# What a page, JSON and lines are made of, and how a cause is called where there is no path.
+PARTS = re.compile(r'\n|<[^>]*>|[{}\[\]]|,(?=")')
+CAUSES = ("there is not enough memory", "standard output",
+          *{os.strerror(error) for errors in ERRORS.values() for error in errors if error != "short"})
+
 LIBRARIES = ("libsndfile", "libsoxr", "libFLAC", "libvorbis", "libopus", "libmpg123", "libmp3lame", "libogg")
 
 
@@ -89,9 +94,13 @@ def picture(folder):
     return held
 
 
+# An alias record holds a file's number and times.
+ALIAS = re.compile(rb'("type":"alis","hex":)"[0-9a-f]*"')
+
+
 def without_numbers(text):
     """Names that an error hides are passed over: the next free number is as good."""
-    return NUMBER.sub(rb"\1", text)
+    return ALIAS.sub(rb"\1", NUMBER.sub(rb"\1", text))
 
 
 def heard(path):
@@ -304,19 +313,20 @@ class Place:
 
     @staticmethod
     def news(text, undisturbed):
-        known = set(undisturbed.split("\n"))
-        return [line for line in text.split("\n") if line and line not in known]
+        """What is told that an undisturbed run does not tell: lines, or texts of a page or of JSON."""
+        known = set(PARTS.split(undisturbed))
+        return [part for part in PARTS.split(text) if part.strip() and part not in known]
 
     def names_it(self, run):
-        """A line that the undisturbed run has not, with the path, the thing or the cause."""
-        words = ["velmora: ", "memory", "output", ".adl", ".wav", "place"]
+        """Something is told that the undisturbed run does not tell, with a path, the end of one, or the cause."""
+        words = [os.fspath(self.folder), *CAUSES]
+        words += [name.rpartition("/")[2] for name in [*self.before, *self.task.results] if "." in name]
         news = self.news(run.err, self.undisturbed.err)
         news += self.news(run.out.decode("utf-8", "replace"), self.undisturbed.out.decode("utf-8", "replace"))
-        if self.task.observes:
-            for name in set(self.made) & set(self.task.observes):
-                made = self.results()[name]
-                news += self.news((made or b"").decode("utf-8", "replace"), self.made[name].decode("utf-8", "replace"))
-        return any(word in line for word in words for line in news)
+        for name in set(self.made) & {*self.task.observes, self.task.into}:
+            made = self.results()[name]
+            news += self.news((made or b"").decode("utf-8", "replace"), self.made[name].decode("utf-8", "replace"))
+        return any(word in part for word in words for part in news)
 
     def judge_following(self):
         """A normal run after it works and makes the same. If nothing was left it is the undisturbed one."""

@@ -84,6 +84,12 @@ def clean(folder, scale=1):
                                             m.cut(1, 1, length=1920) + m.cut(2, 2, tracks="2", length=1920)))
 
 
+def two_clean(folder, scale=1):
+    for name in ("one", "two"):
+        (folder / name).mkdir()
+        clean(folder / name, scale)
+
+
 def foreign(folder, scale=1):
     """What prepare links, copies, splits, converts and resamples, and a text that it writes anew."""
     m = prepare_material
@@ -113,13 +119,14 @@ TASKS = [
     Task("check", ["check", "{place}/in/p.adl", "--jobs", "1"], material=clean),
     Task("check-json", ["check", "{place}/in", "--json", "--jobs", "2"], ["new.jsonl"], foreign, fine=LEFT_OUT,
          observes=["new.jsonl"], into="new.jsonl"),
+    Task("check-folder", ["check", "{place}/in", "--json", "--jobs", "2"], ["new.jsonl"], two_clean, into="new.jsonl"),
     Task("prepare", [*PREPARE, "--into", "{place}/out/new"], ["new"], foreign, observes=[OUTPUT]),
     Task("prepare-copies", [*PREPARE, "--copy-media", "--into", "{place}/out/deep/new"], ["deep"], foreign,
          observes=[OUTPUT]),
     Task("spot", [*SPOT, "--fades", "--gain", "--copy-to", "{place}/out/copies", "--host", "embedded:{place}/out/new.json"],
          ["copies", "new.json"]),
     Task("spot-json", [*SPOT, "--fades", "--gain", "--json", "--copy-to", "{place}/out/copies"], ["copies", "new.jsonl"],
-         observes=["new.jsonl"], into="new.jsonl"),
+         into="new.jsonl"),
     Task("spot-beside", [*SPOT, "--fades", "--gain", "--depth", "16"], [BESIDE]),
     Task("spot-prepare", [*SPOT, "--resample", "--prepare={place}/out/clean", "--copy-to", "{place}/out/copies"],
          ["clean", "copies"], foreign),

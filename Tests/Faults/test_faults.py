@@ -16,7 +16,7 @@ from program import SANITIZED, SLOWNESS
 from tasks import BY_NAME
 
 # By task: kinds of which every call is tried, with every error, and how far apart the others are.
-EVERY = ["create", "list", "rename", "link", "remove", "folder", "change", "sync", "copy", "start", "pipe"]
+EVERY = ["create", "list", "rename", "link", "remove", "folder", "change", "sync", "copy", "start", "pipe", "seek", "map"]
 SHARE = {
     "spot": [*EVERY, "write"],
     "prepare": [*EVERY, "write"],
@@ -25,6 +25,7 @@ SHARE = {
     "bounce-tracks": [*EVERY, "write"],
     "report-alone": [*EVERY, "write"],
     "check": [*EVERY, "write", "open"],
+    "check-folder": ["start", "seek", "map", "write", "open"],
     "ardour": ["rename", "remove", "list"],
 }
 APART = {"open": 5, "look": 11, "read": 29, "close": 9}
@@ -64,7 +65,7 @@ class Faults(unittest.TestCase):
 
     def test_calls_of_the_other_kinds_far_apart(self):
         apart = {kind: stride * SLOWNESS for kind, stride in APART.items()}
-        self.drive(["spot", "prepare", "check", "bounce", "report-alone"], lambda name: list(apart), apart)
+        self.drive(["spot", "prepare", "check-folder", "bounce", "report-alone"], lambda name: list(apart), apart)
 
     @unittest.skipIf(SANITIZED, "the sanitizer has requests for memory of its own")
     def test_requests_for_memory_far_apart(self):
