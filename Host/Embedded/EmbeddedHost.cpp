@@ -133,7 +133,7 @@ std::int32_t EmbeddedHost::Place(const char* path, const RegionPlacement& placem
                        plain[1] != '/' && plain.back() != '/';
   if (!isPlain) return SessionHost::Place(path, placement, name);
   const std::int64_t now = clock_();
-  const KnownFiles::iterator known = files_.find(plain);
+  KnownFiles::iterator known = files_.find(plain);
   const bool holds = known != files_.end() && known->second.seen.has_value() &&
                      now - *known->second.seen < kLookHolds;
   FillRegionMessage(placement, name, message_);
@@ -148,21 +148,24 @@ std::int32_t EmbeddedHost::Place(const char* path, const RegionPlacement& placem
     }
   }
   ReceivedRegion received;
-  if (const MacStatus status = ReadRegionMessage(message_, received); status != noErr) {
-    return status;
-  }
-  if (!holds && !S_ISREG(facts.st_mode)) return notAFileErr;
-  KnownFile& file = Land(received, plain, known);
-  if (!holds) {
-    const bool isKept = !file.alias.empty() && file.aliasStamp == StampOf(facts);
-    file.seen = isKept && facts.st_nlink == 1 ? std::optional(now) : std::nullopt;
-  }
-  return noErr;
+  const MacStatus refusal = ReadRegionMessage(message_, received);
+  if (refusal == noErr && !holds && !S_ISREG(facts.st_mode)) return notAFileErr;
+  if (known == files_.end()) known = files_.try_emplace(std::string(plain)).first;
+  if (!holds) NoteLook(known->second, facts, now);
+  if (refusal == noErr) Land(received, plain, known);
+  return refusal;
+}
+
+/// A region that is refused comes 80 times in a row, so the look counts for it as well.
+void EmbeddedHost::NoteLook(KnownFile& file, const struct stat& facts, std::int64_t now) {
+  const bool isKept = !file.alias.empty() && file.aliasStamp == StampOf(facts);
+  const bool holds = isKept && facts.st_nlink == 1 && S_ISREG(facts.st_mode);
+  file.seen = holds ? std::optional(now) : std::nullopt;
 }
 
 /// @param known what is known of the file; the end for nothing
-EmbeddedHost::KnownFile& EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
-                                            KnownFiles::iterator known) {
+void EmbeddedHost::Land(const ReceivedRegion& received, std::string_view path,
+                        KnownFiles::iterator known) {
   SessionRegion region;
   region.track = received.track;
   region.position = received.position;
@@ -172,17 +175,16 @@ EmbeddedHost::KnownFile& EmbeddedHost::Land(const ReceivedRegion& received, std:
   region.path = path;
   region.name = received.name;
   const std::size_t index = session_->Place(std::move(region));
-  if (known == files_.end()) known = Probe(path);
+  if (known == files_.end()) known = files_.try_emplace(std::string(path)).first;
+  if (!known->second.isProbed) Probe(known->first, known->second);
   RemarkOn(index, known->second);
-  return known->second;
 }
 
-EmbeddedHost::KnownFiles::iterator EmbeddedHost::Probe(std::string_view path) {
-  const auto known = files_.try_emplace(std::string(path)).first;
-  AES31BWF wave(known->first.c_str());
-  known->second.isWave = wave.IsValid();
-  known->second.frames = wave.frames;
-  return known;
+void EmbeddedHost::Probe(const std::string& path, KnownFile& file) {
+  AES31BWF wave(path.c_str());
+  file.isProbed = true;
+  file.isWave = wave.IsValid();
+  file.frames = wave.frames;
 }
 
 void EmbeddedHost::RemarkOn(std::size_t index, const KnownFile& file) {

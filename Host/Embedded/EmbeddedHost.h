@@ -60,6 +60,7 @@ class EmbeddedHost : public SessionHost {
  private:
   /// What is known of a file whose regions have come.
   struct KnownFile {
+    bool isProbed = false;  ///< a region of it has landed, so that the next two are known
     bool isWave = false;
     std::uint64_t frames = 0;
     /// Its alias, once it was asked for again, and the stamp of the file that it is true for.
@@ -79,9 +80,9 @@ class EmbeddedHost : public SessionHost {
   static std::int64_t SteadyNanoseconds();
   MacStatus AliasOf(std::string_view path, const struct stat& facts, KnownFiles::iterator known,
                     std::vector<std::uint8_t>& alias);
-  KnownFile& Land(const ReceivedRegion& received, std::string_view path,
-                  KnownFiles::iterator known);
-  KnownFiles::iterator Probe(std::string_view path);
+  static void NoteLook(KnownFile& file, const struct stat& facts, std::int64_t now);
+  void Land(const ReceivedRegion& received, std::string_view path, KnownFiles::iterator known);
+  static void Probe(const std::string& path, KnownFile& file);
   void RemarkOn(std::size_t index, const KnownFile& file);
 
   Session* session_;

@@ -1,6 +1,9 @@
 #include "Program/JsonSpotReport.h"
 
+#include <algorithm>
 #include <ostream>
+#include <string_view>
+#include <vector>
 
 #include "Program/MessageJson.h"
 
@@ -23,6 +26,20 @@ Json OptionsJson(const SpotOptions& options) {
           {"copySource", options.copySource},
           {"timelineOffset", options.timelineOffset},
           {"relativeTrack", options.relativeTrack}};
+}
+
+bool Same(const std::vector<RegionParameter>& a, const std::vector<RegionParameter>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const RegionParameter& x, const RegionParameter& y) {
+                      return x.key == y.key && x.type == y.type && x.data == y.data;
+                    });
+}
+
+bool Same(const RegionMessage& a, const RegionMessage& b) {
+  return a.eventClass == b.eventClass && a.eventId == b.eventId && a.target == b.target &&
+         a.returnId == b.returnId && a.transactionId == b.transactionId &&
+         a.sendMode == b.sendMode && a.timeoutTicks == b.timeoutTicks &&
+         Same(a.parameters, b.parameters) && Same(a.region, b.region);
 }
 
 }  // namespace
@@ -69,12 +86,22 @@ void JsonSpotReport::FileMade(FilePass pass, std::int32_t event, const std::stri
 void JsonSpotReport::RegionTried(std::int32_t event, RegionPiece piece, std::int32_t attempt,
                                  std::int32_t status) {
   SpotReport::RegionTried(event, piece, attempt, status);
-  Write({{"kind", "region"},
-         {"event", event},
-         {"piece", NameOf(piece)},
-         {"attempt", attempt},
-         {"status", status},
-         {"message", tap_.Last() ? MessageJson(*tap_.Last()) : Json()}});
+  Json line = {{"kind", "region"},   {"event", event},   {"piece", NameOf(piece)},
+               {"attempt", attempt}, {"status", status}, {"message", nullptr}};
+  const std::optional<RegionMessage>& message = tap_.Last();
+  if (!message || status == 0) {
+    if (message) line["message"] = MessageJson(*message);
+    Write(line);
+    return;
+  }
+  if (!refused_ || !Same(*refused_, *message)) {
+    refused_ = message;
+    refusedText_ = host::JsonText(MessageJson(*message));
+  }
+  constexpr std::string_view kNull = "null}";
+  std::string text = host::JsonText(line);
+  text.resize(text.size() - kNull.size());
+  out_ << text << refusedText_ << "}\n" << std::flush;
 }
 
 }  // namespace velmora::program

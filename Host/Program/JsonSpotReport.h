@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 
 #include "Program/SpotReport.h"
@@ -29,6 +30,9 @@ class JsonSpotReport : public SpotReport {
   void Write(const host::Json& line);
 
   const MessageTap& tap_;
+  // The last message that was refused, and its JSON: it comes 80 times in a row.
+  std::optional<RegionMessage> refused_;
+  std::string refusedText_;
   std::ostream& out_;
 };
 

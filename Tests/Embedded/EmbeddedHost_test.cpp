@@ -755,6 +755,37 @@ TEST_F(HeldLookTest, lookAtAFileJustMadeHoldsForNoTime) {
   EXPECT_EQ(Place(fresh), fnfErr);
 }
 
+/// A region that is refused comes 80 times in a row.
+TEST_F(HeldLookTest, lookHoldsForRefusedRegionsToo) {
+  const std::string other = folder_.Write("other.wav", Wave(10));
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  constexpr RegionPlacement kNoTrack = {.track = -5, .stop = 1};  // no session has it
+  const auto refused = [&] { return still_.Place(other.c_str(), kNoTrack, "x"); };
+  now_ = EmbeddedHost::kLookHolds;
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(refused(), paramErr);
+  const std::size_t regions = session_.Regions().size();
+  std::filesystem::remove(other);
+  EXPECT_EQ(refused(), paramErr) << "the last look holds";
+  now_ = 2 * EmbeddedHost::kLookHolds;
+  EXPECT_EQ(refused(), fnfErr);
+  folder_.Write("other.wav", Wave(20));
+  EXPECT_EQ(session_.Regions().size(), regions);
+  const std::size_t remarks = still_.Remarks().size();
+  // The first region that lands has its file opened, and not one that was refused before.
+  ASSERT_EQ(still_.Place(other.c_str(), {.stop = 20}, "x"), noErr);
+  EXPECT_EQ(still_.Remarks().size(), remarks);
+}
+
+TEST_F(HeldLookTest, refusedRegionOfAFolderOpensNoWayForOthers) {
+  const std::string folder = folder_.Path("takes");
+  std::filesystem::create_directory(folder);
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(still_.Place(folder.c_str(), {.track = -5, .stop = 1}, "x"), paramErr);
+  }
+  EXPECT_EQ(still_.Place(folder.c_str(), {.stop = 1}, "x"), notAFileErr);
+}
+
 TEST_F(EmbeddedHostTest, spotterOfAMissingFileSendsNothing) {
   const std::string gone = folder_.Path("gone.wav");
   RegionSpotter spotter(gone.c_str(), 0, 10, host_);
