@@ -15,6 +15,7 @@
 #include "Session/RegionLabel.h"
 #include "Session/StagedFile.h"
 #include "Session/XmlDocument.h"
+#include "Session/XmlText.h"
 
 namespace velmora::dawproject {
 namespace {
@@ -23,23 +24,44 @@ constexpr std::int64_t kNoMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
 constexpr double kXmlShare = 0.1;  ///< of the work, where media go inside
 
-/// Hands what pugixml writes to an entry.
+/// Hands what pugixml writes to an entry, with references to characters that are not to be shown.
 class EntryWriter : public pugi::xml_writer {
  public:
   explicit EntryWriter(ZipFile& zip) : zip_(zip) {}
   void write(const void* bytes, std::size_t count) override {
-    // The file remembers a failure.
-    static_cast<void>(zip_.Write(bytes, count));
+    const std::string_view text(static_cast<const char*>(bytes), count);
+    const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x7F; };
+    if (begun_.empty() && std::all_of(text.begin(), text.end(), isPlain)) {
+      Put(text);
+      return;
+    }
+    // A block may end in the middle of a character, whose bytes after the first begin with 10.
+    begun_ += text;
+    std::size_t last = begun_.size();
+    while (last > 0 && (begun_[last - 1] & 0xC0) == 0x80) --last;
+    const bool isWhole = last == 0 || isPlain(begun_[last - 1]);
+    const std::size_t end = isWhole ? begun_.size() : last - 1;
+    Put(host::WithReferences(std::string_view(begun_).substr(0, end)));
+    begun_.erase(0, end);
   }
+  /// To be called once after the last write.
+  void Finish() { Put(host::WithReferences(begun_)); }
 
  private:
+  void Put(std::string_view text) {
+    // The file remembers a failure.
+    if (!text.empty()) static_cast<void>(zip_.Write(text.data(), text.size()));
+  }
+
   ZipFile& zip_;
+  std::string begun_;
 };
 
 bool AddXml(ZipFile& zip, const char* name, const pugi::xml_document& xml) {
   if (!zip.Begin(name, ZipFile::Packing::Deflated, kNoMost)) return false;
   EntryWriter writer(zip);
   xml.save(writer, " ", pugi::format_indent, pugi::encoding_utf8);
+  writer.Finish();
   return zip.End();
 }
 

@@ -1,29 +1,24 @@
 #include "Report/Markup.h"
 
+#include "Base/HarmfulCharacters.h"
 #include "Base/Utf8.h"
 
 namespace velmora::report {
 namespace {
 
-/// What HTML has no reference for, and XML-minded readers refuse.
-bool IsControl(char32_t character) {
-  return (character < 0x20 && character != '\t' && character != '\n') ||
-         (character >= 0x7F && character < 0xA0);
-}
-
 bool IsNoCharacter(char32_t character) {
   return (character & 0xFFFE) == 0xFFFE || (character >= 0xFDD0 && character <= 0xFDEF);
 }
 
-/// Embeddings, overrides and isolates: a name can look like another one by them. The marks that
-/// texts in Arabic or Hebrew need are no such characters.
-bool TurnsDirection(char32_t character) {
-  return (character >= 0x202A && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069);
+/// The marks that texts in Arabic and Hebrew need. On a page each text has a direction of its own,
+/// so that they turn nothing else.
+bool IsDirectionMark(char32_t character) {
+  return character == 0x061C || character == 0x200E || character == 0x200F;
 }
 
 bool IsShown(char32_t character) {
-  return !IsControl(character) && !IsNoCharacter(character) && !TurnsDirection(character);
+  if (character == '\t' || character == '\n') return true;
+  return !IsHarmful(character) && !IsNoCharacter(character);
 }
 
 }  // namespace
@@ -53,6 +48,10 @@ std::string Html(std::string_view text) {
       default:
         if (character >= 0x20 && character < 0x7F) {  // nearly all there is
           html += static_cast<char>(character);
+          break;
+        }
+        if (IsDirectionMark(character)) {  // not as it is: whoever looks at the source sees it
+          html += character == 0x061C ? "&#x61C;" : character == 0x200E ? "&#x200E;" : "&#x200F;";
           break;
         }
         AppendUtf8(html, IsShown(character) ? character : kReplacement);

@@ -10,4 +10,9 @@ namespace velmora::host {
 /// two line ends, U+FFFE and U+FFFF). Markup is not escaped; that is for whoever writes the XML.
 [[nodiscard]] std::string XmlText(std::string_view text);
 
+/// Markup that a writer of XML has made of such texts, with a reference, such as `&#x9B;`, in place
+/// of each character that nobody is to be shown as it is (Base/HarmfulCharacters.h). Whoever reads
+/// it has the same values. The markup must be whole characters.
+[[nodiscard]] std::string WithReferences(std::string_view markup);
+
 }  // namespace velmora::host

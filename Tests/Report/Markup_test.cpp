@@ -24,7 +24,12 @@ TEST(Markup, showsWhatIsNoTextAsReplacementCharacters) {
 
 TEST(Markup, showsWhatTurnsTheDirectionOfWriting) {
   EXPECT_EQ(Html("a\u202Egnp.exe\u2066\u2069\u202A"), "a\uFFFDgnp.exe\uFFFD\uFFFD\uFFFD");
-  EXPECT_EQ(Html("\u05E9\u200F \u0639"), "\u05E9\u200F \u0639");
+  EXPECT_EQ(Html("\u05E9\u200F \u0639\u061C\u200E"), "\u05E9&#x200F; \u0639&#x61C;&#x200E;");
+}
+
+TEST(Markup, showsWhatNobodySeesAsReplacementCharacters) {
+  EXPECT_EQ(Html("a\u200Bb\u2028\u2060\uFEFF\U000E0041"), "a\uFFFDb\uFFFD\uFFFD\uFFFD\uFFFD");
+  EXPECT_EQ(Html("a\u00ADb\u200Dc"), "a\u00ADb\u200Dc");  // needed by texts and Shift-JIS
 }
 
 TEST(Markup, showsHalvesOfSurrogatePairsAsReplacementCharacters) {

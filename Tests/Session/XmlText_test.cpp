@@ -30,5 +30,12 @@ TEST(XmlText, holdsOnlyWhatXmlCanHold) {
   for (const auto& row : rows) EXPECT_EQ(XmlText(row.text), row.expected) << row.rule;
 }
 
+TEST(XmlText, markupTellsWhatIsNotToBeShownByReferences) {
+  EXPECT_EQ(WithReferences("<a b=\"x\u009By\u0085\">\x7F\u202E\u200B\u2028\U000E0041</a>\n\t"),
+            "<a b=\"x&#x9B;y&#x85;\">&#x7F;&#x202E;&#x200B;&#x2028;&#xE0041;</a>\n\t");
+  EXPECT_EQ(WithReferences("Gr\u00F6\u00DFe \u97F3 \u00AD\u200D&amp;"),
+            "Gr\u00F6\u00DFe \u97F3 \u00AD\u200D&amp;");
+}
+
 }  // namespace
 }  // namespace velmora::host
