@@ -221,7 +221,7 @@ def number_project(number, time):
 
 # --- Wave headers that lie -------------------------------------------------------------------------------------------
 
-LIES = [0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 13]
+LIES = [0, 1, 7, 13, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF]
 _AUDIO = wave(200)[44:]
 
 
@@ -253,3 +253,40 @@ def lying_waves():
                 head = b"".join(struct.pack("<" + form, (lie & ((1 << 8 * struct.calcsize(form)) - 1)) if at == lied else value)
                                 for at, (_, form, value) in enumerate(fields))
                 yield f"{'rf64' if rf64 else 'riff'} {what} {lie:x}", head + _AUDIO
+
+
+def _chunk(name, content, claimed=None):
+    return name + struct.pack("<I", len(content) if claimed is None else claimed) + content
+
+
+def shuffled_waves():
+    """Chunks that are twice there, in another order, missing, or that lead astray: pairs of a name and the bytes."""
+    def fmt(bits=24, channels=1, tag=1):
+        block = channels * bits // 8
+        return _chunk(b"fmt ", struct.pack("<HHIIHH", tag, channels, 48000, 48000 * block, block, bits))
+
+    data, bext = _chunk(b"data", _AUDIO), _chunk(b"bext", bytes(602))
+    orders = {
+        "data before fmt": data + fmt(), "data alone": data, "fmt alone": fmt(), "nothing": b"",
+        "two fmt": fmt() + fmt(16, 2) + data, "fmt before and after": fmt() + data + fmt(16, 2),
+        "two data": fmt() + data + _chunk(b"data", b"\x7f" * 600), "empty data first": fmt() + _chunk(b"data", b"") + data,
+        "two bext": fmt() + bext + _chunk(b"bext", b"b" * 602) + data, "bext after data": fmt() + data + bext,
+        "short bext": fmt() + _chunk(b"bext", b"b" * 600) + data, "bext of one byte": fmt() + _chunk(b"bext", b"b") + data,
+        "short fmt": _chunk(b"fmt ", b"\1\0\1\0") + data, "odd fmt": fmt()[:4] + struct.pack("<I", 17) + fmt()[8:] + b"\0" + data,
+        "long fmt": fmt()[:4] + struct.pack("<I", 4096) + fmt()[8:] + bytes(4080) + data,
+        "chunk past the end": fmt() + _chunk(b"junk", b"j" * 10, 1 << 20) + data,
+        "last chunk past the end": fmt() + data + _chunk(b"junk", b"j" * 10, 0xFFFFFFFF),
+        "chunk that leads back": fmt() + _chunk(b"junk", b"j" * 10, 0xFFFFFFF0) + data,
+        "chunk of the size of its head": fmt() + _chunk(b"junk", b"", 0xFFFFFFF8) + data,
+        "a thousand empty chunks": fmt() + _chunk(b"junk", b"") * 1000 + data,
+        "a name of NULs": fmt() + _chunk(b"\0\0\0\0", b"") + data,
+        "half a head": fmt() + data + b"jun", "ds64 without RF64": _chunk(b"ds64", bytes(28)) + fmt() + data,
+        "extensible without its end": fmt(tag=0xFFFE) + data, "no known tag": fmt(tag=0x4711) + data,
+    }
+    for name, body in orders.items():
+        yield f"riff {name}", b"RIFF" + struct.pack("<I", len(body) + 4) + b"WAVE" + body
+        yield f"rf64 {name}", (b"RF64\xff\xff\xff\xffWAVE" + _chunk(b"ds64", struct.pack("<QQQI", len(body) + 40, len(_AUDIO), 200, 0))
+                              + body)  # fmt: skip
+    whole = b"RIFF" + struct.pack("<I", 4 + len(fmt() + data)) + b"WAVE" + fmt() + data
+    for end in (0, 1, 4, 8, 11, 12, 16, 20, 35, 36, 40, 43, 44, 45, len(whole) - 1):
+        yield f"cut off at {end}", whole[:end]
