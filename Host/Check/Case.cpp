@@ -15,7 +15,7 @@ bool StandsBefore(const FaultyLine& a, const FaultyLine& b) {
 
 }  // namespace
 
-Case::Case(const field::Project& fieldProject, const std::vector<SourceMedia>& sourceMedia,
+Case::Case(const field::Project& fieldProject, const SourceMediaList& sourceMedia,
            const CheckOptions& checkOptions, std::string projectFolder, SystemReading systemReading)
     : project(fieldProject),
       media(sourceMedia),
@@ -37,14 +37,17 @@ Case::Case(const field::Project& fieldProject, const std::vector<SourceMedia>& s
 void Case::FindFaultyLines() {
   const bool seesAll = std::find(seen_.begin(), seen_.end(), nullptr) == seen_.end();
   if (seesAll && system.Faults().empty()) return;
+  faultyLines_.reserve(system.Faults().size());
   for (const SystemFault& fault : system.Faults()) {
+    const std::size_t letter = system.OffsetOf(fault.line->label);
     faultyLines_.push_back({.fault = fault.fault,
-                            .offset = fault.offset > 0 ? fault.offset - 1 : 0,
+                            .offset = static_cast<std::uint32_t>(letter > 0 ? letter - 1 : 0),
                             .place = std::nullopt,
                             .label = fault.line->label});
   }
   FindFaultyLines<SourceIndexRules>("SOURCE_INDEX");
   FindFaultyLines<EventListRules>("EVENT_LIST");
+  if (std::is_sorted(faultyLines_.begin(), faultyLines_.end(), StandsBefore)) return;
   std::stable_sort(faultyLines_.begin(), faultyLines_.end(), StandsBefore);
 }
 
@@ -60,7 +63,8 @@ void Case::FindFaultyLines(std::string_view section) {
     const Fault fault = rules.Take({.label = Line(place).label,
                                     .valueCount = Line(place).valueCount,
                                     .first = first != nullptr ? text.c_str() : nullptr});
-    const FaultyLine line = {fault, LabelOffset(place), place, std::string(Line(place).label)};
+    const FaultyLine line = {fault, static_cast<std::uint32_t>(LabelOffset(place)), place,
+                             Line(place).label};
     if (System(place) == nullptr) {
       if (fault != Fault::None) faultyLines_.push_back(line);
       return;

@@ -19,20 +19,20 @@ namespace velmora::check {
 /// A line that makes the system refuse the project, now or once what hides it is gone.
 struct FaultyLine {
   Fault fault = Fault::None;
-  std::size_t offset = 0;                  ///< of its opening parenthesis
+  std::uint32_t offset = 0;                ///< of its opening parenthesis
   std::optional<field::EntryPlace> place;  ///< none for a label inside a comment
-  std::string label;
+  std::string_view label;                  ///< of the file, or of the system's copy of it
 };
 
 /// What the judges have before them: a project as it was meant, its files, and what the system
 /// makes of the same bytes.
 class Case {
  public:
-  Case(const field::Project& fieldProject, const std::vector<SourceMedia>& sourceMedia,
+  Case(const field::Project& fieldProject, const SourceMediaList& sourceMedia,
        const CheckOptions& checkOptions, std::string folder, SystemReading systemReading);
 
   const field::Project& project;
-  const std::vector<SourceMedia>& media;  ///< one for each source of the project, in its order
+  const SourceMediaList& media;  ///< one for each source of the project, in its order
   const CheckOptions& options;
   const std::string folder;  ///< the ADL's, absolute, without a slash at its end
   const SystemReading system;

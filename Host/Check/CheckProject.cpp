@@ -83,10 +83,10 @@ class MediaReader {
   std::map<std::string, SourceMedia> files_;  ///< by path
 };
 
-std::vector<std::optional<field::SourceAudio>> AudioOf(const std::vector<SourceMedia>& media) {
+std::vector<std::optional<field::SourceAudio>> AudioOf(const SourceMediaList& media) {
   std::vector<std::optional<field::SourceAudio>> audio;
   audio.reserve(media.size());
-  for (const SourceMedia& source : media) audio.push_back(AudioOf(source));
+  for (std::size_t i = 0; i < media.size(); ++i) audio.push_back(AudioOf(media[i]));
   return audio;
 }
 
@@ -175,10 +175,10 @@ CheckedProject CheckProject(const std::string& path, const CheckOptions& options
   }
   const std::string folder = FolderOf(path);
   MediaReader media(*checked.project, options, listings, folder, cancelled);
-  checked.media.reserve(checked.project->sources.size());
+  checked.media.Reserve(checked.project->sources.size());
   for (const field::Source& source : checked.project->sources) {
     if (cancelled && cancelled()) return checked;
-    checked.media.push_back(media.Read(source));
+    checked.media.Add(media.Read(source));
   }
   field::DecideFileStarts(*checked.project, AudioOf(checked.media));
   AskJudges(checked, options, folder, std::move(*readings.system));

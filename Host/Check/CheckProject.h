@@ -34,7 +34,7 @@ struct CheckedProject {
   std::string path;  ///< absolute
   Verdict verdict = Verdict::Unreadable;
   std::unique_ptr<field::Project> project;  ///< null if the file could not be read at all
-  std::vector<SourceMedia> media;           ///< one for each source of the project, in its order
+  SourceMediaList media;                    ///< one for each source of the project, in its order
   std::vector<Finding> findings;            ///< by place in the file, those of the whole file first
 
   [[nodiscard]] std::size_t Count(Severity severity) const;

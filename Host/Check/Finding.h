@@ -10,12 +10,12 @@
 namespace velmora::check {
 
 /// What becomes of the project if nothing is done, the worst first.
-enum class Severity { Fails, Misplaced, Lost, Note };
+enum class Severity : std::uint8_t { Fails, Misplaced, Lost, Note };
 
 /// The name in JSON: "fails", "misplaced", "lost", "note".
 [[nodiscard]] const char* NameOf(Severity severity);
 
-enum class Code {
+enum class Code : std::uint8_t {
   NotAnAdl,
   FadeSeparator,
   FadeForm,
@@ -114,15 +114,16 @@ inline constexpr auto kCodes = std::to_array<CodeRow>({
   return kCodes[static_cast<std::size_t>(code)];
 }
 
-/// One thing that will go wrong, or is worth knowing. Texts are UTF-8, for a sound engineer.
+/// One thing that will go wrong, or is worth knowing. Texts are UTF-8, for a sound engineer. Small,
+/// since odd files have millions; numbers of 32 bits hold every place of a file that is checked.
 struct Finding {
   Code code = Code::NotAnAdl;
   Severity severity = Severity::Note;
-  std::int64_t line = 0;               ///< from 1; 0: the file as a whole
-  std::int64_t column = 0;             ///< in bytes, from 1; 0: the file as a whole
+  std::int32_t line = 0;               ///< from 1; 0: the file as a whole
+  std::int32_t column = 0;             ///< in bytes, from 1; 0: the file as a whole
   std::optional<std::int32_t> entry;   ///< number of the (Entry)
   std::optional<std::int32_t> source;  ///< number of the (Index)
-  std::string text;                    ///< what stands there
+  SharedText text;                     ///< what stands there
   SharedText effect;                   ///< what the system will do with it
   SharedText remedy;                   ///< what helps
 };

@@ -1,11 +1,27 @@
 #include "Check/Findings.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <tuple>
 #include <utility>
 
 #include "Field/TextPlaces.h"
 
 namespace velmora::check {
+namespace {
+
+std::uint32_t Narrow(std::size_t place) {
+  return static_cast<std::uint32_t>(place);
+}
+
+/// The text, as the one that was said before if that is the same.
+const SharedText& Share(SharedText& said, std::string text) {
+  if (said.Text() != text) said = std::move(text);
+  return said;
+}
+
+}  // namespace
 
 Findings::Findings(const field::Project& project)
     : project_(project),
@@ -25,7 +41,7 @@ Findings::Findings(const field::Project& project)
     for (std::size_t i = 0; i < stretches.size(); ++i) {
       const auto next =
           std::upper_bound(sectionStarts.begin(), sectionStarts.end(), stretches[i].begin);
-      stretches[i].end = next != sectionStarts.end() ? *next : tree.file.size();
+      stretches[i].end = Narrow(next != sectionStarts.end() ? *next : tree.file.size());
       if (i + 1 < stretches.size()) {
         stretches[i].end = std::min(stretches[i].end, stretches[i + 1].begin);
       }
@@ -33,11 +49,13 @@ Findings::Findings(const field::Project& project)
   };
   eventStretches_.reserve(project.events.size());
   for (std::size_t i = 0; i < project.events.size(); ++i) {
-    eventStretches_.push_back({tree.OffsetOf(tree.entries[project.events[i].place]), 0, i});
+    const std::size_t begin = tree.OffsetOf(tree.entries[project.events[i].place]);
+    eventStretches_.push_back({Narrow(begin), 0, Narrow(i)});
   }
   close(eventStretches_);
   for (std::size_t i = 0; i < project.sources.size(); ++i) {
-    sourceStretches_.push_back({tree.OffsetOf(tree.entries[project.sources[i].place]), 0, i});
+    const std::size_t begin = tree.OffsetOf(tree.entries[project.sources[i].place]);
+    sourceStretches_.push_back({Narrow(begin), 0, Narrow(i)});
   }
   close(sourceStretches_);
 }
@@ -49,7 +67,7 @@ std::optional<std::size_t> Findings::Find(const std::vector<Stretch>& stretches,
                        [](std::size_t at, const Stretch& stretch) { return at < stretch.begin; });
   if (after == stretches.begin()) return std::nullopt;
   const Stretch& stretch = *(after - 1);
-  return offset < stretch.end ? std::optional(stretch.which) : std::nullopt;
+  return offset < stretch.end ? std::optional<std::size_t>(stretch.which) : std::nullopt;
 }
 
 std::optional<std::size_t> Findings::EventAt(std::size_t offset) const {
@@ -66,16 +84,16 @@ void Findings::Add(Code code, Severity severity, const Place& place, Words words
     if (!place.event) full.event = EventAt(place.offset);
     if (!place.source && !full.event) full.source = SourceAt(place.offset);
   }
+  const std::size_t order = findings_.size();
   Finding& finding = findings_.emplace_back();
   finding.code = code;
   finding.severity = severity;
-  finding.line = static_cast<std::int64_t>(place.offset + 1);
-  finding.text = std::move(words.text);
+  finding.line = static_cast<std::int32_t>(place.offset + 1);
+  finding.column = static_cast<std::int32_t>(order);
   Said& said = said_[static_cast<std::size_t>(code)];
-  if (said.effect.Text() != words.effect) said.effect = std::move(words.effect);
-  if (said.remedy.Text() != words.remedy) said.remedy = std::move(words.remedy);
-  finding.effect = said.effect;
-  finding.remedy = said.remedy;
+  finding.text = Share(said.text, std::move(words.text));
+  finding.effect = Share(said.effect, std::move(words.effect));
+  finding.remedy = Share(said.remedy, std::move(words.remedy));
   FillNumbers(full, finding);
   if (severity == Severity::Note) return;
   if (full.event) {
@@ -97,14 +115,17 @@ bool Findings::Has(Code code, Severity severity) const {
 }
 
 std::vector<Finding> Findings::Finish() && {
-  std::stable_sort(findings_.begin(), findings_.end(),
-                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
+  // In place, where a stable sort would take half as much memory again.
+  std::sort(findings_.begin(), findings_.end(), [](const Finding& a, const Finding& b) {
+    return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+  });
   const field::TextPlaces places(project_.tree.file);
   for (Finding& finding : findings_) {
+    finding.column = 0;
     if (finding.line == 0) continue;
     const field::TextPlace place = places.At(static_cast<std::size_t>(finding.line - 1));
-    finding.line = place.line;
-    finding.column = place.column;
+    finding.line = static_cast<std::int32_t>(place.line);
+    finding.column = static_cast<std::int32_t>(place.column);
   }
   return std::move(findings_);
 }

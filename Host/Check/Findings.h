@@ -53,10 +53,10 @@ class Findings {
   [[nodiscard]] std::optional<std::size_t> SourceAt(std::size_t offset) const;
   void FillNumbers(const Place& place, Finding& finding) const;
 
-  struct Stretch {
-    std::size_t begin;
-    std::size_t end;
-    std::size_t which;
+  struct Stretch {  // of a file that is less than 4 GiB long: the tree counts in 32 bits
+    std::uint32_t begin;
+    std::uint32_t end;
+    std::uint32_t which;
   };
   static std::optional<std::size_t> Find(const std::vector<Stretch>& stretches, std::size_t offset);
 
@@ -65,10 +65,12 @@ class Findings {
   std::vector<Stretch> sourceStretches_;  ///< by rising begin
   std::vector<bool> seriousEvents_;
   std::vector<bool> seriousSources_;
-  /// Until they are finished their line is the place in the file plus one, 0 for the file as such.
+  /// Until they are finished their line is the place in the file plus one, 0 for the file as such,
+  /// and their column the order in which they came.
   std::vector<Finding> findings_;
   /// What was said last, by code: mostly the same is said again.
   struct Said {
+    SharedText text;
     SharedText effect;
     SharedText remedy;
   };

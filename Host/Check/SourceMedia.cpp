@@ -5,6 +5,27 @@
 #include "ADL/SourceSearch.h"
 
 namespace velmora::check {
+namespace {
+
+/// Nothing is known of it but that it is missing.
+bool IsPlainlyMissing(const SourceMedia& media) {
+  const media::Located& located = media.located;
+  return located.result == media::SearchResult::Missing && located.candidates.empty() &&
+         !located.hiddenByForm && !located.hiddenByEncoding && !media.facts &&
+         media.obstacle == media::Obstacle::None;
+}
+
+}  // namespace
+
+void SourceMediaList::Add(SourceMedia media) {
+  known_.push_back(IsPlainlyMissing(media) ? nullptr
+                                           : std::make_unique<SourceMedia>(std::move(media)));
+}
+
+const SourceMedia& SourceMediaList::Missing() {
+  static const SourceMedia kMissing;
+  return kMissing;
+}
 
 media::Located LocateAsSystem(const std::string& folder, const std::string& rawLocation) {
   media::Located located;

@@ -70,7 +70,7 @@ void SystemReading::TakeSources(AES31Section& section) {
   bool indexSeen = false;
   for (const AES31Entry& line : section.entries) {
     const Fault fault = rules.Take(LineOf(line));
-    if (fault != Fault::None) faults_.push_back({OffsetOf(line.label), &line, fault});
+    if (fault != Fault::None) faults_.push_back({&line, fault});
     if (EqualsIgnoringCase(line.label, "Index")) {
       indexSeen = true;
       sources_.push_back({.index = &line, .number = NumberOf(line)});
@@ -85,7 +85,7 @@ void SystemReading::TakeEvents(AES31Section& section) {
   EventListRules rules;
   for (const AES31Entry& line : section.entries) {
     const Fault fault = rules.Take(LineOf(line));
-    if (fault != Fault::None) faults_.push_back({OffsetOf(line.label), &line, fault});
+    if (fault != Fault::None) faults_.push_back({&line, fault});
     if (!rules.Kept()) continue;
     if (EqualsIgnoringCase(line.label, "Entry")) {
       events_.push_back({.entry = &line, .number = NumberOf(line)});

@@ -32,7 +32,6 @@ struct SystemSource {
 
 /// A line that the system's readers refuse.
 struct SystemFault {
-  std::size_t offset = 0;  ///< of the label's first letter, in bytes from the start of the file
   const AES31Entry* line = nullptr;
   Fault fault = Fault::None;
 };

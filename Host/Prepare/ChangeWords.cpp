@@ -151,7 +151,8 @@ class ChangeWriter {
   /// What became of a fade's length. The finding's text begins with its label.
   std::string FadeText(const check::Finding& finding) const {
     const std::vector<const PlannedCut*> cuts = CutsOf(finding);
-    const std::string label = finding.text.substr(0, finding.text.find(')'));
+    const std::string& text = finding.text;
+    const std::string label = text.substr(0, text.find(')'));
     const bool in = EqualsIgnoringCase(label.c_str(), "(Infade");
     if (cuts.empty() || (!in && !EqualsIgnoringCase(label.c_str(), "(Outfade"))) {
       return "Fade length written as a timestamp";
@@ -260,7 +261,8 @@ class ChangeWriter {
   std::optional<std::size_t> OriginOf(const check::Finding& finding) const {
     if (!finding.entry) return std::nullopt;
     const auto next = std::upper_bound(
-        eventStarts_.begin(), eventStarts_.end(), std::pair(finding.line, finding.column),
+        eventStarts_.begin(), eventStarts_.end(),
+        std::pair<std::int64_t, std::int64_t>(finding.line, finding.column),
         [](const auto& place, const EventStart& start) { return place < start.place; });
     if (next == eventStarts_.begin()) return std::nullopt;
     return std::prev(next)->origin;

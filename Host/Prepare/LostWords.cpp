@@ -2,7 +2,9 @@
 
 namespace velmora::prepare {
 
-LostWords::LostWords(const check::CheckedProject& checked) : checked_(checked) {
+LostWords::LostWords(const check::CheckedProject& checked)
+    : checked_(checked),
+      remedy_("Put it right in the program that wrote the project, or do without it.") {
   for (std::size_t i = 0; i < checked.findings.size(); ++i) {
     const check::Finding& finding = checked.findings[i];
     if (finding.entry) byCodeAndEntry_.try_emplace({finding.code, *finding.entry}, i);
@@ -17,15 +19,16 @@ check::Finding LostWords::Of(std::size_t event, check::Code code, const std::str
     finding = checked_.findings[known->second];
   } else {
     finding.code = code;
-    finding.line = LineOf(event);
+    finding.line = static_cast<std::int32_t>(LineOf(event));
     finding.column = 1;
     finding.entry = origin.number;
     if (origin.source) finding.source = checked_.project->sources[*origin.source].index;
     finding.text = check::RowOf(code).title;
   }
   finding.severity = check::Severity::Lost;
-  finding.effect = effect;
-  finding.remedy = "Put it right in the program that wrote the project, or do without it.";
+  if (effect_.Text() != effect) effect_ = effect;
+  finding.effect = effect_;
+  finding.remedy = remedy_;
   return finding;
 }
 

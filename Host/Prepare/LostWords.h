@@ -26,6 +26,8 @@ class LostWords {
   [[nodiscard]] std::int64_t LineOf(std::size_t event);
 
   const check::CheckedProject& checked_;
+  check::SharedText effect_;  ///< the last one: mostly the same is lost for the same reason again
+  check::SharedText remedy_;
   std::map<std::pair<check::Code, std::int32_t>, std::size_t> byCodeAndEntry_;
   std::optional<LineMap> lines_;  ///< made when it is needed: it takes a walk through the text
 };

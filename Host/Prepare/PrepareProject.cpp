@@ -208,11 +208,11 @@ class Preparation {
     bool moves = false;
     for (Finding& finding : findings) {
       // The folder is known by the name that it will have.
-      ReplaceAll(finding.text, staging_.Path(), into_);
-      for (check::SharedText* const shared : {&finding.effect, &finding.remedy}) {
+      for (check::SharedText* const shared : {&finding.text, &finding.effect, &finding.remedy}) {
+        if (shared->Text().find(staging_.Path()) == std::string::npos) continue;
         std::string text = *shared;
         ReplaceAll(text, staging_.Path(), into_);
-        if (text != shared->Text()) *shared = std::move(text);
+        *shared = std::move(text);
       }
       if (finding.code == Code::RateCompensated) {
         moves = true;

@@ -84,8 +84,8 @@ TEST_F(MediaFindings, severalFilesAreAmbiguousAndTheirNamesTold) {
   const CheckedProject checked = Check(kClean);
   EXPECT_EQ(Told(checked.findings), "media-ambiguous lost 16:5 source 2\n");
   ASSERT_EQ(checked.findings.size(), 1U);
-  EXPECT_NE(checked.findings[0].text.find("reel 1/two.wav"), std::string::npos);
-  EXPECT_NE(checked.findings[0].text.find("reel 2/two.wav"), std::string::npos);
+  EXPECT_NE(checked.findings[0].text.Text().find("reel 1/two.wav"), std::string::npos);
+  EXPECT_NE(checked.findings[0].text.Text().find("reel 2/two.wav"), std::string::npos);
 }
 
 TEST_F(MediaFindings, aFileInAMediaFolderIsElsewhere) {

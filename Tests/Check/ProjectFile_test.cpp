@@ -21,7 +21,8 @@ class Unreadable : public CheckTest {
     EXPECT_EQ(checked.verdict, Verdict::Unreadable) << path;
     EXPECT_EQ(Told(checked.findings), "not-an-adl fails 0:0\n") << path;
     ASSERT_EQ(checked.findings.size(), 1U);
-    EXPECT_NE(checked.findings[0].text.find(why), std::string::npos) << checked.findings[0].text;
+    EXPECT_NE(checked.findings[0].text.Text().find(why), std::string::npos)
+        << checked.findings[0].text;
   }
 };
 

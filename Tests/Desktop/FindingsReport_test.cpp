@@ -10,7 +10,7 @@ namespace {
 using check::Code;
 using check::Finding;
 
-Finding Of(Code code, check::Severity severity, std::int64_t line = 0,
+Finding Of(Code code, check::Severity severity, std::int32_t line = 0,
            std::optional<std::int32_t> entry = {}, const std::string& text = "Text.") {
   Finding finding;
   finding.code = code;

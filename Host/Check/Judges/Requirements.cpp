@@ -24,7 +24,7 @@ void TellIndex(const Case& c, Findings& findings, const FaultyLine& line) {
 void TellValues(const Case& c, Findings& findings, const FaultyLine& line) {
   findings.Add(Code::ValuesMissing, Severity::Fails, {.offset = line.offset},
                {TextOf(c, line),
-                "The project does not load: (" + line.label + ") needs at least " +
+                "The project does not load: (" + std::string(line.label) + ") needs at least " +
                     std::to_string(ValuesNeeded(line.label)) + " values.",
                 "Fill the line up with _ for what is not given; velmora prepare does it."});
 }
