@@ -218,16 +218,18 @@ class SoakRounds {
 
 using Figure = std::function<long(const Sample&)>;
 
-/// By how much a figure has grown from the second quarter of the samples to the last one, in each
-/// of which its largest counts. The first quarter is when everything is there for the first time.
+/// By how much a figure has grown from the second quarter of the samples to the last one. The first
+/// is when everything is there for the first time. The least of a quarter counts: what is forgotten
+/// is there in every sample, while a file panel keeps pictures of whatever it showed last.
 long Growth(const std::vector<Sample>& samples, const Figure& figure) {
-  const auto most = [&](std::size_t quarter) {
-    long largest = 0;
-    for (std::size_t i = samples.size() * quarter / 4; i < samples.size() * (quarter + 1) / 4; ++i)
-      largest = std::max(largest, figure(samples[i]));
-    return largest;
+  const auto least = [&](std::size_t quarter) {
+    std::size_t i = samples.size() * quarter / 4;
+    long smallest = figure(samples[i]);
+    for (; i < samples.size() * (quarter + 1) / 4; ++i)
+      smallest = std::min(smallest, figure(samples[i]));
+    return smallest;
   };
-  return most(3) - most(1);
+  return least(3) - least(1);
 }
 
 void CheckGrowth(const std::string& what, long grown, long allowed) {
