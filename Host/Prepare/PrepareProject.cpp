@@ -57,9 +57,10 @@ class Preparation {
  public:
   Preparation(const check::CheckedProject& checked, const PrepareOptions& options,
               const PrepareProgress& progress)
-      : checked_(checked), options_(options), progress_(progress), into_(options.into) {
-    while (into_.size() > 1 && into_.back() == '/') into_.pop_back();
-  }
+      : checked_(checked),
+        options_(options),
+        progress_(progress),
+        into_(WithoutDetours(options.into)) {}
 
   Prepared Run() {
     if (checked_.verdict == check::Verdict::Unreadable || checked_.project == nullptr ||

@@ -1,6 +1,5 @@
 #include "Prepare/Staging.h"
 
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,11 +8,14 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
+#include "Session/HiddenName.h"
+#include "Session/MoveToFreeName.h"
 #include "Session/RemoveTree.h"
+#include "Session/StagedFile.h"
 
 namespace velmora::prepare {
 namespace {
@@ -24,53 +26,64 @@ std::string Complaint(const std::string& path, const std::string& what, int erro
   return path + what + ": " + std::strerror(error);
 }
 
-/// The rights that a new folder gets; mkdtemp gives its maker alone any.
-void GiveCommonRights(const std::string& folder, const struct stat* model) {
-  const mode_t mask = umask(0);
-  umask(mask);
-  const mode_t rights = model != nullptr ? model->st_mode & 07777 : 0777 & ~mask;
-  // A folder with fewer rights than wanted is still the right folder.
-  if (chmod(folder.c_str(), rights) != 0) return;
+/// True if a folder holds nothing but what killed processes may have left.
+bool HoldsLeftOversAlone(const std::string& folder, std::error_code& error) {
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (!host::IsHiddenName(entry->path().filename().native())) return false;
+  }
+  return true;
 }
 
-constexpr std::string_view kMark = ".preparing-";
-constexpr std::string_view kPattern = "XXXXXX";  // which mkdtemp replaces
-
-/// Removes what killed processes have left that were preparing into `target`, beside it or in it.
-void TidyUp(const std::string& target) {
-  const std::string name = fs::path(target).filename();
-  const auto isOurs = [](std::string_view found, std::string_view start) {
-    if (!found.starts_with(start)) return false;
-    found.remove_prefix(start.size());
-    return found.starts_with(kMark) && found.size() == kMark.size() + kPattern.size();
-  };
-  host::TidyLeftOvers(fs::path(target).parent_path(),
-                      [&](std::string_view found) { return isOurs(found, name); });
-  host::TidyLeftOvers(target, [&](std::string_view found) { return isOurs(found, ""); });
+/// What stands below a folder, each after the folder that it is in. Links are not followed.
+std::vector<fs::path> PathsBelow(const std::string& folder, std::error_code& error) {
+  std::vector<fs::path> paths;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    paths.push_back(entry->path().lexically_relative(folder));
+  }
+  return paths;
 }
 
 }  // namespace
+
+std::string WithoutDetours(const std::string& path) {
+  const fs::path given(path);
+  fs::path there;
+  auto part = given.begin();
+  struct stat facts {};
+  for (; part != given.end(); ++part) {
+    if (lstat((there / *part).c_str(), &facts) != 0 && errno == ENOENT) break;
+    there /= *part;
+  }
+  fs::path missing;
+  for (; part != given.end(); ++part) missing /= *part;
+  std::string result = missing.empty() ? there : there / missing.lexically_normal();
+  while (result.size() > 1 && (result.ends_with('/') || result.ends_with("/."))) result.pop_back();
+  return result;
+}
 
 Staging::~Staging() {
   Discard();
 }
 
 std::string Staging::Begin(const std::string& target) {
-  target_ = target;
-  while (target_.size() > 1 && target_.back() == '/') target_.pop_back();
+  target_ = WithoutDetours(target);
   struct stat facts {};
-  const bool there = lstat(target_.c_str(), &facts) == 0;
+  there_ = lstat(target_.c_str(), &facts) == 0;
   std::error_code error;
-  if (!there || S_ISDIR(facts.st_mode)) TidyUp(target_);
-  if (there && S_ISLNK(facts.st_mode)) {  // the folder is where the link leads
+  if (there_ && S_ISLNK(facts.st_mode)) {  // the folder is where the link leads
     target_ = fs::canonical(target_, error).string();
     if (error) return target + " is a link that leads nowhere";
     if (stat(target_.c_str(), &facts) != 0) return Complaint(target, " cannot be read", errno);
-    if (S_ISDIR(facts.st_mode)) TidyUp(target_);
   }
-  if (there && !S_ISDIR(facts.st_mode)) return target + " is there already, and is no folder";
-  if (there) {
-    const bool empty = fs::is_empty(target_, error);
+  if (there_ && !S_ISDIR(facts.st_mode)) return target + " is there already, and is no folder";
+  if (there_) {
+    bool empty = HoldsLeftOversAlone(target_, error);
+    if (empty && !error) {
+      host::TidyLeftOvers(target_, host::IsHiddenName);
+      empty = fs::is_empty(target_, error);
+    }
     if (error) return target + " cannot be read: " + error.message();
     if (!empty) return target + " is there already, and is not empty";
   } else {
@@ -78,35 +91,29 @@ std::string Staging::Begin(const std::string& target) {
     if (!complaint.empty()) return complaint;
   }
   staging_ = MakeStaging(target_);
-  if (staging_.empty() && there) {  // its folder lets nobody make anything; the target may
+  if (staging_.empty() && there_) {  // its folder lets nobody make anything; the target may
     inside_ = true;
-    staging_ = MakeStaging(target_ + '/');
+    staging_ = MakeStaging(target_ + "/inside");
   }
   if (staging_.empty()) return Complaint(target, " cannot be made", errno);
   // A file system of its own cannot be replaced by another folder.
   struct stat made {};
-  if (there && !inside_ && stat(staging_.c_str(), &made) == 0 && made.st_dev != facts.st_dev) {
+  if (there_ && !inside_ && stat(staging_.c_str(), &made) == 0 && made.st_dev != facts.st_dev) {
     const std::string beside = staging_;
     inside_ = true;
-    staging_ = MakeStaging(target_ + '/');
+    staging_ = MakeStaging(target_ + "/inside");
     rmdir(beside.c_str());
     if (staging_.empty()) return Complaint(target, " cannot be written to", errno);
   }
-  GiveCommonRights(staging_, there ? &facts : nullptr);
+  // What is replaced keeps its rights. A folder with others is still the right folder.
+  if (there_) static_cast<void>(chmod(staging_.c_str(), facts.st_mode & 07777));
   return {};
 }
 
-/// Makes a folder whose name begins with `start`. Empty on failure, errno tells why.
-std::string Staging::MakeStaging(const std::string& start) {
-  constexpr int kMostNames = 100;
-  for (int i = 0; i < kMostNames; ++i) {
-    std::string name = start;
-    name.append(kMark).append(kPattern);
-    if (mkdtemp(name.data()) == nullptr) return {};
-    if (making_.Begin(name)) return name;
-  }
-  errno = EEXIST;
-  return {};
+/// Makes a hidden folder beside `neighbour`. Empty on failure, errno tells why.
+std::string Staging::MakeStaging(const std::string& neighbour) {
+  return host::MakeHidden(neighbour, making_,
+                          [](const std::string& name) { return mkdir(name.c_str(), 0777) == 0; });
 }
 
 std::string Staging::MakeParents() {
@@ -127,45 +134,65 @@ std::string Staging::MakeParents() {
 }
 
 std::string Staging::Commit() {
-  if (inside_) return CommitInside();
-  // Over an empty folder this puts the new one in its place in one step.
-  if (std::rename(staging_.c_str(), target_.c_str()) != 0) {
-    const int error = errno;
+  std::string complaint = inside_ ? CommitInside() : TakeTheName();
+  if (!complaint.empty()) {
     Discard();
-    return Complaint(target_, " cannot take its place", error);
+    return complaint;
   }
+  if (inside_) rmdir(staging_.c_str());
   staging_.clear();
   making_.End();
   firstParent_.clear();
   return {};
 }
 
+std::string Staging::TakeTheName() {
+  if (there_) {
+    // Over a folder that is still empty this puts the new one in its place in one step.
+    const bool replaced = std::rename(staging_.c_str(), target_.c_str()) == 0;
+    return replaced ? "" : Complaint(target_, " cannot be replaced", errno);
+  }
+  const int error = host::MoveToFreeName(staging_, target_);
+  return error == 0 ? "" : host::StagedFile(target_).Trouble(error);
+}
+
 /// The project comes last: before it there is nothing that could be taken for a whole folder.
 std::string Staging::CommitInside() {
-  std::vector<fs::path> names;
   std::error_code error;
-  for (const fs::directory_entry& entry : fs::directory_iterator(staging_, error)) {
-    names.push_back(entry.path().filename());
+  const std::vector<fs::path> made = PathsBelow(staging_, error);
+  if (error) return Complaint(target_, " cannot be filled", error.value());
+  std::vector<std::string> names;
+  for (const fs::path& path : made) {
+    if (!path.has_parent_path()) names.push_back(path);
   }
-  std::sort(names.begin(), names.end(), [&](const fs::path& a, const fs::path& b) {
+  std::sort(names.begin(), names.end(), [&](const std::string& a, const std::string& b) {
     const bool aIsFolder = fs::is_directory(fs::path(staging_) / a);
     const bool bIsFolder = fs::is_directory(fs::path(staging_) / b);
     return aIsFolder != bIsFolder ? aIsFolder : a < b;
   });
-  std::vector<fs::path> moved;
-  for (const fs::path& name : names) {
-    const fs::path to = fs::path(target_) / name;
-    if (!error) fs::rename(fs::path(staging_) / name, to, error);
-    if (!error) moved.push_back(to);
+  // All paths are made before the first move, after which there may be no memory.
+  std::vector<std::pair<std::string, std::string>> moves;
+  for (const std::string& name : names) {
+    moves.emplace_back(staging_ + '/' + name, target_ + '/' + name);
   }
-  std::string complaint;
-  if (error) {
-    complaint = target_ + " cannot be filled: " + error.message();
+  for (std::size_t i = 0; i < moves.size(); ++i) {
+    const int trouble = host::MoveToFreeName(moves[i].first, moves[i].second);
+    if (trouble == 0) continue;
+    names.resize(i);
+    TakeBack(made, names);
+    return host::StagedFile(moves[i].second).Trouble(trouble);
+  }
+  return {};
+}
+
+/// Removes from the target what of `made` has got there with these names of its folder. What others
+/// have put there meanwhile stays, and so do the folders that it is in.
+void Staging::TakeBack(const std::vector<fs::path>& made, const std::vector<std::string>& names) {
+  for (auto path = made.rbegin(); path != made.rend(); ++path) {
     std::error_code ignored;
-    for (const fs::path& path : moved) fs::remove_all(path, ignored);
+    const bool moved = std::find(names.begin(), names.end(), *path->begin()) != names.end();
+    if (moved) fs::remove(fs::path(target_) / *path, ignored);
   }
-  Discard();
-  return complaint;
 }
 
 /// Takes no memory, since there may be none.

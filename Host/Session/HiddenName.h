@@ -11,16 +11,22 @@
 
 namespace velmora::host {
 
+/// A number as it is written in these names: nobody else's is taken for one of them by chance.
+[[nodiscard]] inline bool IsPlainNumber(std::string_view text) {
+  constexpr std::size_t kMostDigits = 10;
+  return !text.empty() && text.size() <= kMostDigits && text.front() != '0' &&
+         text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 /// The names that MakeHidden gives: ".velmora-PROCESS-NUMBER.part".
 [[nodiscard]] inline bool IsHiddenName(std::string_view name) {
-  constexpr std::string_view kStart = ".velmora-", kEnd = ".part", kDigits = "0123456789";
+  constexpr std::string_view kStart = ".velmora-", kEnd = ".part";
   if (!name.starts_with(kStart) || !name.ends_with(kEnd)) return false;
   const std::string_view numbers =
       name.substr(kStart.size(), name.size() - kStart.size() - kEnd.size());
-  const std::size_t middle = numbers.find_first_not_of(kDigits);
-  return middle != 0 && middle != std::string_view::npos && numbers[middle] == '-' &&
-         middle + 1 < numbers.size() &&
-         numbers.find_first_not_of(kDigits, middle + 1) == std::string_view::npos;
+  const std::size_t middle = numbers.find('-');
+  return middle != std::string_view::npos && IsPlainNumber(numbers.substr(0, middle)) &&
+         IsPlainNumber(numbers.substr(middle + 1));
 }
 
 /// Makes something beside `path` under a hidden name that nothing holds yet, and removes what runs

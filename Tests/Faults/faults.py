@@ -47,7 +47,7 @@ ERRORS = {
 }
 
 # Names that a run may leave that could not tidy up or was killed.
-LEFT_OVER = re.compile(r"(\.velmora-\d+-\d+\.part|.*\.preparing-[A-Za-z0-9]{6})(/.*)?")
+LEFT_OVER = re.compile(r"\.velmora-\d+-\d+\.part(/.*)?")
 
 # The number that tells files of one name apart.
 NUMBER = re.compile(rb"((?:take|other|mono|stereo|float|rate)[A-Za-z0-9_]*)\.\d+")

@@ -2,8 +2,16 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "Support/TemporaryFolder.h"
 
@@ -40,13 +48,16 @@ TEST(Staging, folderAppearsWholeAtTheEnd) {
 TEST(Staging, whatAKilledProcessLeftGoesWithTheNextAndOthersStay) {
   test::TemporaryFolder folder;
   const std::string target = folder.Path("out");
-  for (const char* const left : {"out.preparing-abcdef", "out/.preparing-ABC123"}) {
+  for (const char* const left : {".velmora-7-1.part", "out/.velmora-7-2.part"}) {
     fs::create_directories(folder.Path(left));
     Put(folder.Path(left) + "/p.adl");
   }
-  const std::vector<std::string> others = {"other.preparing-abcdef", "out.preparing-abcde",
-                                           "out.preparing-abcdefg"};
-  for (const std::string& other : others) fs::create_directory(folder.Path(other));
+  const std::vector<std::string> others = {"out.preparing-abcdef", "out.preparing-backup",
+                                           ".velmora-backup.part", ".velmora-2026-11-22.part"};
+  for (const std::string& other : others) {
+    fs::create_directory(folder.Path(other));
+    Put(folder.Path(other) + "/p.adl");
+  }
   Staging busy;
   ASSERT_EQ(busy.Begin(target), "");  // a folder that held nothing but a left-over counts as empty
   Staging staging;
@@ -55,8 +66,20 @@ TEST(Staging, whatAKilledProcessLeftGoesWithTheNextAndOthersStay) {
   Put(staging.Path() + "/p.adl");
   ASSERT_EQ(staging.Commit(), "");
   EXPECT_EQ(NamesIn(target), std::vector<std::string>{"p.adl"});
-  for (const std::string& other : others) EXPECT_TRUE(fs::exists(folder.Path(other))) << other;
-  EXPECT_FALSE(fs::exists(folder.Path("out.preparing-abcdef")));
+  for (const std::string& other : others) {
+    EXPECT_TRUE(fs::exists(folder.Path(other) + "/p.adl")) << other;
+  }
+  EXPECT_FALSE(fs::exists(folder.Path(".velmora-7-1.part")));
+}
+
+TEST(Staging, whoIsRefusedTidiesNothingAway) {
+  test::TemporaryFolder folder;
+  folder.Write("full/mine", "x");
+  const std::vector<std::string> left = {"full/.velmora-7-1.part", ".velmora-7-2.part"};
+  for (const std::string& path : left) fs::create_directory(folder.Path(path));
+  Staging staging;
+  EXPECT_NE(staging.Begin(folder.Path("full")), "");
+  for (const std::string& path : left) EXPECT_TRUE(fs::exists(folder.Path(path))) << path;
 }
 
 TEST(Staging, whatIsNotCommittedLeavesNothing) {
@@ -69,11 +92,35 @@ TEST(Staging, whatIsNotCommittedLeavesNothing) {
   EXPECT_TRUE(NamesIn(folder.Path()).empty());
 }
 
-TEST(Staging, stagingFolderTellsWhatItIs) {
+TEST(Staging, nameMayBeAsLongAsNamesCanBe) {
   test::TemporaryFolder folder;
+  const std::string name(255, 'n');
   Staging staging;
-  ASSERT_EQ(staging.Begin(folder.Path("out/")), "");
-  EXPECT_EQ(staging.Path().find(folder.Path("out.preparing-")), 0U);
+  ASSERT_EQ(staging.Begin(folder.Path(name)), "");
+  Put(staging.Path() + "/p.adl");
+  ASSERT_EQ(staging.Commit(), "");
+  EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{name});
+}
+
+TEST(Staging, wayThroughMissingFoldersIsLeftOut) {
+  test::TemporaryFolder folder;
+  fs::create_directories(folder.Path("there/below"));
+  fs::create_directory_symlink(folder.Path("there/below"), folder.Path("link"));
+  const std::pair<std::string, std::string> rows[] = {{"a/../b", "b"},
+                                                      {"a/b/../../c/", "c"},
+                                                      {"there/../b", "there/../b"},
+                                                      {"link/../b", "link/../b"},
+                                                      {"link/a/../b", "link/b"},
+                                                      {"there/.", "there"},
+                                                      {"there//", "there"}};
+  for (const auto& [given, expected] : rows) {
+    EXPECT_EQ(WithoutDetours(folder.Path(given)), folder.Path(expected)) << given;
+  }
+  EXPECT_EQ(WithoutDetours("/"), "/");
+  Staging staging;
+  ASSERT_EQ(staging.Begin(folder.Path("a/../b")), "");
+  ASSERT_EQ(staging.Commit(), "");
+  EXPECT_EQ(NamesIn(folder.Path()), (std::vector<std::string>{"b", "link", "there"}));
 }
 
 TEST(Staging, emptyFolderIsFilledAndKeepsItsRights) {
@@ -134,6 +181,70 @@ TEST(Staging, folderThatIsFilledMeanwhileStays) {
   EXPECT_NE(staging.Commit(), "");
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"out"});
   EXPECT_EQ(NamesIn(folder.Path("out")), std::vector<std::string>{"theirs"});
+}
+
+TEST(Staging, nameThatIsTakenMeanwhileStays) {
+  for (const bool isFolder : {false, true}) {
+    test::TemporaryFolder folder;
+    Staging staging;
+    ASSERT_EQ(staging.Begin(folder.Path("out")), "");
+    Put(staging.Path() + "/p.adl");
+    // Even an empty folder, which a rename would replace without a word.
+    isFolder ? static_cast<void>(fs::create_directory(folder.Path("out")))
+             : Put(folder.Path("out"));
+    EXPECT_NE(staging.Commit().find("has appeared meanwhile"), std::string::npos);
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"out"});
+    EXPECT_EQ(fs::is_directory(folder.Path("out")), isFolder);
+  }
+}
+
+/// A folder that can be filled but not replaced: the one above it takes nothing.
+class FilledStaging : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (geteuid() == 0 && seteuid(kNobody) != 0) GTEST_SKIP() << "root may write everywhere";
+    folder_.emplace();
+    target_ = folder_->Path("above/out");
+    fs::create_directories(target_);
+    ASSERT_EQ(chmod(folder_->Path("above").c_str(), 0555), 0);
+  }
+  void TearDown() override {
+    if (folder_) chmod(folder_->Path("above").c_str(), 0755);
+    folder_.reset();
+    if (getuid() == 0 && seteuid(0) != 0) abort();
+  }
+  void Prepare(Staging& staging) const {
+    ASSERT_EQ(staging.Begin(target_), "");
+    ASSERT_EQ(fs::path(staging.Path()).parent_path(), target_);
+    fs::create_directory(staging.Path() + "/Audio");
+    Put(staging.Path() + "/Audio/take.wav");
+    Put(staging.Path() + "/p.adl");
+  }
+
+  static constexpr uid_t kNobody = 65534;
+  std::optional<test::TemporaryFolder> folder_;
+  std::string target_;
+};
+
+TEST_F(FilledStaging, holdsWhatWasMade) {
+  Staging staging;
+  Prepare(staging);
+  ASSERT_EQ(staging.Commit(), "");
+  EXPECT_EQ(NamesIn(target_), (std::vector<std::string>{"Audio", "p.adl"}));
+  EXPECT_EQ(NamesIn(target_ + "/Audio"), std::vector<std::string>{"take.wav"});
+}
+
+TEST_F(FilledStaging, nameThatIsTakenMeanwhileStaysAndNothingElse) {
+  for (const std::string name : {"p.adl", "Audio"}) {
+    SCOPED_TRACE(name);
+    Staging staging;
+    Prepare(staging);
+    std::ofstream(target_ + '/' + name) << "theirs";
+    EXPECT_NE(staging.Commit().find(name + " has appeared meanwhile"), std::string::npos);
+    EXPECT_EQ(NamesIn(target_), std::vector<std::string>{name});
+    EXPECT_EQ(test::TemporaryFolder::Read(target_ + '/' + name), "theirs");
+    fs::remove(target_ + '/' + name);
+  }
 }
 
 }  // namespace

@@ -128,7 +128,7 @@ class Privilege(ProgramTest):
 
     def test_prepare_writes_its_folder_alone(self):
         run = self.watched("prepare", self.adl, "--into", self.folder / "ready", "--copy-media", status=LEFT_OUT)
-        self.assert_kept(run, (f"{self.folder}/ready(/.*)?", rf"{self.folder}/ready\.preparing-\w+(/.*)?"),
+        self.assert_kept(run, (f"{self.folder}/ready(/.*)?", rf"{self.folder}/\.velmora-\d+-\d+\.part(/.*)?"),
                          may_list=(str(self.folder),))
         self.no_file_made_holds_the_secret()
 

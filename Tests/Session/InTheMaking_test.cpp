@@ -85,9 +85,12 @@ TEST_F(InTheMakingTest, whatIsStillBeingMadeStays) {
 }
 
 TEST_F(InTheMakingTest, whatIsNoLeftOverStays) {
-  const char* const names[] = {".velmora-12-1.part.wav", "velmora-12-1.part", ".velmora-12.part",
-                               ".velmora--1.part",       ".velmora-1-.part",  ".velmora-a-1.part",
-                               ".velmora-1-1-1.part",    ".velmora-.part",    ".velmora-1-1"};
+  const char* const names[] = {
+      ".velmora-12-1.part.wav",     "velmora-12-1.part", ".velmora-12.part",
+      ".velmora--1.part",           ".velmora-1-.part",  ".velmora-a-1.part",
+      ".velmora-1-1-1.part",        ".velmora-.part",    ".velmora-1-1",
+      ".velmora-01-1.part",         ".velmora-1-0.part", ".velmora-2026-11-22.part",
+      ".velmora-12345678901-1.part"};
   for (const char* const name : names) {
     EXPECT_FALSE(IsHiddenName(name)) << name;
     folder_.Write(name, "mine");
