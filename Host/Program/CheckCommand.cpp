@@ -23,7 +23,7 @@
 #include "Program/CheckText.h"
 #include "Program/ExitStatus.h"
 #include "Program/ProjectList.h"
-#include "Program/SpotReport.h"
+#include "Program/StopRequests.h"
 #include "Program/TextTable.h"
 #include "Program/Usage.h"
 

@@ -2,57 +2,24 @@
 
 #include <unistd.h>
 
-#include <atomic>
-#include <csignal>
 #include <iostream>
 
 #include "Program/ExitStatus.h"
 #include "Program/PrepareReport.h"
 #include "Program/ProgressBar.h"
+#include "Program/StopRequests.h"
 #include "Program/TextTable.h"
 #include "Program/Usage.h"
 
 namespace velmora::program {
-namespace {
-
-std::atomic<bool> isCancelled{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may take no lock");
-
-/// While this lives, Ctrl-C and requests to end only ask the preparation to stop, so that it takes
-/// away what it has made.
-class CancelOnSignals {
- public:
-  CancelOnSignals() {
-    struct sigaction action {};
-    action.sa_handler = [](int) { isCancelled = true; };
-    action.sa_flags = static_cast<int>(SA_RESTART);
-    sigaction(SIGINT, &action, &interrupt_);
-    sigaction(SIGTERM, &action, &terminate_);
-    sigaction(SIGHUP, &action, &hangUp_);
-  }
-  ~CancelOnSignals() {
-    sigaction(SIGINT, &interrupt_, nullptr);
-    sigaction(SIGTERM, &terminate_, nullptr);
-    sigaction(SIGHUP, &hangUp_, nullptr);
-  }
-  CancelOnSignals(const CancelOnSignals&) = delete;
-  CancelOnSignals& operator=(const CancelOnSignals&) = delete;
-
- private:
-  struct sigaction interrupt_ {};
-  struct sigaction terminate_ {};
-  struct sigaction hangUp_ {};
-};
-
-}  // namespace
 
 prepare::Prepared CheckAndPrepare(const std::string& project,
                                   const prepare::PrepareOptions& options, bool showsBar) {
-  const CancelOnSignals signals;
+  const OnlyAskToStop requests;
   media::FolderListings listings;
   const check::CheckedProject checked =
-      check::CheckProject(project, options.check, listings, [] { return isCancelled.load(); });
-  if (isCancelled) {
+      check::CheckProject(project, options.check, listings, Interrupted);
+  if (Interrupted()) {
     prepare::Prepared stopped;
     stopped.outcome = prepare::Outcome::Cancelled;
     return stopped;
@@ -60,7 +27,7 @@ prepare::Prepared CheckAndPrepare(const std::string& project,
   ProgressBar bar(showsBar);
   return prepare::PrepareProject(checked, options, [&](double share, const std::string& /*what*/) {
     bar.Draw(share);
-    return !isCancelled;
+    return !Interrupted();
   });
 }
 
@@ -90,28 +57,26 @@ int RunPrepareCommand(const PrepareArguments& arguments) {
   const int status = ExitStatusOf(prepared.outcome);
   switch (prepared.outcome) {
     case prepare::Outcome::FolderTaken:
-      return BadUsage("--into: " + Printable(prepared.trouble), "prepare");
+      // It ends with the same status.
+      static_cast<void>(BadUsage("--into: " + Printable(prepared.trouble), "prepare"));
+      break;
     case prepare::Outcome::NotAnAdl:
     case prepare::Outcome::Failed:
       std::cerr << "velmora: " << Printable(prepared.trouble) << '\n';
-      if (arguments.json) PrintPreparedJson(prepared, status, std::cout);
-      return status;
+      break;
     case prepare::Outcome::Cancelled:
       std::cerr << "velmora: stopped; nothing was made\n";
-      return status;
+      break;
     case prepare::Outcome::Done:
     case prepare::Outcome::Left:
+      if (!arguments.json) PrintPreparedText(prepared, ShowsColours(STDOUT_FILENO), std::cout);
       break;
   }
-  if (arguments.json) {
-    PrintPreparedJson(prepared, status, std::cout);
-  } else {
-    PrintPreparedText(prepared, ShowsColours(STDOUT_FILENO), std::cout);
-  }
+  if (arguments.json) PrintPreparedJson(prepared, status, std::cout);
   std::cout.flush();
   if (!std::cout) {
     std::cerr << "velmora: standard output takes no more\n";
-    return kLeftOut;
+    return status == kAllDone ? kLeftOut : status;
   }
   return status;
 }

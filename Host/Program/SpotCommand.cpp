@@ -22,6 +22,7 @@
 #include "Program/PlannedSpot.h"
 #include "Program/SpotPreparation.h"
 #include "Program/SpotTargets.h"
+#include "Program/StopRequests.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
 #include "Program/TruePosition.h"
@@ -315,12 +316,16 @@ int RunSpotCommand(const SpotArguments& given) {
   bool prepared = true;
   if (arguments.prepare) {
     const SpotPreparation preparation = PrepareForSpot(arguments);
-    if (preparation.status != kAllDone) return preparation.status;
+    if (preparation.status != kAllDone) {
+      copies.Remove();
+      return preparation.status;
+    }
     arguments.project = preparation.project;
     prepared = preparation.whole;
   }
   ViewModel model;
   if (!model.LoadFile(arguments.project)) {
+    copies.Remove();
     ComplainAboutLoad(arguments.project, model);
     RecordLoadFailure(arguments, model, targets);
     return WithHint(arguments, model, kDoesNotLoad);

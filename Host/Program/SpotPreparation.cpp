@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <string_view>
 #include <system_error>
 
 #include "Base/FileAccess.h"
@@ -27,9 +28,20 @@ struct OwnFolder {
   bool made = false;      ///< it is there already, and empty
 };
 
+/// The project's name as that of a folder. A very long one is cut, so that a number or the random
+/// characters of a temporary folder go with it.
 std::string NameStart(const SpotArguments& arguments) {
+  constexpr std::size_t kLongestName = 255;
+  constexpr std::string_view kMark = " prepared", kMore = " XXXXXX";
+  constexpr std::size_t kMost = kLongestName - kMark.size() - kMore.size();
   const std::string name = FileNameOf(arguments.project);
-  return name.substr(0, name.size() - ExtensionOf(name).size()) + " prepared";
+  std::size_t length = name.size() - ExtensionOf(name).size();
+  if (length > kMost) {
+    length = kMost;
+    // Not within a character of UTF-8.
+    while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80) --length;
+  }
+  return name.substr(0, length).append(kMark);
 }
 
 /// A free name beside the session's file or the folder of copies.
@@ -101,7 +113,7 @@ SpotPreparation PrepareForSpot(const SpotArguments& arguments) {
       preparation.status = ExitStatusOf(prepared.outcome);
       return preparation;
   }
-  std::cerr << "velmora: prepared in " << Printable(options.into)
+  std::cerr << "velmora: prepared in " << Printable(FolderOf(prepared.projectPath))
             << (arguments.preparation.into.empty() ? ", which stays: the session needs its audio"
                                                    : "")
             << '\n';

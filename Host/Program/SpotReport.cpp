@@ -1,32 +1,8 @@
 #include "Program/SpotReport.h"
 
-#include <atomic>
-#include <csignal>
+#include "Program/StopRequests.h"
 
 namespace velmora::program {
-namespace {
-
-std::atomic<bool> interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may take no lock");
-
-}  // namespace
-
-void StopOnInterrupt() {
-  struct sigaction action {};
-  action.sa_handler = [](int) { interrupted = true; };
-  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-  sigaction(SIGINT, &action, nullptr);
-  for (const int signal : {SIGTERM, SIGHUP}) {
-    struct sigaction before {};
-    sigaction(signal, nullptr, &before);
-    // Who started the program may want these to pass by: nohup does.
-    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
-  }
-}
-
-bool Interrupted() {
-  return interrupted;
-}
 
 std::int32_t MessageTap::MakeAlias(const char* path, std::vector<std::uint8_t>& alias) {
   last_.reset();
@@ -47,7 +23,7 @@ void SpotReport::End(bool aborted) {
 }
 
 bool SpotReport::Aborted() {
-  return interrupted;
+  return Interrupted();
 }
 
 void SpotReport::Report(std::int32_t progress) {

@@ -70,10 +70,4 @@ class SpotReport : public SpotObserver {
   SpotTotals totals_;
 };
 
-/// From now on Ctrl-C, or a request to end, asks the run to stop between events and to take away
-/// what is half made; a second one ends the program.
-void StopOnInterrupt();
-/// Whether that has been asked since then.
-[[nodiscard]] bool Interrupted();
-
 }  // namespace velmora::program

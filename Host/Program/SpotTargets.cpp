@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "Program/ProgressBar.h"
-#include "Program/SpotReport.h"
+#include "Program/StopRequests.h"
 #include "Program/TextTable.h"
 #include "Session/JsonText.h"
 

@@ -14,6 +14,10 @@ import unittest
 
 PROGRAM = os.environ["VELMORA"]
 
+# A shell lets its background jobs ignore Ctrl-C, and the programs that these start would go on ignoring it.
+if signal.getsignal(signal.SIGINT) == signal.SIG_IGN:
+    signal.signal(signal.SIGINT, signal.default_int_handler)
+
 ALL_DONE = 0
 BAD_USAGE = 1
 DOES_NOT_LOAD = 2

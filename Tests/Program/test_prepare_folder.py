@@ -1,6 +1,7 @@
 """velmora prepare: the folder appears whole or not at all, and what was there stays as it was."""
 
 import os
+import pathlib
 import random
 import signal
 import subprocess
@@ -10,7 +11,8 @@ import unittest
 
 import material
 import prepare_material as m
-from program import ALL_DONE, INTERRUPTED, LEFT_OUT, SLOWNESS, ProgramTest, limit_file_size, run, start
+from program import (ALL_DONE, BAD_USAGE, INTERRUPTED, LEFT_OUT, SLOWNESS, ProgramTest, limit_file_size, run, start,
+                     strict_json)
 
 FRAMES = 20 * m.SECOND
 
@@ -52,21 +54,38 @@ class Folder(ProgramTest):
                 killed += 1
             self.assert_whole_or_none()
             for path in self.folder.iterdir():
-                self.assertIn(path.name.partition(".preparing-")[0], ("in", "out"))
+                self.assertRegex(path.name, r"\A(in|out|\.velmora-\d+-\d+\.part)\Z")
                 if path.name != "in":
                     subprocess.run(["rm", "-rf", os.fspath(path)], check=True)
         self.assertGreater(killed, 0)
         self.assertEqual(m.checksums(self.source), before)
+
+    def wait_for_audio(self, process, beside):
+        """Until the preparation has begun to make audio, or is done."""
+        deadline = time.monotonic() + 20 * SLOWNESS
+        while not list(beside.glob(".velmora-*.part/Audio/*")) and process.poll() is None:
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.001)
+
+    def test_requests_that_were_ignored_at_the_start_pass_by(self):
+        for signal_number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            for name, words in (("prepare", ["--into"]), ("spot", ["--prepare"])):
+                out = self.folder / f"{name}{signal_number}"
+                with self.subTest(signal=signal_number, command=name):
+                    process = start(name, self.project, "=".join([*words, os.fspath(out)]),
+                                    before=lambda: signal.signal(signal_number, signal.SIG_IGN))
+                    self.wait_for_audio(process, self.folder)
+                    process.send_signal(signal_number)
+                    _, err = process.communicate(timeout=60 * SLOWNESS)
+                    self.assertEqual(process.returncode, ALL_DONE, err)
+                    self.assertTrue((out / "Show.adl").exists())
 
     def test_requests_to_end_leave_nothing(self):
         before = m.checksums(self.source)
         for signal_number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(signal=signal_number):
                 process = start("prepare", self.project, "--into", self.folder / "new/out")
-                deadline = time.monotonic() + 20 * SLOWNESS
-                while not list(self.folder.glob("new/out.preparing-*/Audio/*")) and process.poll() is None:
-                    self.assertLess(time.monotonic(), deadline)
-                    time.sleep(0.001)
+                self.wait_for_audio(process, self.folder / "new")
                 process.send_signal(signal_number)
                 out, err = process.communicate(timeout=20 * SLOWNESS)
                 if process.returncode == ALL_DONE:
@@ -75,6 +94,74 @@ class Folder(ProgramTest):
                 self.assertEqual(out, b"")
                 self.assertEqual([path.name for path in self.folder.iterdir()], ["in"])
         self.assertEqual(m.checksums(self.source), before)
+
+    def test_what_others_made_under_such_names_stays(self):
+        theirs = ["out.preparing-v2.txt", "out.preparing-backup/mix.wav", "out.preparing-abcdef/Audio/take.wav",
+                  "out.preparing-abcdef/Show.adl", ".velmora-backup.part", ".velmora-2026-11-22.part/notes"]
+        for name in theirs:
+            (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.folder / name).write_text("theirs")
+        taken = self.folder / "taken"
+        (taken / ".preparing-backup").mkdir(parents=True)
+        refused = run("prepare", self.project, "--into", taken)
+        self.assert_bad_usage(refused, "--into", "not empty")
+        self.assert_status(run("prepare", self.project, "--into", self.out), ALL_DONE)
+        for name in theirs:
+            self.assertEqual((self.folder / name).read_text(), "theirs", name)
+        self.assertTrue((taken / ".preparing-backup").is_dir())
+
+    def test_names_as_long_as_names_can_be(self):
+        for length in (238, 239, 245, 255):
+            with self.subTest(length=length):
+                out = self.folder / ("n" * length)
+                self.assert_status(run("prepare", self.project, "--into", out), ALL_DONE)
+                self.assertEqual(sorted(os.listdir(out)), ["Audio", "Show.adl"])
+
+    def test_way_through_missing_folders_makes_none(self):
+        told = run("prepare", self.project, "--into", f"{self.folder}/a/b/../../out", "--json")
+        self.assert_status(told, ALL_DONE)
+        self.assertEqual(told.json["project"], os.fspath(self.out / "Show.adl"))
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["in", "out"])
+
+    def test_json_tells_what_was_not_made_too(self):
+        nothing = {"project": None, "changes": [], "files": [], "left": [], "exit": BAD_USAGE}
+        told = run("prepare", self.project, "--into", self.source, "--json")
+        self.assert_status(told, BAD_USAGE)
+        self.assertEqual(told.json, nothing)
+        self.assertIn("is not empty", told.err)
+        process = start("prepare", self.project, "--into", self.out, "--json")
+        self.wait_for_audio(process, self.folder)
+        process.send_signal(signal.SIGINT)
+        out, _ = process.communicate(timeout=20 * SLOWNESS)
+        if process.returncode == ALL_DONE:
+            self.skipTest("it was done before the signal came")
+        self.assertEqual(process.returncode, INTERRUPTED)
+        self.assertEqual(strict_json(out.decode()), {**nothing, "exit": INTERRUPTED})
+
+    def test_file_that_appears_meanwhile_stays(self):
+        with tempfile.TemporaryDirectory(dir=self.folder) as mount:
+            mounted = subprocess.run(["mount", "-t", "tmpfs", "tmpfs", mount], capture_output=True)
+            if mounted.returncode != 0:
+                self.skipTest(f"no file system of its own: {mounted.stderr.decode().strip()}")
+            try:
+                process = start("prepare", self.project, "--into", mount)
+                self.wait_for_audio(process, pathlib.Path(mount))
+                process.send_signal(signal.SIGSTOP)
+                made = os.listdir(mount)
+                theirs = pathlib.Path(mount) / "Show.adl"
+                if theirs.exists():
+                    self.skipTest("it was done before the file came")
+                theirs.write_text("theirs")
+                process.send_signal(signal.SIGCONT)
+                _, err = process.communicate(timeout=20 * SLOWNESS)
+                self.assertEqual(process.returncode, LEFT_OUT, (made, err))
+                self.assertIn(b"Show.adl has appeared meanwhile; it is not written over", err)
+                self.assertEqual(os.listdir(mount), ["Show.adl"])
+                self.assertEqual(theirs.read_text(), "theirs")
+            finally:
+                process.kill()
+                process.communicate()
+                subprocess.run(["umount", mount], check=True)
 
     def test_files_that_come_out_short(self):
         told = run("prepare", self.project, "--into", self.out, "--json", before=limit_file_size(FRAMES * 2))
@@ -93,7 +180,7 @@ class Folder(ProgramTest):
                     told = run("prepare", self.project, "--into", os.path.join(mount, name))
                     self.assert_status(told, LEFT_OUT)
                     self.assertIn("No space", told.err)
-                    self.assertNotIn("preparing-", told.err)
+                    self.assertNotIn(".part", told.err)
                     self.assertEqual(os.listdir(mount), [])
                 small = self.source / "Small.adl"
                 small.write_text(m.project(sources=m.index(name="take0.wav"), events=m.cut(channels="1", tracks="1")))

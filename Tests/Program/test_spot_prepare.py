@@ -148,6 +148,31 @@ class SpotPrepare(ProgramTest):
         self.assertEqual(list(temporary.iterdir()), [])
         self.assert_status(run("spot", self.project, "--prepare", env=environment(TMPDIR=self.folder / "none")), BAD_USAGE)
 
+    def test_very_long_names(self):
+        for length in (226, 240, 251):
+            with self.subTest(length=length):
+                project = self.source / ("n" * length + ".adl")
+                project.write_text(self.project.read_text())
+                copies = self.folder / f"{length}/copies"
+                self.assert_status(run("spot", project, "--prepare", "--copy-to", copies), ALL_DONE)
+                made = [path.name for path in copies.parent.iterdir() if path != copies]
+                self.assertEqual(made, ["n" * min(length, 239) + " prepared"])
+                self.assert_status(run("spot", project, "--prepare", env=environment(TMPDIR=self.folder)), ALL_DONE)
+
+    def test_folders_for_copies_go_with_what_does_not_begin(self):
+        full = self.folder / "full"
+        full.mkdir()
+        (full / "mine").touch()
+        copies = self.folder / "new/deep"
+        self.assert_bad_usage(run("spot", self.project, f"--prepare={full}", "--copy-to", copies), "--prepare")
+        self.assertFalse(copies.parent.exists())
+        no_adl = self.source / "None.adl"
+        no_adl.write_text("hello")
+        for project, options in ((no_adl, ["--prepare"]), (no_adl, [f"--prepare={self.folder / 'out'}"]), (self.project, [])):
+            with self.subTest(options=options):
+                self.assert_status(run("spot", project, *options, "--copy-to", copies), DOES_NOT_LOAD)
+                self.assertFalse(copies.parent.exists())
+
     def test_other_options_keep_working(self):
         out = self.folder / "out"
         spot = run("spot", self.project, f"--prepare={out}", "--json", "--fades", "--gain", "--depth", "16",
