@@ -30,6 +30,12 @@ bool IsAdlName(std::string_view name) {
                             kExtension.data());
 }
 
+/// An error that says that there is nothing: a link into the void or to itself, a name that has
+/// gone meanwhile.
+bool LeadsNowhere(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ELOOP;
+}
+
 /// Walks through one folder. Links to folders wait until all else is done, so that a folder is told
 /// by its own path where it has one.
 class Walk {
@@ -55,39 +61,45 @@ class Walk {
  private:
   void ListFolder(const std::string& folder) {
     struct stat facts {};
-    if (stat(folder.c_str(), &facts) != 0 || !seen_.insert({facts.st_dev, facts.st_ino}).second) {
-      return;
-    }
+    if (stat(folder.c_str(), &facts) != 0) return Complain(folder, errno);
+    if (!seen_.insert({facts.st_dev, facts.st_ino}).second) return;
     const FolderStream stream(opendir(folder.c_str()));
-    if (stream == nullptr) {
-      list_.complaints.push_back(folder + ": " + std::strerror(errno));
-      return;
-    }
+    if (stream == nullptr) return Complain(folder, errno);
     std::vector<std::string> links;
     const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
-    while (const dirent* const entry = readdir(stream.get())) {
+    // The end of a folder and an error look alike but for errno.
+    for (errno = 0; const dirent* const entry = readdir(stream.get()); errno = 0) {
       const std::string_view name = entry->d_name;
       if (name != "." && name != "..") Take(prefix + entry->d_name, *entry, links);
     }
+    if (errno != 0) Complain(folder, errno);
     std::sort(links.begin(), links.end());
     links_.insert(links_.end(), links.begin(), links.end());
+  }
+
+  void Complain(const std::string& path, int error) {
+    list_.complaints.push_back(path + ": " + std::strerror(error));
   }
 
   void Take(const std::string& path, const dirent& entry, std::vector<std::string>& links) {
     bool isLink = entry.d_type == DT_LNK;
     bool isFolder = entry.d_type == DT_DIR;
     struct stat facts {};
-    if (entry.d_type == DT_UNKNOWN && lstat(path.c_str(), &facts) == 0) {
-      isLink = S_ISLNK(facts.st_mode);
-      isFolder = S_ISDIR(facts.st_mode);
+    int error = 0;
+    if (entry.d_type == DT_UNKNOWN) {
+      error = lstat(path.c_str(), &facts) == 0 ? 0 : errno;
+      isLink = error == 0 && S_ISLNK(facts.st_mode);
+      isFolder = error == 0 && S_ISDIR(facts.st_mode);
     }
-    const bool leadsToFolder = isLink && stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    if (isLink) error = stat(path.c_str(), &facts) == 0 ? 0 : errno;
     if (isFolder) {
       folders_.push_back(path);
-    } else if (leadsToFolder) {
+    } else if (isLink && error == 0 && S_ISDIR(facts.st_mode)) {
       links.push_back(path);
     } else if (IsAdlName(entry.d_name)) {
       list_.paths.push_back(path);
+    } else if (error != 0 && !LeadsNowhere(error)) {
+      Complain(path, error);  // it may be a folder with projects
     }
   }
 

@@ -9,7 +9,7 @@ namespace velmora::program {
 /// The projects that arguments of the command line stand for.
 struct ProjectList {
   std::vector<std::string> paths;       ///< absolute, in the order in which they are told
-  std::vector<std::string> complaints;  ///< folders that cannot be read, or hold no project
+  std::vector<std::string> complaints;  ///< folders not read to their end, or without a project
 };
 
 /// A folder stands for every *.adl below it, in any case, in bytewise order of path; links are

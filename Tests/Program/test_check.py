@@ -1,5 +1,6 @@
 """`velmora check`: many projects and folders, the order in which they are told, JSON, and how it ends."""
 
+import errno
 import json
 import os
 import pty
@@ -9,8 +10,11 @@ import subprocess
 import time
 import unittest
 
+import failing
+from holding import as_somebody
 from material import Adl, fade, one_cut, stamp, wave
-from program import (ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, INTERRUPTED, LEFT_OUT, PROGRAM, ProgramTest, run, start)
+from program import (ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, INTERRUPTED, LEFT_OUT, PROGRAM, SANITIZED, ProgramTest,
+                     environment, run, start)
 
 KEYS = ["path", "verdict", "counts", "encoding", "findings", "meant"]
 FINDING_KEYS = ["code", "severity", "line", "column", "entry", "source", "text", "effect", "remedy"]
@@ -89,6 +93,45 @@ class Projects(CheckTest):
         (self.folder / "top" / "beyond").symlink_to(self.folder / "outside")
         names = [os.path.relpath(told["path"], self.folder / "top") for told in self.told(self.folder / "top")]
         self.assertEqual(names, ["beyond/p.adl", "real/p.adl"])
+
+    def test_folderThatIsNotReadToItsEndIsTold(self):
+        if not failing.SHIM or SANITIZED:
+            self.skipTest("no library that lets calls fail")
+        for name in ("a", "b"):
+            one_cut(self.folder / "arch" / name)
+        # Each folder takes two calls: one for its names, one that says that there are no more.
+        told = set()
+        for call in range(1, 7):
+            env = environment(**failing.variables("list", call, errno.EIO, self.folder / "counts",
+                                                  FAILING_BELOW=self.folder / "arch"))
+            with self.subTest(call):
+                result = run("check", self.folder / "arch", "--jobs", "1", env=env)
+                self.assert_status(result, DOES_NOT_LOAD)
+                line = result.err.split("\n")[0]
+                self.assertRegex(line, rf"velmora: {self.folder}/arch(/[ab])?: {os.strerror(errno.EIO)}$")
+                told.add(line)
+        self.assertEqual(len(told), 3, told)
+
+    def test_folderThatCannotBeLookedAtIsTold(self):
+        """Its names can be read, and nothing more."""
+        for name in ("a", "b"):
+            one_cut(self.folder / "arch" / name)
+        one_cut(self.folder / "beyond")
+        (self.folder / "arch" / "link").symlink_to(self.folder / "closed" / "beyond")
+        (self.folder / "closed").mkdir()
+        (self.folder / "arch" / "dangling").symlink_to("nowhere")
+        (self.folder / "arch" / "circle").symlink_to("circle")
+        self.folder.chmod(0o755)
+        program, before = as_somebody(self.folder)
+        (self.folder / "arch" / "b").chmod(0o000)
+        (self.folder / "closed").chmod(0o000)
+        done = subprocess.run([program, "check", self.folder / "arch"], capture_output=True, text=True,
+                              env=environment(), preexec_fn=before)
+        for name in ("arch/b", "closed"):
+            (self.folder / name).chmod(0o755)
+        self.assertEqual(done.returncode, DOES_NOT_LOAD)
+        self.assertEqual(sorted(done.stderr.splitlines()),
+                         [f"velmora: {self.folder}/arch/{name}: Permission denied" for name in ("b", "link")])
 
     def test_pipesDoNotHang(self):
         os.mkfifo(self.folder / "pipe.adl")
