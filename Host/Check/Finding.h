@@ -80,7 +80,7 @@ inline constexpr auto kCodes = std::to_array<CodeRow>({
      "Sources that do not say where their file starts"},
     {Code::SourceMissing, "source-missing", "Cuts of sources that are not listed"},
     {Code::MediaMissing, "media-missing", "Audio files that are nowhere"},
-    {Code::MediaAmbiguous, "media-ambiguous", "Audio files of which there are several"},
+    {Code::MediaAmbiguous, "media-ambiguous", "Audio files of which there are several, or may be"},
     {Code::MediaElsewhere, "media-elsewhere",
      "Audio files in places where they are not looked for"},
     {Code::LocationForm, "location-form", "Locations in a form that hides the file"},

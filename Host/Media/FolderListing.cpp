@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <set>
@@ -28,22 +30,35 @@ struct CloseFolder {
 };
 using FolderStream = std::unique_ptr<DIR, CloseFolder>;
 
-enum class What { File, Folder, LinkToFolder, Other };
+enum class What { File, Folder, LinkToFolder, Other, Unknown };
+
+/// An error that says that there is nothing: a link into the void or to itself, a name that has
+/// gone meanwhile.
+bool LeadsNowhere(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ELOOP;
+}
+
+/// Of what the system refuses to look at; errno tells why.
+What WhatIsRefused() {
+  return LeadsNowhere(errno) ? What::Other : What::Unknown;
+}
 
 What WhatIs(mode_t mode) {
   if (S_ISREG(mode)) return What::File;
   return S_ISDIR(mode) ? What::Folder : What::Other;
 }
 
-/// Asks the file system only where the folder itself does not tell.
+/// Asks the file system only where the folder itself does not tell. Unknown leaves errno.
 What WhatIs(DIR* folder, const dirent& entry) {
   if (entry.d_type == DT_REG) return What::File;
   if (entry.d_type == DT_DIR) return What::Folder;
   if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return What::Other;
   struct stat facts {};
-  if (fstatat(dirfd(folder), entry.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0) return What::Other;
+  if (fstatat(dirfd(folder), entry.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+    return WhatIsRefused();
+  }
   if (!S_ISLNK(facts.st_mode)) return WhatIs(facts.st_mode);
-  if (fstatat(dirfd(folder), entry.d_name, &facts, 0) != 0) return What::Other;
+  if (fstatat(dirfd(folder), entry.d_name, &facts, 0) != 0) return WhatIsRefused();
   return S_ISDIR(facts.st_mode) ? What::LinkToFolder : WhatIs(facts.st_mode);
 }
 
@@ -59,6 +74,16 @@ bool IsKernelFileSystem(int folder) {
   static_cast<void>(folder);
   return false;
 #endif
+}
+
+/// Folders that file systems and their tools keep at the top of a disk, closed to people. A disk
+/// whose every file could be read but for these has been read.
+bool IsOfTheFileSystem(std::string_view name) {
+  constexpr auto kNames = std::to_array<std::string_view>(
+      {"lost+found", "System Volume Information", "$RECYCLE.BIN", ".Spotlight-V100", ".fseventsd",
+       ".DocumentRevisions-V100", ".TemporaryItems"});
+  constexpr std::string_view kTrash = ".Trash";  // and .Trashes, .Trash-1000
+  return name.starts_with(kTrash) || std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
 std::string Joined(const std::string& folder, std::string_view name) {
@@ -137,20 +162,37 @@ class FolderListing::Lister {
     const std::string path =
         isFirst ? found.name : Joined(listing_.PathOfFolder(found.parent), found.name);
     const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) return;
+    if (descriptor < 0) {
+      const bool isKept = !isFirst && IsOfTheFileSystem(found.name) && errno == EACCES;
+      if (!isKept && (isFirst || !LeadsNowhere(errno))) NoteUnread(path, errno);
+      return;
+    }
     struct stat facts {};
-    const bool isNew =
-        fstat(descriptor, &facts) == 0 && seen_.insert({facts.st_dev, facts.st_ino}).second;
-    const FolderStream stream(isNew && !IsKernel(descriptor, facts.st_dev) ? fdopendir(descriptor)
-                                                                           : nullptr);
+    const bool isKnown = fstat(descriptor, &facts) == 0;
+    if (isKnown && (!seen_.insert({facts.st_dev, facts.st_ino}).second ||
+                    IsKernel(descriptor, facts.st_dev))) {
+      close(descriptor);
+      return;
+    }
+    const FolderStream stream(isKnown ? fdopendir(descriptor) : nullptr);
     if (stream == nullptr) {
+      NoteUnread(path, errno);
       close(descriptor);
       return;
     }
     const auto number = static_cast<std::uint32_t>(listing_.folders_.size());
     const std::uint32_t depth = isFirst ? 0 : listing_.folders_[found.parent].depth + 1;
     listing_.folders_.push_back({found.parent, depth, found.name});
-    while (const dirent* const entry = readdir(stream.get())) Take(stream.get(), *entry, number);
+    // The end of a folder and an error look alike but for errno.
+    for (errno = 0; const dirent* const entry = readdir(stream.get()); errno = 0) {
+      Take(stream.get(), *entry, number);
+    }
+    if (errno != 0) NoteUnread(path, errno);
+  }
+
+  void NoteUnread(const std::string& path, int error) {
+    constexpr std::size_t kMost = 20;
+    if (listing_.unread_.size() < kMost) listing_.unread_.push_back({path, std::strerror(error)});
   }
 
   bool IsKernel(int descriptor, dev_t device) {
@@ -162,7 +204,9 @@ class FolderListing::Lister {
   void Take(DIR* stream, const dirent& entry, std::uint32_t folder) {
     const std::string_view name = entry.d_name;
     if (name == "." || name == "..") return;
-    switch (WhatIs(stream, entry)) {
+    const What what = WhatIs(stream, entry);
+    const int error = errno;
+    switch (what) {
       case What::Folder:
         folders_.push_back({folder, std::string(name)});
         break;
@@ -174,6 +218,9 @@ class FolderListing::Lister {
         listing_.files_.push_back(
             {listing_.names_.size(), static_cast<std::uint32_t>(name.size()), folder});
         listing_.names_ += name;
+        break;
+      case What::Unknown:
+        NoteUnread(Joined(listing_.PathOfFolder(folder), name), error);
         break;
       case What::Other:
         break;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Media/Once.h"
+#include "Media/UnreadFolder.h"
 
 namespace velmora::media {
 
@@ -30,8 +31,8 @@ struct Span {
 [[nodiscard]] Span AtOtherRate(std::int64_t samples, double rate, double otherRate);
 
 /// Every regular file below a folder, links to files included, listed once. Links to folders are
-/// followed, no folder is listed twice; folders without rights and those of the kernel's own file
-/// systems are passed over. Callable from many threads.
+/// followed, no folder is listed twice; the kernel's own file systems are passed over. What cannot
+/// be read is passed over too, and told by Unread. Callable from many threads.
 ///
 /// It holds for each file its name and 64 bytes, for each Broadcast Wave, once ByHeader was asked,
 /// another 64 and its reference of up to 32.
@@ -48,6 +49,10 @@ class FolderListing {
   [[nodiscard]] std::string PathOf(File file) const;
   /// True for a file that stands in the listed folder itself.
   [[nodiscard]] bool IsBeside(File file) const { return files_[file].folder == 0; }
+
+  /// What could not be read, the first 20 of it: none if all files are listed. The folders that a
+  /// file system keeps for itself, such as lost+found, do not count.
+  [[nodiscard]] const std::vector<UnreadFolder>& Unread() const { return unread_; }
 
   // Files by name. Results are sorted: those nearest to the listed folder first, then by path.
 
@@ -111,6 +116,7 @@ class FolderListing {
   std::vector<Folder> folders_;
   std::vector<Row> files_;
   std::string names_;
+  std::vector<UnreadFolder> unread_;
   mutable NameIndex indexes_[3];  ///< by NameRule
 
   mutable std::mutex headerMutex_;

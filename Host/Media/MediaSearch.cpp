@@ -142,8 +142,42 @@ struct MediaSearch::Impl {
   }
 
   Located ByRules(const Wanted& wanted, const Location& location);
+  [[nodiscard]] std::vector<UnreadFolder> UnreadUpTo(std::size_t number) const;
+  static void DropGuess(const Wanted& wanted, Located& located);
   void NoteWhatHides(const Wanted& wanted, const Location& location, Located& located) const;
 };
+
+/// What could not be read of the folders up to the one with this number.
+std::vector<UnreadFolder> MediaSearch::Impl::UnreadUpTo(std::size_t number) const {
+  std::vector<UnreadFolder> all;
+  for (std::size_t i = 0; i <= number; ++i) {
+    // One folder may stand below another.
+    for (const UnreadFolder& unread : searched[i]->Unread()) {
+      const bool isNew = std::none_of(all.begin(), all.end(), [&](const UnreadFolder& known) {
+        return known.path == unread.path;
+      });
+      if (isNew) all.push_back(unread);
+    }
+  }
+  return all;
+}
+
+/// Where not all was read a lone candidate is no certain find, for it may have a twin. It stays if
+/// its reference is the one that is told, or if the location leads to its very place.
+void MediaSearch::Impl::DropGuess(const Wanted& wanted, Located& located) {
+  const bool isExact = located.hiddenByForm || located.hiddenByEncoding;
+  if (located.unread.empty()) return;
+  if (isExact || located.found == Found::Reference ||
+      HasReference(located.path, ReferenceKey(wanted.reference))) {
+    located.unread.clear();
+    return;
+  }
+  Located doubtful;
+  doubtful.result = SearchResult::Ambiguous;
+  doubtful.candidates.push_back(std::move(located.path));
+  doubtful.unread = std::move(located.unread);
+  located = std::move(doubtful);
+}
 
 Located MediaSearch::Impl::ByRules(const Wanted& wanted, const Location& location) {
   constexpr std::array kRules = {Found::Name, Found::NameCase, Found::Stem, Found::Reference,
@@ -165,10 +199,14 @@ Located MediaSearch::Impl::ByRules(const Wanted& wanted, const Location& locatio
       located.path = std::move(step.path);
       const bool beside = rule == Found::Name && number == 0 && step.isBeside;
       located.found = beside ? Found::Beside : rule;
+      // The first rule goes no further than it must; for all others every folder was asked before.
+      located.unread = UnreadUpTo(rule == Found::Name ? number : searched.size() - 1);
       return located;
     }
   }
-  return {};
+  Located missing;
+  missing.unread = UnreadUpTo(searched.size() - 1);
+  return missing;
 }
 
 /// Tells whether the system would find the file if the text were decoded, and what alone hides it.
@@ -221,7 +259,10 @@ Located MediaSearch::Find(const Wanted& wanted) {
   } else {
     located = impl_->ByRules(wanted, location);
   }
-  if (located.result == SearchResult::Found) impl_->NoteWhatHides(wanted, location, located);
+  if (located.result == SearchResult::Found) {
+    impl_->NoteWhatHides(wanted, location, located);
+    Impl::DropGuess(wanted, located);
+  }
   return located;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Media/AudioFacts.h"
+#include "Media/UnreadFolder.h"
 
 namespace velmora::media {
 
@@ -38,6 +39,9 @@ struct Located {
   Found found = media::Found::Location;
   /// Of an ambiguous search: the different files, the first 20 of them.
   std::vector<std::string> candidates;
+  /// Of a search that found nothing for sure: what it could not read and would have had to. What
+  /// is missing may stand there; a lone candidate may have a twin there, and is not taken.
+  std::vector<UnreadFolder> unread;
   /// The text of the location names the file, but only once it is decoded: escapes, backslashes,
   /// drive letters or the lack of a slash hide it from the system (location-form).
   bool hiddenByForm = false;

@@ -35,6 +35,10 @@ bool LengthFits(const FileHead& head, const Evidence& evidence) {
 
 }  // namespace
 
+bool HasReference(const std::string& path, const std::string& reference) {
+  return !reference.empty() && HeadOf(path).reference == reference;
+}
+
 Candidates::Candidates(const FolderListing& listing, const std::vector<File>& files,
                        Require require, ContentComparison& contents)
     : contents_(contents) {

@@ -34,6 +34,9 @@ struct FileHead {
   std::int32_t sampleRate = 0;
 };
 
+/// True if a file has this reference, which is in the form of ReferenceKey and not empty.
+[[nodiscard]] bool HasReference(const std::string& path, const std::string& reference);
+
 enum class StepResult { Nothing, OneFile, Several };
 
 struct StepOutcome {
@@ -94,6 +97,7 @@ class SearchedFolder {
       : listing_(std::move(listing)), contents_(contents) {}
 
   [[nodiscard]] std::size_t FileCount() const { return listing_->FileCount(); }
+  [[nodiscard]] const std::vector<UnreadFolder>& Unread() const { return listing_->Unread(); }
 
   /// One step of the search.
   [[nodiscard]] StepOutcome Step(Found rule, const std::vector<std::string>& names,

@@ -205,6 +205,25 @@ class Preparation {
     return hides;
   }
 
+  /// A missing file may stand in a folder that could not be read. Only the first check has been
+  /// there.
+  void TakeWhatWasNotRead(Finding& missing) const {
+    const auto source =
+        std::find_if(plan_.sources.begin(), plan_.sources.end(),
+                     [&](const PlannedSource& planned) { return planned.index == missing.source; });
+    if (source == plan_.sources.end()) return;
+    if (checked_.media[source->origin].located.unread.empty()) return;
+    const std::int32_t index = checked_.project->sources[source->origin].index;
+    const auto first = std::find_if(
+        checked_.findings.begin(), checked_.findings.end(), [index](const Finding& finding) {
+          return finding.code == Code::MediaMissing && finding.source == index;
+        });
+    if (first == checked_.findings.end()) return;
+    missing.text = first->text;
+    missing.effect = first->effect;
+    missing.remedy = first->remedy;
+  }
+
   void TakeFindings(std::vector<Finding>& findings) {
     bool moves = false;
     for (Finding& finding : findings) {
@@ -215,6 +234,7 @@ class Preparation {
         ReplaceAll(text, staging_.Path(), into_);
         *shared = std::move(text);
       }
+      if (finding.code == Code::MediaMissing) TakeWhatWasNotRead(finding);
       if (finding.code == Code::RateCompensated) {
         moves = true;
         finding.remedy = "Spot it with velmora spot --true-position.";

@@ -274,6 +274,100 @@ TEST_F(MediaSearchTest, byTheLastThreeRulesOnlySoundCounts) {
   EXPECT_EQ(Told(Find("URL:file:///V/x.wav", {"m"})), "name m/b/x.wav");
 }
 
+/// Folders "m/a" and "m/closed", of which the second may not be read, nor what a link leads to.
+class ClosedFolders : public MediaSearchTest {
+ protected:
+  void SetUp() override {
+    MediaSearchTest::SetUp();
+    std::filesystem::permissions(Path(""), std::filesystem::perms(0755));
+    Put("m/a/x.wav", {.reference = "REF1", .time = 5000});
+    Put("m/closed/x.wav", {.reference = "REF2", .content = 1});
+    Close("m/closed");
+  }
+  void TearDown() override {
+    for (const std::string& path : closed_) {
+      std::filesystem::permissions(path, std::filesystem::perms(0755));
+    }
+  }
+  void Close(const std::string& name) {
+    std::filesystem::create_directories(Path(name));
+    closed_.push_back(Path(name));
+    std::filesystem::permissions(closed_.back(), std::filesystem::perms::none);
+  }
+
+  /// What was found, and what was not read on the way.
+  std::string Seen(const Wanted& wanted, const std::vector<std::string>& mediaFolders) {
+    const test::OrdinaryRights rights;
+    const Located located = Find(wanted, mediaFolders);
+    std::string text = Told(located);
+    for (const UnreadFolder& unread : located.unread) {
+      text += " not " + unread.path.substr(folder_.Path().size() + 1) + ": " + unread.reason;
+    }
+    return text;
+  }
+
+ private:
+  std::vector<std::string> closed_;
+};
+
+TEST_F(ClosedFolders, aNameAloneIsNotCalledUnique) {
+  const std::string closed = " not m/closed: Permission denied";
+  const Wanted x = Quoted("URL:file:///V/x.wav");
+  EXPECT_EQ(Seen(x, {"m"}), "ambiguous m/a/x.wav" + closed);
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/X.WAV"), {"m"}), "ambiguous m/a/x.wav" + closed);
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/x.aif"), {"m"}), "ambiguous m/a/x.wav" + closed);
+  EXPECT_EQ(Seen(With(x, "", 10), {"m"}), "ambiguous m/a/x.wav" + closed) << "lengths are alike";
+  EXPECT_EQ(Seen(With(Quoted("URL:file:///V/y.wav"), "", 10, 5000), {"m"}),
+            "ambiguous m/a/x.wav" + closed)
+      << "channels of one take have one length and time";
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/y.wav"), {"m"}), "missing" + closed);
+}
+
+TEST_F(ClosedFolders, whatIsNoGuessStays) {
+  const Wanted x = Quoted("URL:file:///V/x.wav");
+  EXPECT_EQ(Seen(With(x, "REF1", 10), {"m"}), "name m/a/x.wav");
+  EXPECT_EQ(Seen(With(Quoted("URL:file:///V/y.wav"), "REF1", {}), {"m"}), "reference m/a/x.wav");
+  EXPECT_EQ(Seen(Quoted("URL:file://localhost" + Path("m/a/x.wav")), {"m"}), "path m/a/x.wav");
+  Close("p/closed too");
+  Put("p/z z.wav");
+  EXPECT_EQ(Seen(Quoted("URL:file://localhost/V/z%20z.wav"), {"m"}),
+            "beside p/z z.wav hidden by form");
+  EXPECT_EQ(Seen(Quoted("URL:file://localhost/V/z z.wav"), {"m"}), "location p/z z.wav");
+}
+
+TEST_F(ClosedFolders, onlyWhatComesBeforeTheFindCounts) {
+  const Wanted x = Quoted("URL:file:///V/x.wav");
+  Put("n/x.wav");
+  EXPECT_EQ(Seen(x, {"n", "m"}), "name n/x.wav");
+  EXPECT_EQ(Seen(x, {"m", "n"}), "ambiguous m/a/x.wav not m/closed: Permission denied");
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/X.WAV"), {"n", "m"}),
+            "ambiguous n/x.wav not m/closed: Permission denied")
+      << "the name as it stands is looked for everywhere first";
+  Put("n/deep/x.wav", {.content = 2});
+  EXPECT_EQ(Seen(x, {"n", "m"}), "ambiguous n/deep/x.wav n/x.wav") << "both are there";
+}
+
+TEST_F(ClosedFolders, linksThatLeadIntoThemCountAndThoseThatLeadNowhereDoNot) {
+  Put("n/x.wav");
+  std::filesystem::create_symlink("nowhere", Path("n/dangling"));
+  std::filesystem::create_symlink("circle", Path("n/circle"));
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/x.wav"), {"n"}), "name n/x.wav");
+  std::filesystem::create_symlink(Path("m/closed/x.wav"), Path("n/link"));
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/x.wav"), {"n"}),
+            "ambiguous n/x.wav not n/link: Permission denied");
+}
+
+TEST_F(ClosedFolders, thoseOfTheFileSystemDoNotCount) {
+  Put("n/x.wav");
+  for (const char* const name : {"n/lost+found", "n/.Trash-1000", "n/System Volume Information"}) {
+    Close(name);
+  }
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/x.wav"), {"n"}), "name n/x.wav");
+  EXPECT_EQ(Seen(Quoted("URL:file:///V/x.wav"), {"n/lost+found", "n"}),
+            "ambiguous n/x.wav not n/lost+found: Permission denied")
+      << "but where one is named it is meant";
+}
+
 TEST_F(MediaSearchTest, namesThatAreNoText) {
   Put("m/\x83\x65\x83\x58\x83\x67.wav");
   Wanted wanted = Quoted("URL:file:///V/\u30C6\u30B9\u30C8.wav");

@@ -1,11 +1,13 @@
 """velmora prepare: what becomes of each thing that stands in a project's way."""
 
 import json
+import subprocess
 import unittest
 
 import material
 import prepare_material as m
-from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT, ProgramTest, run
+from holding import as_somebody
+from program import ALL_DONE, BAD_USAGE, DOES_NOT_LOAD, LEFT_OUT, ProgramTest, environment, run
 
 HOUR = 3600 * m.SECOND
 WAVE = material.wave_of(m.packed(m.samples(5 * m.SECOND)))
@@ -196,6 +198,33 @@ class Leftovers(ProgramTest):
         sources = m.meant(self.folder / "out/Show.adl")["sources"]
         self.assertIsNotNone(sources[0]["file"])
         self.assertIsNone(sources[1]["file"])
+
+    def test_no_file_is_guessed_where_a_folder_could_not_be_read(self):
+        """Two takes of one name differ. With one of them out of sight the other is not taken for the only one, nor is
+        what is missing called nowhere."""
+        dirty = m.project(sources=m.index() + m.index(2, "gone.wav"), events=m.cut() + m.cut(2, source=2))
+        (self.folder / "in").mkdir()
+        (self.folder / "in/Show.adl").write_text(dirty)
+        for name, data in (("A", WAVE), ("B", STEREO)):
+            (self.folder / "media" / name).mkdir(parents=True)
+            (self.folder / "media" / name / "take.wav").write_bytes(data)
+        (self.folder / "made").mkdir()
+        self.folder.chmod(0o755)
+        program, before = as_somebody(self.folder)
+        closed = self.folder / "media" / "B"
+        closed.chmod(0)
+        self.addCleanup(closed.chmod, 0o755)
+        done = subprocess.run([program, "prepare", self.folder / "in/Show.adl", "--media", self.folder / "media",
+                               "--into", self.folder / "made/out", "--json"],
+                              capture_output=True, text=True, env=environment(), preexec_fn=before)
+        self.assertEqual(done.returncode, LEFT_OUT, done.stderr)
+        told = json.loads(done.stdout)
+        left = {(item["code"], item["source"]): item["text"] for item in told["left"] if item["severity"] != "note"}
+        self.assertEqual(sorted(left), [("media-ambiguous", 1), ("media-missing", 1), ("media-missing", 2)])
+        self.assertIn(f"{self.folder}/media/A/take.wav", left["media-ambiguous", 1])
+        for finding in (("media-ambiguous", 1), ("media-missing", 2)):
+            self.assertIn(f"not read: {closed} (Permission denied)", left[finding])
+        self.assertEqual(told["files"], [])
 
     def test_source_that_is_not_listed(self):
         prepared = self.prepare(m.project(events=m.cut() + m.cut(2, source=9)))

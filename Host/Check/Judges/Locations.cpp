@@ -53,8 +53,30 @@ Judgement Hindrance(const media::Located& located, const field::Value& value) {
           "Put the file beside the ADL under this name; velmora prepare links it."};
 }
 
+/// "media/B (Permission denied)", the first of them.
+std::string Folders(const Case& c, const std::vector<media::UnreadFolder>& folders) {
+  constexpr std::size_t kMost = 4;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(folders.size(), kMost); ++i) {
+    text += (i > 0 ? ", " : "") + c.ShowPath(folders[i].path) + " (" + folders[i].reason + ")";
+  }
+  return folders.size() > kMost ? text + ", ..." : text;
+}
+
 /// The same for a source without a file, or with several.
 Judgement Lack(const media::Located& located) {
+  constexpr const char* kReadable =
+      "Make what cannot be read readable, or put the file beside the ADL under this name.";
+  if (!located.unread.empty() && located.result == media::SearchResult::Ambiguous) {
+    return {Code::MediaAmbiguous,
+            "The cuts have no audio: another file of this name may stand where nothing can be "
+            "read, and none is guessed.",
+            kReadable};
+  }
+  if (!located.unread.empty()) {
+    return {Code::MediaMissing,
+            "The cuts have no audio: there is no such file where it can be looked for.", kReadable};
+  }
   if (located.result == media::SearchResult::Ambiguous) {
     return {Code::MediaAmbiguous, "The cuts have no audio: several different files could be meant.",
             "Leave one of them in the folders that are searched, or put it beside the ADL under "
@@ -80,6 +102,7 @@ void JudgeLocations(const Case& c, Findings& findings) {
     std::string text = c.Show(line, 0);
     if (isFound) text += " is " + c.ShowPath(located.path);
     if (!located.candidates.empty()) text += " may be " + Files(c, located.candidates);
+    if (!located.unread.empty()) text += "; not read: " + Folders(c, located.unread);
     findings.Add(judgement.code, c.OfSource(i, Severity::Lost),
                  {.offset = c.ValueOffset(line, 0), .source = i},
                  {std::move(text), judgement.effect, judgement.remedy});
