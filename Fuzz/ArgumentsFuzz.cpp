@@ -19,8 +19,13 @@ bool IsAbsolute(const std::string& path) {
   return path.empty() || path[0] == '/';
 }
 
+/// A project's is never empty.
+bool NamesAFile(const std::string& path) {
+  return !path.empty() && path[0] == '/';
+}
+
 void HoldSpot(const program::SpotArguments& arguments) {
-  Hold(IsAbsolute(arguments.project), "a project has an absolute path", arguments.project);
+  Hold(NamesAFile(arguments.project), "a project has an absolute path", arguments.project);
   Hold(IsAbsolute(arguments.copyFolder), "so has a copy folder");
   Hold(arguments.bitDepth == 16 || arguments.bitDepth == 24, "a depth is one of two");
   Hold(arguments.positionMode >= 0 && arguments.positionMode <= 3, "a position is one of four");
@@ -29,7 +34,10 @@ void HoldSpot(const program::SpotArguments& arguments) {
     Hold(*arguments.sessionFrameRate >= 0 && *arguments.sessionFrameRate <= 7,
          "a frame rate is one of eight");
   }
-  if (arguments.sessionRate) Hold(*arguments.sessionRate > 0, "a sample rate is above 0");
+  if (arguments.sessionRate) {
+    Hold(*arguments.sessionRate >= 1 && *arguments.sessionRate <= 1e7F,
+         "a sample rate is one that a session has");
+  }
 }
 
 void HoldCommand(const program::Command& command) {
@@ -39,7 +47,7 @@ void HoldCommand(const program::Command& command) {
   } else if (const auto* const spot = std::get_if<program::SpotArguments>(&command)) {
     HoldSpot(*spot);
   } else if (const auto* const info = std::get_if<program::InfoArguments>(&command)) {
-    Hold(IsAbsolute(info->project), "a project has an absolute path", info->project);
+    Hold(NamesAFile(info->project), "a project has an absolute path", info->project);
   } else if (const auto* const prepare = std::get_if<program::PrepareArguments>(&command)) {
     Hold(IsAbsolute(prepare->options.into), "a folder has an absolute path", prepare->options.into);
   } else {

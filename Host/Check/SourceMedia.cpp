@@ -11,8 +11,8 @@ namespace {
 bool IsPlainlyMissing(const SourceMedia& media) {
   const media::Located& located = media.located;
   return located.result == media::SearchResult::Missing && located.candidates.empty() &&
-         !located.hiddenByForm && !located.hiddenByEncoding && !media.facts &&
-         media.obstacle == media::Obstacle::None;
+         located.unread.empty() && !located.hiddenByForm && !located.hiddenByEncoding &&
+         !media.facts && media.obstacle == media::Obstacle::None;
 }
 
 }  // namespace

@@ -191,7 +191,7 @@ class FolderListing::Lister {
   }
 
   void NoteUnread(const std::string& path, int error) {
-    constexpr std::size_t kMost = 20;
+    constexpr std::size_t kMost = 5;
     if (listing_.unread_.size() < kMost) listing_.unread_.push_back({path, std::strerror(error)});
   }
 

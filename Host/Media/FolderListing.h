@@ -50,7 +50,7 @@ class FolderListing {
   /// True for a file that stands in the listed folder itself.
   [[nodiscard]] bool IsBeside(File file) const { return files_[file].folder == 0; }
 
-  /// What could not be read, the first 20 of it: none if all files are listed. The folders that a
+  /// What could not be read, the first five of it: none if all files are listed. The folders that a
   /// file system keeps for itself, such as lost+found, do not count.
   [[nodiscard]] const std::vector<UnreadFolder>& Unread() const { return unread_; }
 

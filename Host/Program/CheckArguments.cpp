@@ -56,7 +56,8 @@ void AddReadingOptions(CLI::App& command, RawReadingOptions& raw) {
   AddProjectOptions(command, raw);
   command
       .add_option("--session-rate", raw.sessionRate,
-                  "The sample rate of the session to spot into;\notherwise that of the first cut")
+                  "The sample rate of the session to spot into, from\n1 to 10000000; otherwise "
+                  "that of the first cut")
       ->type_name("HZ")
       ->check(SampleRateForm());
   command

@@ -23,6 +23,7 @@
 #include "Program/CheckText.h"
 #include "Program/ExitStatus.h"
 #include "Program/ProjectList.h"
+#include "Program/StandardOutput.h"
 #include "Program/StopRequests.h"
 #include "Program/TextTable.h"
 #include "Program/Usage.h"
@@ -246,14 +247,9 @@ int RunCheck(const CheckArguments& arguments) {
   const CheckTotals totals = TellAll(list.paths, arguments);
   if (Interrupted()) return kInterrupted;
   if (!arguments.json && totals.All() > 1) WriteCheckTotals(totals, std::cout);
-  std::cout.flush();
   for (const std::string& line : list.complaints)
     std::cerr << "velmora: " << Printable(line) << '\n';
-  if (!std::cout) {
-    std::cerr << "velmora: standard output takes no more\n";
-    return kDoesNotLoad;
-  }
-  return StatusOf(totals, list);
+  return StatusOfOutput(StatusOf(totals, list));
 }
 
 }  // namespace velmora::program

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "Destinations/Destinations.h"
 #include "Program/AbsolutePath.h"
 #include "Program/OptionForms.h"
+#include "Program/StandardOutput.h"
 #include "Program/Usage.h"
 #include "Spot/SpotOptions.h"
 
@@ -149,9 +151,6 @@ void AddPreparationOptions(CLI::App& spot, SpotArguments& arguments, RawOptions&
   for (std::string& name : AddPreparingOptions(spot, arguments.preparation)) {
     raw.forPrepare.push_back(std::move(name));
   }
-  spot.add_flag("--true-position", arguments.truePosition,
-                "Place every cut to the sample where the project\nhas it, whatever the session "
-                "makes of its timecode");
 }
 
 /// What --host does, from the table of hosts.
@@ -163,12 +162,14 @@ std::string HostHelp() {
   return help;
 }
 
-void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
+/// What spot and report have in common.
+void AddCommonOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_option("project", arguments.project, "The ADL file")->type_name("FILE")->required();
   AddPlaceOptions(spot, arguments, raw);
   AddAudioOptions(spot, arguments, raw);
   spot.add_option("--session-rate", raw.sessionRate,
-                  "The session's sample rate; otherwise that of\nthe project's first cut")
+                  "The session's sample rate, from 1 to 10000000;\notherwise that of the project's "
+                  "first cut")
       ->type_name("HZ")
       ->check(SampleRateForm());
   spot.add_option("--session-frame-rate", raw.frameRate,
@@ -176,7 +177,9 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
                   "30df, 23.976;\notherwise that of the project's first cut")
       ->type_name("CODE")
       ->check(FrameRateForm());
-  AddPreparationOptions(spot, arguments, raw);
+  spot.add_flag("--true-position", arguments.truePosition,
+                "Place every cut to the sample where the project\nhas it, whatever the session "
+                "makes of its timecode");
   spot.add_option("--host", raw.host, HostHelp())
       ->type_name("NAME[:TARGET]")
       ->capture_default_str();
@@ -185,11 +188,16 @@ void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
   spot.add_flag("--quiet", arguments.quiet, "No progress bar");
 }
 
+void AddSpotOptions(CLI::App& spot, SpotArguments& arguments, RawOptions& raw) {
+  AddCommonOptions(spot, arguments, raw);
+  AddPreparationOptions(spot, arguments, raw);
+}
+
 void AddReportOptions(CLI::App& report, SpotArguments& arguments, RawOptions& raw,
                       std::string& page) {
-  report.add_option("-o,--output", page, "The page to make, which must not exist")
+  report.add_option("-o,--output", page, "Required: the page to make, which must not exist")
       ->type_name("FILE.html");
-  AddSpotOptions(report, arguments, raw);
+  AddCommonOptions(report, arguments, raw);
 }
 
 /// Takes over what the validators have let through; an empty answer, or what is wrong.
@@ -225,7 +233,7 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
     return "--json and a bounce to - exclude each other: both take standard output";
   }
 
-  arguments.prepare = spot.count("--prepare") > 0;
+  arguments.prepare = !raw.forPrepare.empty() && spot.count("--prepare") > 0;
   for (const std::string& name : raw.forPrepare) {
     if (!arguments.prepare && spot.count(name) > 0) return name + " goes with --prepare alone";
   }
@@ -240,6 +248,37 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   }
   arguments.copyFolder = AbsolutePath(raw.copyFolder);
   return {};
+}
+
+/// Names the options that go with another one which is not there: they change nothing.
+void TellIdleOptions(const CLI::App& spot, const SpotArguments& arguments) {
+  struct Row {
+    const char* option;
+    bool counts;
+    std::string with;
+  };
+  const auto& chosen = arguments.targets.targets;
+  const auto goesWith = [&](const char* option, bool host::OfferedChoices::*offer) {
+    Row row{option, false, ""};
+    row.counts = std::any_of(chosen.begin(), chosen.end(), [&](const TargetRequest& target) {
+      return target.kind->offers.*offer;
+    });
+    for (const host::TargetKind* const kind : host::Targets()) {
+      if (kind->offers.*offer)
+        row.with += (row.with.empty() ? "" : " or ") + std::string(kind->option);
+    }
+    return row;
+  };
+  const Row rows[] = {
+      {"--offset", arguments.positionMode == PositionWithOffset, "--position offset"},
+      {"--start", arguments.positionMode == PositionAtStart, "--position start"},
+      goesWith("--embed-media", &host::OfferedChoices::embedMedia),
+      goesWith("--bounce-depth", &host::OfferedChoices::bounceDepth),
+  };
+  for (const Row& idle : rows) {
+    if (idle.counts || spot.count(idle.option) == 0) continue;
+    std::fprintf(stderr, "velmora: note: %s counts only with %s\n", idle.option, idle.with.c_str());
+  }
 }
 
 /// The table's target that tells of a spot.
@@ -257,10 +296,6 @@ std::string FinishReport(SpotArguments& arguments, const std::string& page,
   if (report.count("-o") == 0) return "-o is missing: name the page to make";
   if (page.empty()) return "-o: the name is empty";
   if (page == kStandardOutput) return NoStandardOutput("-o");
-  if (arguments.prepare) {
-    return "--prepare does not go with report, for it makes files: make the report of what velmora "
-           "prepare has made";
-  }
   arguments.plan = TargetRequest{ReportKind(), AbsolutePath(page)};
   return {};
 }
@@ -301,7 +336,8 @@ void AddPrepareOptions(CLI::App& prepare, PrepareArguments& arguments, RawPrepar
   prepare.add_option("project", arguments.project, "The ADL file")->type_name("FILE")->required();
   prepare
       .add_option("--into", raw.into,
-                  "The folder to make, with the project and Audio/;\nit must not exist or be empty")
+                  "Required: the folder to make, with the project and\nAudio/; it must not exist "
+                  "or be empty")
       ->type_name("DIR");
   AddReadingOptions(prepare, raw.reading);
   AddPreparingOptions(prepare, arguments.options);
@@ -378,9 +414,18 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // help or version was asked for
-    return app.exit(request);
+    return StatusOfOutput(app.exit(request));
   } catch (const CLI::ParseError& error) {
     return BadUsage(app, argc > 1 ? argv[1] : "", error);
+  }
+  const bool isReport = report->parsed();
+  std::vector<std::string> projects = checkArguments.projects;
+  if (info->parsed()) projects = {infoArguments.project};
+  if (prepare->parsed()) projects = {prepareArguments.project};
+  if (spot->parsed()) projects = {spotArguments.project};
+  if (isReport) projects = {reportArguments.project};
+  if (std::find(projects.begin(), projects.end(), "") != projects.end()) {
+    return BadUsage("the name of the project is empty", app.get_subcommands().front()->get_name());
   }
   if (info->parsed()) {
     if (infoArguments.json && infoArguments.summary) {
@@ -395,7 +440,6 @@ Command ReadCommandLine(int argc, const char* const* argv) {
     return prepareArguments;
   }
   if (check->parsed()) return FinishCheck(std::move(checkArguments), rawCheck, *check);
-  const bool isReport = report->parsed();
   const char* const command = isReport ? "report" : "spot";
   // The library takes an empty value for none.
   if (words.Has("--prepare=")) {
@@ -406,6 +450,7 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   std::string complaint = Finish(arguments, isReport ? rawReport : raw, isReport ? *report : *spot);
   if (complaint.empty() && isReport) complaint = FinishReport(arguments, page, *report);
   if (!complaint.empty()) return BadUsage(complaint, command);
+  TellIdleOptions(isReport ? *report : *spot, arguments);
   return arguments;
 }
 

@@ -53,7 +53,8 @@ struct PrepareArguments {
 /// An exit status: there is nothing to do, help was shown or a complaint made.
 using Command = std::variant<int, InfoArguments, SpotArguments, CheckArguments, PrepareArguments>;
 
-/// Reads the command line and shows help or says what is wrong with it. Touches no file.
+/// Reads the command line and shows help or says what is wrong with it, and which options change
+/// nothing. Touches no file.
 [[nodiscard]] Command ReadCommandLine(int argc, const char* const* argv);
 
 }  // namespace velmora::program

@@ -7,6 +7,7 @@
 #include "Model/ProjectSummary.h"
 #include "Program/ExitStatus.h"
 #include "Program/FindingsHint.h"
+#include "Program/StandardOutput.h"
 #include "Program/TextTable.h"
 
 namespace velmora::program {
@@ -23,8 +24,8 @@ int RunInfo(const InfoArguments& arguments) {
   }
   if (!loaded) ComplainAboutLoad(arguments.project, model);
   if (!out.Finish()) {
-    std::cerr << "velmora: standard output takes no more\n";
-    return kLeftOut;
+    const int lost = TellLostOutput();
+    return loaded ? lost : kDoesNotLoad;
   }
   hint.Tell(model);
   return loaded ? kAllDone : kDoesNotLoad;

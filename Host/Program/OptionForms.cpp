@@ -1,10 +1,10 @@
 #include "Program/OptionForms.h"
 
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
 #include "Program/BoxChoice.h"
+#include "Session/SessionClock.h"
 #include "Timecode/RateTables.h"
 #include "Timecode/TimecodeEntry.h"
 
@@ -89,12 +89,15 @@ CLI::Validator FrameRateForm() {
 }
 
 CLI::Validator SampleRateForm() {
+  constexpr double kLowest = host::SessionClock::kLowestRate;
+  constexpr double kHighest = host::SessionClock::kHighestRate;
+  static_assert(kLowest == 1 && kHighest == 10'000'000, "as the complaint and help tell");
   return CLI::Validator(
       [](std::string& text) -> std::string {
         double rate = 0;
-        const bool good = CLI::detail::lexical_cast(text, rate) && std::isfinite(rate) &&
-                          rate > 0 && std::isfinite(static_cast<float>(rate));
-        return good ? "" : "'" + text + "' is no sample rate in Hz";
+        const bool good =
+            CLI::detail::lexical_cast(text, rate) && rate >= kLowest && rate <= kHighest;
+        return good ? "" : "'" + text + "' is no sample rate from 1 to 10000000 Hz";
       },
       "");
 }

@@ -16,6 +16,7 @@ namespace velmora::program {
 [[nodiscard]] CLI::Validator TimecodeForm(bool isSigned);
 /// Numbers and rising ranges: see NumberSet.
 [[nodiscard]] CLI::Validator NumberListForm();
+/// What a session may have, in Hz: see SessionClock.
 [[nodiscard]] CLI::Validator SampleRateForm();
 [[nodiscard]] CLI::Validator FrameRateForm();
 /// A number of threads.

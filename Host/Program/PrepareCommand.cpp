@@ -7,6 +7,7 @@
 #include "Program/ExitStatus.h"
 #include "Program/PrepareReport.h"
 #include "Program/ProgressBar.h"
+#include "Program/StandardOutput.h"
 #include "Program/StopRequests.h"
 #include "Program/TextTable.h"
 #include "Program/Usage.h"
@@ -73,12 +74,7 @@ int RunPrepareCommand(const PrepareArguments& arguments) {
       break;
   }
   if (arguments.json) PrintPreparedJson(prepared, status, std::cout);
-  std::cout.flush();
-  if (!std::cout) {
-    std::cerr << "velmora: standard output takes no more\n";
-    return status == kAllDone ? kLeftOut : status;
-  }
-  return status;
+  return StatusOfOutput(status);
 }
 
 }  // namespace velmora::program

@@ -22,6 +22,7 @@
 #include "Program/PlannedSpot.h"
 #include "Program/SpotPreparation.h"
 #include "Program/SpotTargets.h"
+#include "Program/StandardOutput.h"
 #include "Program/StopRequests.h"
 #include "Program/TextSpotReport.h"
 #include "Program/TextTable.h"
@@ -160,13 +161,6 @@ bool TellChanged(recording::SourceWatch& watch, SpotRecording& recording) {
   return changed.empty();
 }
 
-/// False if standard output took not all of what was written.
-bool StandardOutputHolds() {
-  if (std::cout) return true;
-  std::cerr << "velmora: standard output takes no more\n";
-  return false;
-}
-
 /// All that a page tells: what the run recorded, and what a check finds.
 host::SpotRecord FullRecord(const SpotArguments& arguments, const SpotOptions& options,
                             const SpotRecording& recording, host::SpotRecord record) {
@@ -280,9 +274,8 @@ int SpotModel(const SpotArguments& arguments, ViewModel& model, const SpotTarget
   const bool made = targets.Write({session, heard, rates, record}, arguments.json, showsBar);
   // Targets read the files too, where they have not been copied.
   if (!arguments.plan && !TellChanged(watch, recording)) whole = false;
-  const bool told = StandardOutputHolds();
-  if (Interrupted()) return kInterrupted;
-  return finished && whole && made && told ? kAllDone : kLeftOut;
+  const int status = StatusOfOutput(finished && whole && made ? kAllDone : kLeftOut);
+  return Interrupted() ? kInterrupted : status;
 }
 
 /// The last line of all, where it is read, and not between the system's own alerts.

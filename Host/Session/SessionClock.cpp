@@ -35,8 +35,9 @@ std::uint64_t AddDroppedNumbers(std::uint64_t frame, std::uint64_t nominal) {
 }  // namespace
 
 SessionClock::SessionClock(const SessionRates& rates)
-    : sampleRate_(rates.sampleRate >= 1.0F && rates.sampleRate <= 1e7F ? rates.sampleRate
-                                                                       : SessionRates().sampleRate),
+    : sampleRate_(rates.sampleRate >= kLowestRate && rates.sampleRate <= kHighestRate
+                      ? rates.sampleRate
+                      : SessionRates().sampleRate),
       code_(rates.frameRate >= 0 && rates.frameRate < static_cast<std::int32_t>(kFrameRates.size())
                 ? rates.frameRate
                 : SessionRates().frameRate),

@@ -32,7 +32,11 @@ inline constexpr auto kFrameRates = std::to_array<FrameRate>({
 /// The timebase of the session: what its ruler counts in.
 class SessionClock {
  public:
-  /// A rate that is not a positive number counts as 48000 Hz, an unknown code as 0.
+  // Sample rates in Hz that a session may have.
+  static constexpr float kLowestRate = 1;
+  static constexpr float kHighestRate = 10'000'000;
+
+  /// Another rate counts as 48000 Hz, an unknown code as 0.
   explicit SessionClock(const SessionRates& rates = SessionRates());
 
   [[nodiscard]] float SampleRate() const { return sampleRate_; }

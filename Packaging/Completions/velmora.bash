@@ -41,10 +41,13 @@ _velmora() {
     info) options+=' --json --summary' ;;
     spot | report)
       options+=' --position --offset --start --skip-tracks --only-tracks --skip-events --only-events
-        --depth --fades --gain --copy-to --session-rate --session-frame-rate --prepare
-        --media --trust --encoding --copy-media --keep-stereo --keep-off --resample --true-position --host
+        --depth --fades --gain --copy-to --session-rate --session-frame-rate --true-position --host
         --dawproject --otio --bounce --bounce-tracks --report --embed-media --bounce-depth --native --json --quiet'
-      [[ $command == report ]] && options+=' -o --output'
+      if [[ $command == report ]]; then
+        options+=' -o --output'
+      else
+        options+=' --prepare --media --trust --encoding --copy-media --keep-stereo --keep-off --resample'
+      fi
       case $before in
         --position) _velmora_offer "$typed" -W 'project offset start first' && return ;;
         --depth) _velmora_offer "$typed" -W '16 24' && return ;;

@@ -18,7 +18,7 @@ _velmora_hosts() {
   fi
 }
 
-_velmora_spot() {
+_velmora_placing() {
   _arguments -s "$@" \
     '(- *)'{-h,--help}'[print what the command takes]' \
     '--position[where the project lands]:position:(project offset start first)' \
@@ -34,14 +34,6 @@ _velmora_spot() {
     '--copy-to[copy all audio into this folder]:folder:_files -/' \
     "--session-rate[the session's sample rate]:Hz: " \
     "--session-frame-rate[the session's frame rate]:frame rate:(24 25 29.97 29.97df 30 30df 23.976)" \
-    '--prepare[spot what prepare makes of the project]' \
-    '--media[a folder to look for audio in]:folder:_files -/' \
-    '--trust[what tells the rates of times]:what:(marks header)' \
-    "--encoding[the encoding of the project's text]:encoding: " \
-    '--copy-media[copy audio that stays as it is]' \
-    '--keep-stereo[leave cuts of whole files whole]' \
-    '--keep-off[keep events that are switched off]' \
-    "--resample[bring audio to the project's sample rate]" \
     '--true-position[place every cut where the project has it]' \
     '--host[where the regions go]:host:_velmora_hosts' \
     '*--dawproject[make a DAWproject file]:file:_files -g "*.dawproject"' \
@@ -57,8 +49,20 @@ _velmora_spot() {
     '*:project:_files -g "*.(#i)adl"'
 }
 
+_velmora_spot() {
+  _velmora_placing \
+    '--prepare[spot what prepare makes of the project]' \
+    '--media[a folder to look for audio in]:folder:_files -/' \
+    '--trust[what tells the rates of times]:what:(marks header)' \
+    "--encoding[the encoding of the project's text]:encoding: " \
+    '--copy-media[copy audio that stays as it is]' \
+    '--keep-stereo[leave cuts of whole files whole]' \
+    '--keep-off[keep events that are switched off]' \
+    "--resample[bring audio to the project's sample rate]"
+}
+
 _velmora_report() {
-  _velmora_spot \
+  _velmora_placing \
     '(-o --output)'{-o,--output}'[the page to make]:page:_files -g "*.html"'
 }
 

@@ -4,7 +4,7 @@ import os
 import unittest
 
 from material import Adl, one_cut
-from program import ALL_DONE, DOES_NOT_LOAD, LEFT_OUT, ProgramTest, run
+from program import ALL_DONE, LEFT_OUT, ProgramTest, run
 
 
 class BadUsage(ProgramTest):
@@ -53,6 +53,9 @@ class BadUsage(ProgramTest):
             ("rateOfWords", ["--session-rate", "fast"], "--session-rate"),
             ("rateNotANumber", ["--session-rate", "nan"], "--session-rate"),
             ("rateInfinite", ["--session-rate", "inf"], "--session-rate"),
+            ("rateBelowOne", ["--session-rate", "0.4"], "from 1 to 10000000 Hz"),
+            ("rateOfManyMegahertz", ["--session-rate", "1.1e7"], "from 1 to 10000000 Hz"),
+            ("rateBeyondAnything", ["--session-rate", "1e30"], "from 1 to 10000000 Hz"),
             ("frameRateAboveSeven", ["--session-frame-rate", "8"], "--session-frame-rate"),
             ("frameRateNegative", ["--session-frame-rate=-1"], "--session-frame-rate"),
             ("frameRateOfAnotherName", ["--session-frame-rate", "60"], "--session-frame-rate"),
@@ -163,8 +166,16 @@ class WhatIsWrong(ProgramTest):
                 self.assertIn(f"Try '{help_}'.", run(*arguments).err)
 
     def test_emptyProjectNameIsTold(self):
-        self.assertEqual(run("info", "").err,
-                         "velmora: File NG. : the file cannot be opened: No such file or directory\n")
+        one_cut(self.folder)
+        for command in (["info"], ["info", "--json"], ["spot"], ["spot", "--prepare"], ["report", "-o", "x.html"],
+                        ["check"], ["check", "p.adl"], ["prepare", "--into", "new"]):
+            with self.subTest(command):
+                before = self.files()
+                result = run(*command, "", cwd=self.folder)
+                self.assert_bad_usage(result)
+                self.assertEqual(result.err, "velmora: the name of the project is empty\n"
+                                             f"Try 'velmora {command[0]} --help'.\n")
+                self.assertEqual(self.files(), before)
 
 
 class Commands(ProgramTest):
@@ -182,11 +193,6 @@ class Commands(ProgramTest):
 
     def test_infoTakesNoOptionOfSpot(self):
         self.assert_bad_usage(run("info", one_cut(self.folder), "--depth", "16"), "--depth")
-
-    def test_emptyProjectNameDoesNotLoad(self):
-        for command in ("info", "spot"):
-            with self.subTest(command):
-                self.assert_status(run(command, ""), DOES_NOT_LOAD)
 
     def test_versionNamesTheProgramAndAVersion(self):
         result = run("--version")
@@ -215,6 +221,35 @@ class Help(ProgramTest):
         text = self.help("spot")
         for option in self.SPOT_OPTIONS:
             self.assertRegex(text, rf"(?m)^  {option}\b")
+
+    def test_reportHelpListsWhatItTakes(self):
+        text = self.help("report")
+        for option in self.SPOT_OPTIONS:
+            self.assertRegex(text, rf"(?m)^  {option}\b")
+        for option in ("--prepare", "--media", "--trust", "--encoding", "--copy-media", "--keep-stereo", "--keep-off",
+                       "--resample"):
+            self.assertNotRegex(text, rf"(?m)^  {option}\b")
+            self.assert_bad_usage(run("report", "p.adl", "-o", "x.html", option, cwd=self.folder), option)
+
+    def test_helpTellsWhatIsRequired(self):
+        for command, option in (("report", "-o,--output FILE.html"), ("prepare", "--into DIR")):
+            self.assertRegex(self.help(command), rf"(?m)^  {option} +Required: ")
+
+    def test_helpTellsTheLimitsOfASampleRate(self):
+        for command in ("spot", "report", "check", "prepare"):
+            self.assertIn("1 to 10000000", self.help(command))
+
+    def test_lostOutputIsTold(self):
+        """On a full disk, and where standard output is closed."""
+        for words in (["--help"], ["--version"], ["spot", "--help"], ["check", "--help"]):
+            with self.subTest(words, stdout="full"), open("/dev/full", "wb") as full:
+                self.assert_lost(run(*words, stdout=full))
+            with self.subTest(words, stdout="closed"):
+                self.assert_lost(run(*words, stdout=None, before=lambda: os.close(1)))
+
+    def assert_lost(self, result):
+        self.assert_status(result, LEFT_OUT)
+        self.assertEqual(result.err, "velmora: standard output takes no more\n")
 
     def test_infoHelpHasJsonAndNothingOfSpot(self):
         text = self.help("info")

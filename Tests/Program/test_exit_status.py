@@ -170,10 +170,20 @@ class LeftOutCuts(ProgramTest):
     def test_standardOutputThatTakesNoMore(self):
         project = self.project({})
         for command in (["info", project], ["info", project, "--json"], ["info", project, "--summary"],
-                        ["spot", project], ["spot", project, "--json"]):
+                        ["spot", project], ["spot", project, "--json"], ["check", project],
+                        ["check", project, "--json"], ["prepare", project, "--into", self.folder / "new"]):
             with self.subTest(command[0]), open("/dev/full", "wb") as full:
                 result = run(*command, stdout=full)
-                self.assertNotIn(result.status, (ALL_DONE, BAD_USAGE))
+                self.assert_status(result, LEFT_OUT)
+                self.assertIn("standard output", result.err)
+
+    def test_whatDoesNotLoadWinsOverStandardOutputThatTakesNoMore(self):
+        gone = self.folder / "gone.adl"
+        for command in (["info", gone, "--json"], ["check", gone], ["check", self.project({}), gone, "--json"],
+                        ["prepare", gone, "--into", self.folder / "new", "--json"]):
+            with self.subTest(command), open("/dev/full", "wb") as full:
+                result = run(*command, stdout=full)
+                self.assert_status(result, DOES_NOT_LOAD)
                 self.assertIn("standard output", result.err)
 
     def test_everyCauseOfOneCutAndEveryCutOfOneCause(self):
