@@ -48,7 +48,7 @@ class EntryWriter : public pugi::xml_writer {
   void Finish() { Put(host::WithReferences(begun_)); }
 
  private:
-  void Put(std::string_view text) {
+  void Put(const std::string& text) {
     // The file remembers a failure.
     if (!text.empty()) static_cast<void>(zip_.Write(text.data(), text.size()));
   }

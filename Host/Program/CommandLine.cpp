@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -250,8 +249,8 @@ std::string Finish(SpotArguments& arguments, const RawOptions& raw, const CLI::A
   return {};
 }
 
-/// Names the options that go with another one which is not there: they change nothing.
-void TellIdleOptions(const CLI::App& spot, const SpotArguments& arguments) {
+/// A line for each option that goes with another one which is not there: it changes nothing.
+std::vector<std::string> NotesOnIdleOptions(const CLI::App& spot, const SpotArguments& arguments) {
   struct Row {
     const char* option;
     bool counts;
@@ -275,10 +274,12 @@ void TellIdleOptions(const CLI::App& spot, const SpotArguments& arguments) {
       goesWith("--embed-media", &host::OfferedChoices::embedMedia),
       goesWith("--bounce-depth", &host::OfferedChoices::bounceDepth),
   };
-  for (const Row& idle : rows) {
-    if (idle.counts || spot.count(idle.option) == 0) continue;
-    std::fprintf(stderr, "velmora: note: %s counts only with %s\n", idle.option, idle.with.c_str());
+  std::vector<std::string> notes;
+  for (const Row& row : rows) {
+    if (row.counts || spot.count(row.option) == 0) continue;
+    notes.push_back(std::string(row.option) + " counts only with " + row.with);
   }
+  return notes;
 }
 
 /// The table's target that tells of a spot.
@@ -450,7 +451,7 @@ Command ReadCommandLine(int argc, const char* const* argv) {
   std::string complaint = Finish(arguments, isReport ? rawReport : raw, isReport ? *report : *spot);
   if (complaint.empty() && isReport) complaint = FinishReport(arguments, page, *report);
   if (!complaint.empty()) return BadUsage(complaint, command);
-  TellIdleOptions(isReport ? *report : *spot, arguments);
+  arguments.notes = NotesOnIdleOptions(isReport ? *report : *spot, arguments);
   return arguments;
 }
 

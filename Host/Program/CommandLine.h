@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "Prepare/PrepareProject.h"
 #include "Program/BoxChoice.h"
@@ -20,7 +21,8 @@ struct InfoArguments {
 };
 
 struct SpotArguments {
-  std::string project;  ///< absolute path
+  std::string project;             ///< absolute path
+  std::vector<std::string> notes;  ///< on the options themselves, to be told with the spot's
   std::int32_t positionMode = 0;
   std::string offset = "+00:00:00:00";  ///< as the entry field would hold it
   std::string start = " 00:00:00:00";   ///< as the entry field would hold it

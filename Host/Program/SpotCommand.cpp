@@ -112,6 +112,9 @@ bool Spot(const ViewModel& model, const host::SessionRates& session, SpotOptions
     report.Warning(alert);
     recording.Message(Kind::Warning, alert, kRateRemedy);
   }
+  for (const std::string& note : arguments.notes) {
+    std::cerr << "velmora: note: " << note << '\n';
+  }
   for (const std::string& note :
        recording::SpotNotes(project, session, options, arguments.truePosition)) {
     std::cerr << "velmora: " << Printable(note) << '\n';

@@ -25,7 +25,7 @@ SHARE = {
     "bounce-tracks": [*EVERY, "write"],
     "report-alone": [*EVERY, "write"],
     "check": [*EVERY, "write", "open"],
-    "check-folder": ["start", "seek", "map", "write", "open"],
+    "check-folder": [*EVERY, "write", "open"],
     "ardour": ["rename", "remove", "list"],
 }
 APART = {"open": 5, "look": 11, "read": 29, "close": 9}
