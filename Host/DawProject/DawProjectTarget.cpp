@@ -32,7 +32,7 @@ class EntryWriter : public pugi::xml_writer {
     const std::string_view text(static_cast<const char*>(bytes), count);
     const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x7F; };
     if (begun_.empty() && std::all_of(text.begin(), text.end(), isPlain)) {
-      Put(text);
+      Put(text.data(), text.size());
       return;
     }
     // A block may end in the middle of a character, whose bytes after the first begin with 10.
@@ -41,16 +41,20 @@ class EntryWriter : public pugi::xml_writer {
     while (last > 0 && (begun_[last - 1] & 0xC0) == 0x80) --last;
     const bool isWhole = last == 0 || isPlain(begun_[last - 1]);
     const std::size_t end = isWhole ? begun_.size() : last - 1;
-    Put(host::WithReferences(std::string_view(begun_).substr(0, end)));
+    const std::string whole = host::WithReferences(std::string_view(begun_).substr(0, end));
+    Put(whole.data(), whole.size());
     begun_.erase(0, end);
   }
   /// To be called once after the last write.
-  void Finish() { Put(host::WithReferences(begun_)); }
+  void Finish() {
+    const std::string rest = host::WithReferences(begun_);
+    Put(rest.data(), rest.size());
+  }
 
  private:
-  void Put(const std::string& text) {
+  void Put(const char* bytes, std::size_t count) {
     // The file remembers a failure.
-    if (!text.empty()) static_cast<void>(zip_.Write(text.data(), text.size()));
+    if (count > 0) static_cast<void>(zip_.Write(bytes, count));
   }
 
   ZipFile& zip_;
