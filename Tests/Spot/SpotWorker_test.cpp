@@ -337,21 +337,21 @@ TEST_F(SpotWorkerTest, spotsWhatTheModelLoadedAndTicked) {
 }
 
 TEST_F(SpotWorkerTest, manyTakenNamesArePassedOver) {
-  constexpr int kTaken = 500;
-  constexpr int kCuts = 20;
+  constexpr std::size_t kTaken = 500;
+  constexpr std::size_t kCuts = 20;
   folder.Write("taken_24bit.wav", "");
-  for (int i = 1; i < kTaken; ++i) {
+  for (std::size_t i = 1; i < kTaken; ++i) {
     folder.Write("taken_24bit." + std::to_string(i) + ".wav", "");
   }
   WriteWave("taken.wav", 16, {1, 2, 3});
   ProjectBuilder builder;
   builder.Source(1, "taken.wav");
-  for (int i = 0; i < kCuts; ++i) builder.Cut({});
+  for (std::size_t i = 0; i < kCuts; ++i) builder.Cut({});
   Load(builder);
   options.bitDepth = 24;
   options.depthSuffix = "_24bit";
   EXPECT_TRUE(Run());
-  for (int i = 0; i < kCuts; ++i) {
+  for (std::size_t i = 0; i < kCuts; ++i) {
     EXPECT_EQ(host.PlacedRegions().at(i).file,
               "taken_24bit." + std::to_string(kTaken + i) + ".wav");
   }
