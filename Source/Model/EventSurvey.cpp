@@ -18,7 +18,8 @@ std::int32_t CountOf(std::span<const AES31Event> events) {
 
 }  // namespace
 
-// Of a million events one costs 7 ns like this, and 13 to 19 without asking for its lines ahead.
+// Of a thousand events one costs 5 ns, of a million 5.8 like this, 7 with half the steps ahead, and
+// 13 to 19 without asking for its lines ahead.
 EventListing ListEvents(std::span<const AES31Event> events) {
   const auto marks = std::make_shared<EventMarks>(CountOf(events));
   EventListing listing{marks, EventSet(CountOf(events)), {}};
