@@ -217,20 +217,25 @@ class EventStore {
   }
 
  private:
+  /// The events move into memory that was told to be large before any of it was touched: told
+  /// afterwards, it has been handed out in small pages as far as the move went.
   void MakeRoom() {
-    constexpr std::size_t kFirstRoom = 256;
-    constexpr std::size_t kLargestStep = 64;  // in a section that does not go on as it began
+    constexpr std::size_t kFirstRoom = 4096;
+    constexpr std::size_t kLargestStep = 256;  // in a section that does not go on as it began
     const std::size_t size = events_.size();
     const std::size_t most = size + entriesLeft_ + 1;
     const double eventsForEntry = static_cast<double>(size) / static_cast<double>(entriesRead_);
     const auto further =
         static_cast<std::size_t>(static_cast<double>(entriesLeft_) * eventsForEntry);
     const std::size_t likely = (size + further) / 16 * 17 + kFirstRoom;
-    pages_.Stop();  // the memory that it knows goes
+    std::vector<AES31Event> roomier;
     // More than a list may have is more than there is memory for, and told as that.
-    events_.reserve(std::min(
+    roomier.reserve(std::min(
         {std::max(likely, size * 2), size * kLargestStep + kFirstRoom, most, events_.max_size()}));
-    AdviseLargePages(events_.data(), events_.capacity() * sizeof(AES31Event));
+    AdviseLargePages(roomier.data(), roomier.capacity() * sizeof(AES31Event));
+    roomier.insert(roomier.end(), events_.begin(), events_.end());
+    pages_.Stop();  // the memory that it knows goes
+    events_ = std::move(roomier);
     pages_.Start(events_.data(), std::min(size + further, events_.capacity()) * sizeof(AES31Event));
   }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kLargePage = std::size_t{2} << 20;
 /// With less memory to back, the wait for the thread at its end can cost more than it buys.
-constexpr std::size_t kLeast = 32 * kLargePage;
+constexpr std::size_t kLeast = 8 * kLargePage;
 constexpr std::size_t kAhead = 4 * kLargePage;
 
 /// Makes the system back whole pages. False if it does not.
