@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "Field/Keyword.h"
 
@@ -92,13 +93,13 @@ bool GlanceSources::Play(const Use& use, Glance& found) {
 bool GlanceSources::Open(Source& source, double projectRate, Glance& found) {
   if (source.start && source.start->rates.sampleRate != projectRate) return false;
   source.isOpen = true;
-  const media::Located located =
-      LocateAsSystem(folder_, locations_.substr(source.locationAt, source.locationSize));
-  if (located.result != media::SearchResult::Found) {
+  const std::string location = locations_.substr(source.locationAt, source.locationSize);
+  FoundSource located = OpenSourceFile(folder_, location.c_str());
+  if (located.path.empty()) {
     found.loses = true;
     return true;
   }
-  const SourceMedia& media = MediaOf(located.path);
+  const SourceMedia& media = MediaOf(std::move(located));
   if (media.obstacle != media::Obstacle::None) found.loses = true;
   const std::optional<field::SourceAudio> audio = AudioOf(media);
   if (!audio) return true;
@@ -108,9 +109,9 @@ bool GlanceSources::Open(Source& source, double projectRate, Glance& found) {
   return true;
 }
 
-const SourceMedia& GlanceSources::MediaOf(const std::string& path) {
-  const auto [row, isNew] = media_.try_emplace(path);
-  if (isNew) row->second = ReadSourceFile(path);
+const SourceMedia& GlanceSources::MediaOf(FoundSource found) {
+  const auto [row, isNew] = media_.try_emplace(found.path);
+  if (isNew) row->second = ReadSourceFile(found.path, std::move(found.stream));
   return row->second;
 }
 

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "ADL/SourceSearch.h"
 #include "Check/Glance.h"
 #include "Check/PlainText.h"
 #include "Check/PlainTimes.h"
@@ -59,7 +60,7 @@ class GlanceSources {
   [[nodiscard]] bool TakeFile(const PlainLine& line);
   [[nodiscard]] Source* Find(std::int32_t index);
   [[nodiscard]] bool Open(Source& source, double projectRate, Glance& found);
-  [[nodiscard]] const SourceMedia& MediaOf(const std::string& path);
+  [[nodiscard]] const SourceMedia& MediaOf(FoundSource found);
 
   const std::string folder_;
   std::vector<Source> sources_;                         ///< once closed, by rising number

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ADL/SourceSearch.h"
+#include "Media/FactsOfSound.h"
 
 namespace velmora::check {
 namespace {
@@ -34,14 +35,12 @@ media::Located LocateAsSystem(const std::string& folder, const std::string& rawL
   return located;
 }
 
-SourceMedia ReadSourceFile(const std::string& path) {
+SourceMedia ReadSourceFile(const std::string& path, FileStream stream) {
   SourceMedia media;
-  media::FactsOrTrouble read = media::ReadFacts(path);
-  media.facts = std::move(read.facts);
-  media.trouble = std::move(read.trouble);
-  media.obstacle =
-      media.facts ? media::CompareReaders(path, *media.facts) : media::Obstacle::Broken;
-  if (media.obstacle == media::Obstacle::Broken) media.facts.reset();
+  media::ComparedFacts compared = media::ReadAndCompare(path, std::move(stream));
+  media.facts = std::move(compared.read.facts);
+  media.trouble = std::move(compared.read.trouble);
+  media.obstacle = compared.obstacle;
   return media;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Base/FileAccess.h"
 #include "Field/FileStarts.h"
 #include "Media/AudioFacts.h"
 #include "Media/MediaSearch.h"
@@ -50,7 +51,8 @@ class SourceMediaList {
                                             const std::string& rawLocation);
 
 /// What there is to know of a file that was found. `located` of the answer stays empty.
-[[nodiscard]] SourceMedia ReadSourceFile(const std::string& path);
+/// @param stream the file, if it is open already, or null
+[[nodiscard]] SourceMedia ReadSourceFile(const std::string& path, FileStream stream = nullptr);
 
 /// The same as deciding a file's start needs it; none without facts.
 [[nodiscard]] std::optional<field::SourceAudio> AudioOf(const SourceMedia& media);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Base/FileAccess.h"
+#include "Media/FactsOfSound.h"
 #include "Media/SoundFile.h"
 #include "Media/WaveHeader.h"
 
@@ -104,6 +105,8 @@ std::string FormatText(const SoundFile& sound, const AudioFacts& facts) {
   return text;
 }
 
+}  // namespace
+
 AudioFacts FactsOf(const SoundFile& sound, const std::optional<WaveHeader>& wave) {
   AudioFacts facts;
   facts.kind = KindOf(sound, wave);
@@ -125,8 +128,6 @@ AudioFacts FactsOf(const SoundFile& sound, const std::optional<WaveHeader>& wave
   facts.format = FormatText(sound, facts);
   return facts;
 }
-
-}  // namespace
 
 const char* NameOf(FileKind kind) {
   constexpr std::array kNames = {"pcm", "extensible", "float", "rf64", "other"};

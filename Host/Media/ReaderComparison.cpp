@@ -5,10 +5,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "BWF/AES31BWF.h"
+#include "Base/DuplicateStream.h"
 #include "Media/AudioFacts.h"
+#include "Media/FactsOfSound.h"
 #include "Media/SoundFile.h"
 #include "Media/WaveHeader.h"
 
@@ -60,9 +63,32 @@ bool SameFormat(AES31BWF& system, const AudioFacts& facts) {
          static_cast<std::int64_t>(system.frames) == facts.frames;
 }
 
+/// Goes on with the file that is open: whatever libsndfile reads of it is read past the stream, so
+/// that the two do not get into each other's way.
 bool SystemReadsTheSame(const std::string& path, const AudioFacts& facts, const SoundFile& sound) {
   AES31BWF system(path.c_str());
-  return SameFormat(system, facts) && SameAudio(system, facts, sound);
+  if (!SameFormat(system, facts)) return false;
+  system.stream = DuplicateStream(sound.Stream());
+  if (system.stream == nullptr) return false;
+  system.OpenAtData();
+  system.position = system.dataOffset;
+  return SameAudio(system, facts, sound);
+}
+
+Obstacle Compare(const std::string& path, const AudioFacts& facts, const SoundFile& sound,
+                 const std::optional<WaveHeader>& wave) {
+  if (IsForeign(facts, wave.value_or(WaveHeader()))) return Obstacle::Kind;
+  // Whatever the system makes of it, other programs refuse it as it is.
+  if (!wave || sound.IsMended()) return Obstacle::Chunks;
+  // The system does not see an empty data chunk at a file's end. Nothing is lost by that.
+  if (facts.frames == 0) return Obstacle::None;
+  // A read that fails in passing looks like another reading, and would have the file written anew:
+  // so a difference counts when it is there twice.
+  bool isSame = false;
+  for (int look = 0; look < 2 && !isSame; ++look) {
+    isSame = SystemReadsTheSame(path, facts, sound);
+  }
+  return isSame ? Obstacle::None : Obstacle::Chunks;
 }
 
 }  // namespace
@@ -71,19 +97,21 @@ Obstacle CompareReaders(const std::string& path, const AudioFacts& facts) {
   std::string trouble;
   const std::unique_ptr<SoundFile> sound = SoundFile::OpenPatiently(path, trouble);
   if (sound == nullptr) return Obstacle::Broken;
-  const std::optional<WaveHeader> wave = ReadWaveHeader(sound->Stream());
-  if (IsForeign(facts, wave.value_or(WaveHeader()))) return Obstacle::Kind;
-  // Whatever the system makes of it, other programs refuse it as it is.
-  if (!wave || sound->IsMended()) return Obstacle::Chunks;
-  // The system does not see an empty data chunk at a file's end. Nothing is lost by that.
-  if (facts.frames == 0) return Obstacle::None;
-  // A read that fails in passing looks like another reading, and would have the file written anew:
-  // so a difference counts when it is there twice.
-  bool isSame = false;
-  for (int look = 0; look < 2 && !isSame; ++look) {
-    isSame = SystemReadsTheSame(path, facts, *sound);
-  }
-  return isSame ? Obstacle::None : Obstacle::Chunks;
+  return Compare(path, facts, *sound, ReadWaveHeader(sound->Stream()));
+}
+
+ComparedFacts ReadAndCompare(const std::string& path, FileStream stream) {
+  ComparedFacts result;
+  std::string& trouble = result.read.trouble;
+  std::unique_ptr<SoundFile> sound;
+  if (stream != nullptr) sound = SoundFile::Open(std::move(stream), trouble);
+  if (sound == nullptr) sound = SoundFile::OpenPatiently(path, trouble);
+  if (sound == nullptr) return result;
+  std::optional<WaveHeader> wave = ReadWaveHeader(sound->Stream());
+  if (!wave) wave = ReadWaveHeader(sound->Stream());  // the read may have failed in passing
+  result.read.facts = FactsOf(*sound, wave);
+  result.obstacle = Compare(path, *result.read.facts, *sound, wave);
+  return result;
 }
 
 }  // namespace velmora::media

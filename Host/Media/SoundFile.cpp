@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -239,7 +240,7 @@ sf_count_t SoundFile::Read(void* bytes, sf_count_t count, void* self) {
   return got;
 }
 
-std::int64_t SoundFile::ReadShown(std::uint8_t* bytes, std::int64_t count) const {
+std::int64_t SoundFile::ReadShown(std::uint8_t* bytes, std::int64_t count) {
   const auto headBytes = static_cast<std::int64_t>(head_.size());
   std::int64_t done = 0;
   if (place_ < headBytes) {
@@ -247,8 +248,32 @@ std::int64_t SoundFile::ReadShown(std::uint8_t* bytes, std::int64_t count) const
     std::copy_n(head_.begin() + place_, done, bytes);
   }
   const std::int64_t inFile = place_ + done - headBytes + bodyPlace_;
-  return done + static_cast<std::int64_t>(ReadAt(stream_.get(), inFile, bytes + done,
-                                                 static_cast<std::size_t>(count - done)));
+  return done + static_cast<std::int64_t>(
+                    ReadHeader(inFile, bytes + done, static_cast<std::size_t>(count - done)));
+}
+
+/// Takes what the block has, which is read anew for each further place, and reads the rest by
+/// itself: also whatever a read of the block has failed for or come out short of.
+std::size_t SoundFile::ReadHeader(std::int64_t place, std::uint8_t* bytes, std::size_t count) {
+  constexpr std::size_t kBlockBytes = 4096;
+  const bool isOpening = bytesLeft_ != kNoLimit;
+  if (!isOpening || count > kBlockBytes / 2) return ReadAt(stream_.get(), place, bytes, count);
+  const auto held = [&] {
+    const std::int64_t from = place - blockPlace_;
+    return from >= 0 && from < std::ssize(block_) ? block_.size() - static_cast<std::size_t>(from)
+                                                  : 0;
+  };
+  if (held() < count) {
+    block_.resize(kBlockBytes);
+    blockPlace_ = place;
+    block_.resize(ReadSomeAt(stream_.get(), place, block_.data(), block_.size()));
+  }
+  const std::size_t taken = std::min(held(), count);
+  std::copy_n(block_.end() - static_cast<std::ptrdiff_t>(held()), taken, bytes);
+  errno = 0;
+  if (taken == count) return count;
+  return taken + ReadAt(stream_.get(), place + static_cast<std::int64_t>(taken), bytes + taken,
+                        count - taken);
 }
 
 sf_count_t SoundFile::Write(const void* /*bytes*/, sf_count_t /*count*/, void* /*self*/) {

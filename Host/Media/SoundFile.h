@@ -78,7 +78,8 @@ class SoundFile {
   bool OpenAsShown();
   bool Mend();
   void CountFrames();
-  std::int64_t ReadShown(std::uint8_t* bytes, std::int64_t count) const;
+  std::int64_t ReadShown(std::uint8_t* bytes, std::int64_t count);
+  std::size_t ReadHeader(std::int64_t place, std::uint8_t* bytes, std::size_t count);
   static sf_count_t Length(void* self);
   static sf_count_t Seek(sf_count_t offset, int whence, void* self);
   static sf_count_t Read(void* bytes, sf_count_t count, void* self);
@@ -96,6 +97,9 @@ class SoundFile {
   std::int64_t bytesLeft_;  ///< that may still be read; see kMostHeaderBytes
   std::int64_t readsLeft_;
   int readError_ = 0;
+  /// A stretch of the file while it is opened: libsndfile asks for a header in some twenty pieces.
+  std::vector<std::uint8_t> block_;
+  std::int64_t blockPlace_ = 0;
   SF_INFO info_{};
   SNDFILE* file_ = nullptr;  ///< closed by the destructor
 };

@@ -4,6 +4,7 @@
 #include <new>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "ADL/AES31Project.h"
 #include "ADL/ShiftJis.h"
@@ -65,6 +66,10 @@ void AES31Project::DeleteFiles() {
 }
 
 std::string FindSourceFile(const std::string& folder, const char* location) {
+  return OpenSourceFile(folder, location).path;
+}
+
+FoundSource OpenSourceFile(const std::string& folder, const char* location) {
   if (location == nullptr || *location == '\0') return {};
   std::string text = ShiftJisToUtf8(location + 1);  // what stands there is taken for a quote
   if (text.empty()) return {};
@@ -73,7 +78,8 @@ std::string FindSourceFile(const std::string& folder, const char* location) {
        slash = text.rfind('/', slash - 1)) {
     std::string candidate = folder + text.substr(slash);
     if (candidate.size() >= PATH_MAX) return {};  // and longer ends only make longer paths
-    if (OpenRegularFile(candidate.c_str()) != nullptr) return candidate;
+    FileStream stream = OpenRegularFile(candidate.c_str());
+    if (stream != nullptr) return {std::move(candidate), std::move(stream)};
   }
   return {};
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Media/Conversion.h"
+#include "Media/FactsOfSound.h"
 #include "Support/SystemConditions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
@@ -26,14 +27,25 @@ const char* NameOf(Obstacle obstacle) {
   return kNames[static_cast<std::size_t>(obstacle)];
 }
 
-/// "pcm 48000 Hz 1 ch 16 bits 4 frames: none", or "broken: " and why.
-std::string Told(const std::string& path) {
-  const FactsOrTrouble read = ReadFacts(path);
+std::string Words(const FactsOrTrouble& read, Obstacle obstacle) {
   if (!read.facts) return "broken: " + read.trouble;
   const AudioFacts& facts = *read.facts;
   return std::string(NameOf(facts.kind)) + ' ' + std::to_string(facts.sampleRate) + " Hz " +
          std::to_string(facts.channels) + " ch " + std::to_string(facts.bitsPerSample) + " bits " +
-         std::to_string(facts.frames) + " frames: " + NameOf(CompareReaders(path, facts));
+         std::to_string(facts.frames) + " frames: " + NameOf(obstacle);
+}
+
+/// "pcm 48000 Hz 1 ch 16 bits 4 frames: none", or "broken: " and why. Facts and comparison tell the
+/// same together as apart, and whoever opens the file.
+std::string Told(const std::string& path) {
+  const FactsOrTrouble read = ReadFacts(path);
+  const Obstacle obstacle = read.facts ? CompareReaders(path, *read.facts) : Obstacle::Broken;
+  const std::string words = Words(read, obstacle);
+  const ComparedFacts alone = ReadAndCompare(path, nullptr);
+  EXPECT_EQ(Words(alone.read, alone.obstacle), words);
+  const ComparedFacts given = ReadAndCompare(path, OpenRegularFile(path.c_str()));
+  EXPECT_EQ(Words(given.read, given.obstacle), words);
+  return words;
 }
 
 const std::string kFour = test::PcmBytes(16, {0x1111, 0x2222, 0x3333, 0x4444});
