@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <deque>
 #include <functional>
 #include <string_view>
 
+#include "Base/RoomInFile.h"
 #include "Program/CharBuffer.h"
 
 namespace velmora::program {
@@ -13,7 +15,7 @@ namespace velmora::program {
 /// Memory does not grow with what is written.
 class BlockOutput {
  public:
-  explicit BlockOutput(int descriptor) : descriptor_(descriptor) {}
+  explicit BlockOutput(int descriptor) : descriptor_(descriptor), room_(descriptor) {}
   BlockOutput(const BlockOutput&) = delete;
   BlockOutput& operator=(const BlockOutput&) = delete;
 
@@ -40,13 +42,17 @@ class BlockOutput {
 
  private:
   void Write(std::string_view text);
-  void WriteBoth(std::string_view first, std::string_view second);
+  void WriteAll(std::array<std::string_view, 3> texts);
   void WriteText();
+  void KeepRest();
 
   int descriptor_;
+  RoomInFile room_;
   bool failed_ = false;
   CharBuffer text_;
-  CharBuffer begun_;  ///< what was told of a page that is not full yet
+  // What was told of a stretch that is not full yet.
+  CharBuffer begun_;
+  std::string_view rest_;  ///< what comes after it, where it was formatted
   /// Of the blocks that are formatted at the same time. They stay, for memory that was touched
   /// before costs the next table nothing.
   std::deque<CharBuffer> blockTexts_;

@@ -107,7 +107,8 @@ namespace {
 }
 
 [[gnu::always_inline]] inline void WriteSourceOf(JsonPen& json, const AES31Event& event) {
-  const std::string_view path = event.sourceFile != nullptr ? event.sourceFile->GetPath() : "";
+  std::string_view path;
+  if (event.sourceFile != nullptr) path = event.sourceFile->path;
   json.Part(R"(,"sourceFile":)");
   if (path.empty()) {
     json.Part("null");

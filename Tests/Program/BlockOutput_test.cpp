@@ -2,9 +2,11 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <iterator>
 #include <new>
 #include <set>
 #include <string>
@@ -74,7 +76,8 @@ TEST(BlockOutputPages, textsOfAnySizeArriveWholeInAPipeThatIsReadSlowly) {
   std::string expected;
   {
     BlockOutput out(ends[1]);
-    for (const std::size_t size : {1u, 4095u, 4096u, 4097u, 65535u, 65536u, 3u, 200001u}) {
+    for (const std::size_t size :
+         {1u, 4095u, 4096u, 4097u, 65535u, 65536u, 3u, 200001u, 262143u, 262144u, 5u, 600001u}) {
       out.InBlocks(2, 1, [&](CharBuffer& text, std::size_t begin, std::size_t) {
         text.Append(std::string(size + begin, static_cast<char>('a' + begin)));
       });
@@ -86,6 +89,32 @@ TEST(BlockOutputPages, textsOfAnySizeArriveWholeInAPipeThatIsReadSlowly) {
   reader.join();
   ::close(ends[0]);
   EXPECT_TRUE(read == expected) << read.size() << " of " << expected.size() << " bytes";
+}
+
+/// Texts of all sizes between those that fill no stretch and those that fill many. The file holds
+/// what was written and no more: no room stays booked after its end.
+TEST_F(BlockOutputTest, textsOfAnySizeArriveWholeInAFile) {
+  constexpr std::size_t kSizes[] = {1, 100000, 262143, 262144, 262145, 7, 1500000, 30000, 90001};
+  std::string expected;
+  {
+    BlockOutput out(descriptor_);
+    for (int round = 0; round < 3; ++round) {
+      out << "round ";
+      expected += "round ";
+      out.InBlocks(std::size(kSizes), 1, [&](CharBuffer& text, std::size_t begin, std::size_t) {
+        text.Append(std::string(kSizes[begin], static_cast<char>('a' + begin)));
+      });
+      for (std::size_t i = 0; i < std::size(kSizes); ++i) {
+        expected += std::string(kSizes[i], static_cast<char>('a' + i));
+      }
+    }
+    EXPECT_TRUE(out.Finish());
+  }
+  EXPECT_TRUE(Written() == expected);
+  struct stat facts {};
+  ASSERT_EQ(::fstat(descriptor_, &facts), 0);
+  EXPECT_EQ(facts.st_size, static_cast<off_t>(expected.size()));
+  EXPECT_LT(facts.st_blocks * 512, facts.st_size + 65536);
 }
 
 TEST_F(BlockOutputTest, countsAroundTheEndOfABlock) {
@@ -122,7 +151,7 @@ TEST(BlockOutputErrors, fullDiskIsToldAndEndsTheWork) {
   BlockOutput out(full);
   out.InBlocks(kMany, 1, [&](CharBuffer& text, std::size_t begin, std::size_t end) {
     formatted += end - begin;
-    AppendNumbers(text, begin, end);
+    text.Append(std::string(1000, 'x'));
   });
   EXPECT_FALSE(out.Finish());
   EXPECT_LT(formatted, kMany);

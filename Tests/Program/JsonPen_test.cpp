@@ -107,6 +107,19 @@ TEST(JsonPen, writesProjectTextsAsTheLibraryDoesWhereverTheyStand) {
   EXPECT_EQ(none.Text(), "null");
 }
 
+TEST(JsonPen, writesQuotedProjectTextsAsTheLibraryDoes) {
+  const auto check = [](const std::string& text) {
+    const std::string expected = host::JsonText(ShiftJisToUtf8(text.c_str()));
+    for (const std::string& written : ProjectTexts(text)) EXPECT_EQ(written, expected) << text;
+  };
+  ForEachByteAtEveryPlace([&check](const std::string& text, char) { check('"' + text + '"'); });
+  for (const char* const text : {"\"", "\"\"", "\"\"\"", "\"a", "\"a\"b", "\"a\" ", "a\""})
+    check(text);
+  for (const std::size_t size : {4093u, 4094u, 4095u, 70000u}) {
+    check('"' + std::string(size, 'a') + '"');
+  }
+}
+
 TEST(JsonPen, writesTextsOfKnownSizeAsTheLibraryDoes) {
   ForEachByteAtEveryPlace([](const std::string& text, char byte) {
     const TightText tight(text);
