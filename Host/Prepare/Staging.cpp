@@ -172,6 +172,7 @@ std::string Staging::CommitInside() {
   });
   // All paths are made before the first move, after which there may be no memory.
   std::vector<std::pair<std::string, std::string>> moves;
+  moves.reserve(names.size());
   for (const std::string& name : names) {
     moves.emplace_back(staging_ + '/' + name, target_ + '/' + name);
   }

@@ -1,5 +1,6 @@
 #include "Program/JsonPen.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "Program/JsonPlain.h"
@@ -17,8 +18,8 @@ bool AppendQuoted(CharBuffer& text, const char* added) {
   if (size < 2 || size > kMost || added[size - 1] != '"') return false;
   char* out = text.Room(size + 4);
   if (!CopyPlainText({added + 1, size - 2}, out + 3)) return false;
-  std::memcpy(out, "\"\\\"", 3);
-  std::memcpy(out + size + 1, "\\\"\"", 3);
+  std::copy_n("\"\\\"", 3, out);
+  std::copy_n("\\\"\"", 3, out + size + 1);
   text.Take(out + size + 4);
   return true;
 }
