@@ -8,6 +8,17 @@
 namespace velmora::test {
 namespace {
 
+TEST(ManySections, EveryEventListIsRead) {
+  constexpr int kSections = 40000;
+  std::string adl = "<ADL>\n";
+  for (int i = 0; i < kSections; ++i) {
+    adl += "<EVENT_LIST>\n(Entry) " + std::to_string(i) + " (Vid) a b c d\n</EVENT_LIST>\n";
+  }
+  const LoadedProject project(adl + "</ADL>\n");
+  ASSERT_TRUE(project.ok());
+  EXPECT_EQ(project->events.size(), static_cast<std::size_t>(kSections));
+}
+
 // The sections' events follow each other, each section's by its own numbers.
 TEST(ManySections, EventsOfASectionFollowThoseOfTheOneBefore) {
   const LoadedProject project(

@@ -118,6 +118,16 @@ TEST_F(KeptChunks, chunkThatTheFileHasNoMoreIsNull) {
   EXPECT_EQ(removed.GetChunkCount(), 1U) << "an instance is never parsed again";
 }
 
+// Beginning anew for each chunk would be two hundred thousand walks.
+TEST_F(KeptChunks, allAreThereInOrder) {
+  constexpr std::uint32_t kChunks = 200'000;
+  AES31BWF file(WriteHole(48 + kChunks * 8).c_str());
+  EXPECT_EQ(file.GetChunkCount(), kChunks - 1);
+  for (std::uint32_t i = 0; i + 1 < kChunks; ++i) {
+    ASSERT_NE(file.GetChunk(static_cast<std::int32_t>(i)), nullptr);
+  }
+}
+
 TEST_F(KeptChunks, millionsAreCounted) {
   AES31BWF file(WriteHole(64 << 20).c_str());
   EXPECT_TRUE(file.IsValid());

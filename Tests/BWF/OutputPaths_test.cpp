@@ -232,5 +232,12 @@ TEST_F(FreeName, secondRunMakesANewSeriesAndOverwritesNothing) {
   EXPECT_TRUE(std::filesystem::exists(root + "/a.5.wav"));
 }
 
+TEST_F(FreeName, oneRunFindsAsManyAsItNeeds) {
+  constexpr int kFiles = 1500;
+  OutputNames names;
+  for (int i = 0; i < kFiles; ++i) Make(names.Find(source, root.c_str(), "_XFade"));
+  EXPECT_TRUE(std::filesystem::exists(root + "/a_XFade." + std::to_string(kFiles - 1) + ".wav"));
+}
+
 }  // namespace
 }  // namespace velmora::test

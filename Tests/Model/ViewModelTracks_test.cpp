@@ -165,6 +165,13 @@ TEST_F(TracksTest, highestTrackAloneIsOneRow) {
   EXPECT_EQ(Cell("TrackTable", "Track", 0), test::TextCell("2147483647"));
 }
 
+TEST_F(TracksTest, manyTracksMayLieFarApart) {
+  ProjectBuilder builder = Sources();
+  for (std::int32_t track = 1; track <= 16000; ++track) builder.Cut({.track = track * 1000});
+  EXPECT_TRUE(model.LoadFile(builder.WriteTo(folder)));
+  EXPECT_EQ(model.trackCount, 15999001);
+}
+
 TEST_F(TracksTest, negativeTracksCountAsAnyOther) {
   ASSERT_TRUE(LoadCuts({{.track = -2}, {.track = 1}}));
   EXPECT_EQ(model.trackCount, 4);
