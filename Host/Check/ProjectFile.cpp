@@ -54,7 +54,7 @@ ProjectFile ReadProjectFile(const std::string& path) {
   }
   const std::int64_t size = FileSize(stream.get());
   if (size < 0) {
-    file.trouble = "the size of the file cannot be told";
+    file.trouble = std::string("the size of the file cannot be told: ") + std::strerror(errno);
   } else if (size > kLargestProject) {
     file.trouble = "the file is larger than any ADL: " + std::to_string(size) + " bytes";
   } else if (size > kReadAtOnce && !CanBeAdl(stream.get(), size)) {

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <utility>
 
+#include "ADL/ShiftJis.h"
 #include "ADL/SourceSearch.h"
 #include "Media/Locations.h"
 #include "Media/SameContents.h"
@@ -165,7 +166,8 @@ std::vector<UnreadFolder> MediaSearch::Impl::UnreadUpTo(std::size_t number) cons
 /// Where not all was read a lone candidate is no certain find, for it may have a twin. It stays if
 /// its reference is the one that is told, or if the location leads to its very place.
 void MediaSearch::Impl::DropGuess(const Wanted& wanted, Located& located) {
-  const bool isExact = located.hiddenByForm || located.hiddenByEncoding;
+  const bool isExact =
+      located.hiddenByForm || located.hiddenByEncoding || located.found == Found::Location;
   if (located.unread.empty()) return;
   if (isExact || located.found == Found::Reference ||
       HasReference(located.path, ReferenceKey(wanted.reference))) {
@@ -223,7 +225,10 @@ void MediaSearch::Impl::NoteWhatHides(const Wanted& wanted, const Location& loca
   };
   const bool isQuoted = !wanted.rawLocation.empty() && wanted.rawLocation.front() == '"';
   if (isQuoted && AnyPlace(projectFolder, wanted.location, leadsThere)) {
-    located.hiddenByEncoding = true;
+    const std::string raw(Unquoted(wanted.rawLocation));
+    located.hiddenByEncoding = ShiftJisToUtf8(raw.c_str()) != wanted.location;
+    // Else the system looked there, and could not open it.
+    if (!located.hiddenByEncoding) located.found = Found::Location;
     return;
   }
   // In a clean location a host stands before each of these.

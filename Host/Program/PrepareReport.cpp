@@ -139,7 +139,7 @@ void PrintLeft(const prepare::Prepared& prepared, std::ostream& out) {
     out << "velmora: left: " << check::RowOf(finding.code).name << ", "
         << PlaceText(finding.line, finding.entry, finding.source) << " of the "
         << (i < prepared.leftOut ? "original" : "prepared project") << ": "
-        << Printable(finding.effect) << '\n';
+        << Printable(finding.text) << ": " << Printable(finding.effect) << '\n';
   }
 }
 

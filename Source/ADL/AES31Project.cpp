@@ -64,7 +64,8 @@ bool AES31Project::LoadBlock(const char* path) {
   }
   const std::int64_t fileSize = FileSize(stream.get());
   if (fileSize < 0) {
-    return FailWhole(LoadFailureCode::FileNotRead, "the size of the file cannot be told");
+    return FailWhole(LoadFailureCode::FileNotRead,
+                     std::string("the size of the file cannot be told: ") + std::strerror(errno));
   }
   constexpr std::int64_t kLargestBlock = std::numeric_limits<std::ptrdiff_t>::max();
   if (fileSize >= kLargestBlock) return FailWhole(LoadFailureCode::OutOfMemory, kNoMemory);
@@ -76,7 +77,9 @@ bool AES31Project::LoadBlock(const char* path) {
   bufferEnd = buffer + size;
   *bufferEnd = '\0';
   if (std::fread(buffer, 1, size, stream.get()) != size) {
-    return FailWhole(LoadFailureCode::FileNotRead, "the file cannot be read to its end");
+    std::string reason = "the file cannot be read to its end";
+    if (std::ferror(stream.get()) != 0) (reason += ": ") += std::strerror(errno);
+    return FailWhole(LoadFailureCode::FileNotRead, std::move(reason));
   }
   return true;
 }

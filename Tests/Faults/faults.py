@@ -6,6 +6,7 @@
 import contextlib
 import errno
 import hashlib
+import json
 import os
 import pathlib
 import re
@@ -54,8 +55,8 @@ NUMBER = re.compile(rb"((?:take|other|mono|stereo|float|rate)[A-Za-z0-9_]*)\.\d+
 # The line of a source in a prepared project: location, reference, start, length, name.
 LENGTH = re.compile(rb'(\(F\) "[^"]*" \S+ \S+) \S+ ("[^"]*" N)')
 
-# What a page, JSON and lines are made of, and how a cause is called where there is no path.
-PARTS = re.compile(r'\n|<[^>]*>|[{}\[\]]|,(?=")')
+# What a page and lines are made of, and how a cause is called where there is no path.
+PARTS = re.compile(r"\n|<[^>]*>")
 CAUSES = ("there is not enough memory", "standard output",
           *{os.strerror(error) for errors in ERRORS.values() for error in errors if error != "short"})
 
@@ -165,6 +166,24 @@ def what_is_half(path):
     return ""
 
 
+def objects(value):
+    """What the objects of JSON say, each with its own members only."""
+    below = value.values() if isinstance(value, dict) else value if isinstance(value, list) else ()
+    if isinstance(value, dict):
+        yield str({name: member for name, member in value.items() if not isinstance(member, (dict, list))})
+    for member in below:
+        yield from objects(member)
+
+
+def parts(text):
+    """What a text tells: a document of JSON, or lines, each of them JSON or not."""
+    for line in [text] if text.startswith("{\n") else text.splitlines():
+        try:
+            yield from objects(json.loads(line))
+        except ValueError:
+            yield from PARTS.split(line)
+
+
 def remove(path):
     if path.is_dir() and not path.is_symlink():
         shutil.rmtree(path)
@@ -190,7 +209,7 @@ class Place:
         self.seconds = time.monotonic() - started
         if self.undisturbed.status != task.fine:
             raise Fault(f"undisturbed: status {self.undisturbed.status}, {self.undisturbed.err}")
-        self.made, self.links = self.results(), self.linked()
+        self.made, self.links, self.come = self.results(), self.linked(), self.assert_kept()
         missing = [name for name, what in self.made.items() if what is None]
         if missing:
             raise Fault(f"undisturbed: not made: {missing}")
@@ -313,14 +332,14 @@ class Place:
 
     @staticmethod
     def news(text, undisturbed):
-        """What is told that an undisturbed run does not tell: lines, or texts of a page or of JSON."""
-        known = set(PARTS.split(undisturbed))
-        return [part for part in PARTS.split(text) if part.strip() and part not in known]
+        """What is told that an undisturbed run does not tell: lines, texts of a page, or objects of JSON."""
+        known = set(parts(undisturbed))
+        return [part for part in parts(text) if part.strip() and part not in known]
 
     def names_it(self, run):
         """Something is told that the undisturbed run does not tell, with a path, the end of one, or the cause."""
         words = [os.fspath(self.folder), *CAUSES]
-        words += [name.rpartition("/")[2] for name in [*self.before, *self.task.results] if "." in name]
+        words += [name.rpartition("/")[2] for name in [*self.before, *self.come] if "." in name]
         news = self.news(run.err, self.undisturbed.err)
         news += self.news(run.out.decode("utf-8", "replace"), self.undisturbed.out.decode("utf-8", "replace"))
         for name in set(self.made) & {*self.task.observes, self.task.into}:

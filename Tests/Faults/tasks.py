@@ -125,8 +125,9 @@ TASKS = [
          observes=[OUTPUT]),
     Task("spot", [*SPOT, "--fades", "--gain", "--copy-to", "{place}/out/copies", "--host", "embedded:{place}/out/new.json"],
          ["copies", "new.json"]),
+    # It tells of every attempt; a host that cannot look at a file refuses its region once.
     Task("spot-json", [*SPOT, "--fades", "--gain", "--json", "--copy-to", "{place}/out/copies"], ["copies", "new.jsonl"],
-         into="new.jsonl"),
+         observes=["new.jsonl"], into="new.jsonl"),
     Task("spot-beside", [*SPOT, "--fades", "--gain", "--depth", "16"], [BESIDE]),
     Task("spot-prepare", [*SPOT, "--resample", "--prepare={place}/out/clean", "--copy-to", "{place}/out/copies"],
          ["clean", "copies"], foreign),

@@ -86,6 +86,16 @@ TEST_F(MediaSearchTest, theSystemsOwnSearchComesFirst) {
   EXPECT_EQ(Told(Find("URL:file://localhost/Vol/Audio/x.wav")), "location p/x.wav");
 }
 
+TEST_F(MediaSearchTest, aFileWithoutRightsIsWhereTheSystemLooks) {
+  Put("p/x.wav");
+  std::filesystem::permissions(folder_.Path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(Path("p/x.wav"), std::filesystem::perms::none);
+  const test::OrdinaryRights rights;
+  EXPECT_EQ(Told(Find("URL:file://localhost/Vol/x.wav")), "location p/x.wav");
+  // Its place alone may be hidden as well.
+  EXPECT_EQ(Told(Find("URL:file://localhost/V%6Fl/%78.wav")), "beside p/x.wav hidden by form");
+}
+
 TEST_F(MediaSearchTest, thenThePathAsItIsWritten) {
   Put("else where/x.wav");
   Put("p/Deep/x.wav", {.content = 1});

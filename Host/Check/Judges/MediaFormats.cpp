@@ -34,7 +34,7 @@ void JudgeReaders(const Case& c, Findings& findings, const SourceMedia& media, S
                    {path,
                     "The cuts have no audio: " +
                         (media.trouble.empty() ? "the file cannot be read" : media.trouble) + ".",
-                    "Get the file from its source again."});
+                    "Make the file readable, or get it from its source again."});
       return;
   }
 }
