@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Field/Keyword.h"
+#include "Media/PlainWave.h"
 
 namespace velmora::check {
 
@@ -111,8 +112,11 @@ bool GlanceSources::Open(Source& source, double projectRate, Glance& found) {
 
 const SourceMedia& GlanceSources::MediaOf(FoundSource found) {
   const auto [row, isNew] = media_.try_emplace(found.path);
-  if (isNew) row->second = ReadSourceFile(found.path, std::move(found.stream));
-  return row->second;
+  SourceMedia& media = row->second;
+  if (!isNew) return media;
+  media.facts = media::FactsOfPlainWave(found.stream.get());
+  if (!media.facts) media = ReadSourceFile(found.path, std::move(found.stream));
+  return media;
 }
 
 void GlanceSources::Judge(Glance& found) const {

@@ -16,6 +16,9 @@ namespace {
 constexpr std::uint32_t kRf64Id = 0x34364652;
 constexpr std::uint32_t kBw64Id = 0x34365742;
 constexpr std::uint32_t kDs64Id = 0x34367364;
+constexpr std::uint32_t kIxmlId = 0x4C4D5869;
+constexpr std::uint32_t kJunkId = 0x4B4E554A;
+constexpr std::uint32_t kSmallJunkId = 0x6B6E756A;
 
 constexpr std::uint16_t kTagExtensible = 0xFFFE;
 constexpr std::uint32_t kSizeInDs64 = 0xFFFFFFFF;  // EBU Tech 3306: the true size stands in ds64
@@ -48,14 +51,17 @@ class Walk {
     const auto form = reader_.LittleEndian<std::uint32_t>();
     if (form != kRiffId && form != kRf64Id && form != kBw64Id) return std::nullopt;
     header_.longForm = form != kRiffId;
-    reader_.GoTo(8);
+    const std::int64_t end = kHeadBytes + std::int64_t{reader_.LittleEndian<std::uint32_t>()};
     if (reader_.LittleEndian<std::uint32_t>() != kWaveId) return std::nullopt;
     Chunk chunk;
     std::int64_t place = kFirstChunk;
     for (int i = 0; i < kMostChunks && ChunkAt(place, chunk); ++i) {
+      isRegular_ = isRegular_ && IsRegular(chunk);
       Take(chunk);
       place = PlaceAfter(chunk);
     }
+    const bool isWhole = header_.hasData && place == end && end == fileBytes_;
+    header_.isRegular = isRegular_ && !header_.longForm && isWhole;
     return header_;
   }
 
@@ -83,6 +89,24 @@ class Walk {
     if (chunk.size % 2 == 0) return end;
     const bool padded = end + 1 > fileBytes_ - kHeadBytes || IsIdentifier(IdentifierAt(end + 1));
     return padded || !IsIdentifier(IdentifierAt(end)) ? end + 1 : end;
+  }
+
+  /// Whether every reader takes this chunk, after those before it, for the same.
+  [[nodiscard]] bool IsRegular(const Chunk& chunk) const {
+    constexpr std::int64_t kFormatBytes = 16;
+    constexpr std::int64_t kBextBytes = 602;  // EBU Tech 3285, without a history
+    if (chunk.size % 2 != 0 || chunk.size > fileBytes_ - chunk.body) return false;
+    switch (chunk.identifier) {
+      case kFmtId:
+        return chunk.size == kFormatBytes && !header_.hasFormat;
+      case kDataId:
+        return header_.hasFormat && !header_.hasData;
+      case kBextId:
+        return chunk.size >= kBextBytes && !header_.bext;
+      default:
+        return chunk.identifier == kIxmlId || chunk.identifier == kJunkId ||
+               chunk.identifier == kSmallJunkId;
+    }
   }
 
   void Take(const Chunk& chunk) {
@@ -113,7 +137,10 @@ class Walk {
     reader_.GoTo(chunk.body + 12);
     header_.blockAlign = reader_.LittleEndian<std::uint16_t>();
     if (chunk.size > kShortestBytes) header_.bits = reader_.LittleEndian<std::uint16_t>();
-    if (header_.bits == 0) header_.bits = static_cast<std::uint16_t>(8 * header_.ContainerBytes());
+    if (header_.bits == 0) {
+      header_.bits = static_cast<std::uint16_t>(8 * header_.ContainerBytes());
+      isRegular_ = false;
+    }
     if (header_.formatTag != kTagExtensible) return;
     header_.extensible = true;
     if (chunk.size < kExtensibleBytes) return;
@@ -152,6 +179,7 @@ class Walk {
   HeaderReader reader_;
   std::int64_t fileBytes_;
   bool sizeFailed_;
+  bool isRegular_ = true;
   std::int64_t dataBytesOfDs64_ = std::numeric_limits<std::int64_t>::max();
   WaveHeader header_;
 };

@@ -33,6 +33,9 @@ struct WaveHeader {
   std::int64_t dataBytes = 0;         ///< as many as the file holds
   std::int64_t claimedDataBytes = 0;  ///< as many as the header says
   std::optional<BextFacts> bext;
+  /// Nothing in it needs mending: RIFF with a short fmt chunk and one data chunk after it, beside
+  /// them only common chunks, all of even size, and all sizes fit each other and the file.
+  bool isRegular = false;
 
   /// Bytes of one sample in a frame; 0 if the header makes no sense.
   [[nodiscard]] std::int32_t ContainerBytes() const {

@@ -29,8 +29,9 @@ std::int32_t SourceKeyOf(const AES31Event& event) {
 void AES31Project::ResolveSources() {
   for (auto& [index, source] : sourceFiles) {
     Retire(source);
-    const std::string path = FindSourceFile(folder, source.fValues[0]);
-    if (!path.empty()) source.file = new AES31BWF(path.c_str());
+    FoundSource found = OpenSourceFile(folder, source.fValues[0]);
+    if (found.stream == nullptr) continue;
+    source.file = new AES31BWF(std::move(found.path), std::move(found.stream));
   }
 }
 

@@ -33,6 +33,9 @@ class AES31BWF {
   /// Reads the header of a file. IsValid tells whether it is a wave file.
   explicit AES31BWF(const char* path);
 
+  /// Reads the header of the file under this path, which is open already; not valid if it is null.
+  AES31BWF(std::string path, FileStream stream);
+
   /// Creates a file, or empties the one that is there, and writes its header. The caller owes
   /// exactly the declared samples. If the file cannot be created, the instance is not valid and
   /// writes nothing.

@@ -32,8 +32,10 @@ std::string TextAt(HeaderReader& reader, std::int64_t size) {
 
 }  // namespace
 
-AES31BWF::AES31BWF(const char* filePath) : path(filePath) {
-  stream = OpenRegularFile(filePath);
+AES31BWF::AES31BWF(const char* filePath) : AES31BWF(filePath, OpenRegularFile(filePath)) {}
+
+AES31BWF::AES31BWF(std::string filePath, FileStream open) : path(std::move(filePath)) {
+  stream = std::move(open);
   if (stream == nullptr) return;
   bool valid = false;
   try {
