@@ -48,14 +48,16 @@ FindingsHint::FindingsHint(std::string path, check::CheckOptions options)
   options_.atAGlance = true;
   if (!IsLarge(path_)) return;
   try {
-    look_ = std::async(std::launch::async, [this] { return Look(); });
+    std::packaged_task<check::GlanceResult()> look([this] { return Look(); });
+    std::future<check::GlanceResult> result = look.get_future();
+    thread_ = HelperThread(std::move(look));
+    look_ = std::move(result);
   } catch (const std::exception&) {  // neither thread nor memory is to be had: Tell looks itself
   }
 }
 
 FindingsHint::~FindingsHint() {
   cancelled_ = true;
-  if (look_.valid()) look_.wait();
 }
 
 check::GlanceResult FindingsHint::Look() const {

@@ -4,6 +4,7 @@
 #include <future>
 #include <string>
 
+#include "Base/HelperThread.h"
 #include "Check/CheckProject.h"
 #include "Check/Glance.h"
 #include "Model/ViewModel.h"
@@ -35,6 +36,7 @@ class FindingsHint {
   check::CheckOptions options_;
   std::atomic<bool> cancelled_ = false;
   std::future<check::GlanceResult> look_;  ///< not valid for a small project
+  HelperThread thread_;                    ///< last: it uses all of the above
 };
 
 }  // namespace velmora::program

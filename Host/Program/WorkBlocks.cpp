@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "Base/HelperThread.h"
+
 namespace velmora::program {
 namespace {
 
@@ -59,7 +61,7 @@ void WorkInBlocks(std::size_t count, std::size_t perBlock,
                   const std::function<void(std::size_t begin, std::size_t end)>& work) {
   if (count == 0) return;
   Blocks blocks(count, perBlock, work);
-  std::vector<std::jthread> helpers;
+  std::vector<HelperThread> helpers;
   const std::size_t workers = WorkersFor((count + perBlock - 1) / perBlock);
   helpers.reserve(workers - 1);
   try {
@@ -68,7 +70,7 @@ void WorkInBlocks(std::size_t count, std::size_t perBlock,
     // No further thread is to be had: those there are do the work.
   }
   blocks.Work();
-  for (std::jthread& helper : helpers) helper.join();
+  for (HelperThread& helper : helpers) helper.Join();
   blocks.Rethrow();
 }
 

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <thread>
 #include <utility>
 
 namespace velmora {
@@ -21,7 +22,7 @@ std::unique_ptr<BlocksAhead> BlocksAhead::Start(std::size_t blocks, std::size_t 
       block.reset(new (std::nothrow) std::uint8_t[blockBytes]);
       if (block == nullptr) return nullptr;
     }
-    ahead->maker_ = std::thread([&running = *ahead] { running.MakeAll(); });
+    ahead->maker_ = HelperThread([&running = *ahead] { running.MakeAll(); });
     return ahead;
   } catch (const std::exception&) {  // no memory, or no further thread
     return nullptr;
@@ -34,7 +35,7 @@ BlocksAhead::~BlocksAhead() {
     stopped_ = true;
   }
   changed_.notify_all();
-  if (maker_.joinable()) maker_.join();
+  maker_.Join();
 }
 
 void BlocksAhead::MakeAll() {

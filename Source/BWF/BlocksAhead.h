@@ -7,7 +7,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
+
+#include "Base/HelperThread.h"
 
 namespace velmora {
 
@@ -59,7 +60,7 @@ class BlocksAhead {
   bool failed_ = false;
   bool stopped_ = false;
 
-  std::thread maker_;  ///< last: it uses all of the above
+  HelperThread maker_;  ///< last: it uses all of the above
 };
 
 }  // namespace velmora

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <system_error>
+#include <thread>
 
 namespace velmora {
 namespace {
@@ -32,20 +33,20 @@ void PagesAhead::Start(void* begin, std::size_t size) {
   filled_ = 0;
   stopped_ = false;
   try {
-    thread_ = std::thread([this, begin, size] { BackAll(static_cast<char*>(begin), size); });
+    thread_ = HelperThread([this, begin, size] { BackAll(static_cast<char*>(begin), size); });
   } catch (
       const std::system_error&) {  // no thread is to be had: the memory is backed as it is used
   }
 }
 
 void PagesAhead::Stop() {
-  if (!thread_.joinable()) return;
+  if (!thread_.IsRunning()) return;
   {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
   }
   changed_.notify_one();
-  thread_.join();
+  thread_.Join();
 }
 
 void PagesAhead::Tell(std::size_t bytes) {

@@ -3,7 +3,8 @@
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
-#include <thread>
+
+#include "Base/HelperThread.h"
 
 namespace velmora {
 
@@ -27,7 +28,7 @@ class PagesAhead {
   /// So many bytes have been filled. Memory is backed no more than some megabytes further, since
   /// the rest may stay unused.
   void Filled(std::size_t bytes) {
-    if (thread_.joinable() && bytes >= nextWord_) Tell(bytes);
+    if (thread_.IsRunning() && bytes >= nextWord_) Tell(bytes);
   }
   void Stop();
 
@@ -43,7 +44,7 @@ class PagesAhead {
   std::size_t filled_ = 0;
   bool stopped_ = false;
 
-  std::thread thread_;  ///< last: it uses all of the above
+  HelperThread thread_;  ///< last: it uses all of the above
 };
 
 }  // namespace velmora
