@@ -79,7 +79,8 @@ std::unique_ptr<Resampler> Resampler::Create(std::int32_t rate, std::int32_t oth
   engine->soxr = library->create(rate, otherRate, static_cast<unsigned>(channels), &error, &samples,
                                  &quality, nullptr);
   if (error != nullptr || engine->soxr == nullptr) {
-    trouble = error != nullptr ? error : "resampling cannot be set up";
+    trouble = "resampling cannot be set up";
+    if (error != nullptr) (trouble += ": ") += error;
     return nullptr;
   }
   engine->channels = static_cast<std::size_t>(channels);

@@ -123,9 +123,10 @@ bool RoundingCopy::Resample() {
   const std::int64_t after = std::min(kSurroundings, sound_.Info().frames - end);
   toDrop_ = FramesAtRate(before, plan_.sourceRate, plan_.rate);
   toWrite_ = plan_.frames;
-  const auto resampler = Resampler::Create(
-      plan_.sourceRate, plan_.rate, static_cast<std::int32_t>(Width()), outputs_.Result().trouble);
-  if (resampler == nullptr) return false;
+  std::string trouble;
+  const auto resampler =
+      Resampler::Create(plan_.sourceRate, plan_.rate, static_cast<std::int32_t>(Width()), trouble);
+  if (resampler == nullptr) return outputs_.Blame(trouble);
   const std::int64_t first = plan_.firstFrame - before;
   if (!sound_.Seek(first)) return outputs_.Blame(kEndsEarly);
   std::vector<double> made;

@@ -5,16 +5,15 @@
 
 #include <atomic>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "BWF/AES31BWF.h"
 #include "BWF/Renderers.h"
 #include "Support/BwfReference.h"
+#include "Support/OwnNew.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaveBytes.h"
 
@@ -24,51 +23,11 @@ constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 std::atomic<std::size_t> allocated{0};        // bytes in all since counting began
 std::atomic<std::size_t> failFrom{kNoLimit};  // a request of so many bytes fails
 
-void* Allocate(std::size_t size) noexcept {
-  allocated += size;
-  if (size >= failFrom) return nullptr;
-  return std::malloc(size == 0 ? 1 : size);
-}
-
-void* AllocateOrThrow(std::size_t size) {
-  void* memory = Allocate(size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
 }  // namespace
 
-// The compiler takes a free of what a new gave for an error where it sees both at once.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void* operator new(std::size_t size) {
-  return AllocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-  return AllocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
+bool velmora::test::RefusesMemory(std::size_t bytes) noexcept {
+  allocated += bytes;
+  return bytes >= failFrom;
 }
 
 namespace velmora::test {

@@ -20,7 +20,7 @@ import zipfile
 
 from tasks import BESIDE, OUTPUT  # which also finds what Tests/Program has
 from failing import SHIM, Counts, variables
-from program import ALL_DONE, PROGRAM, SANITIZED, SLOWNESS, environment
+from program import ALL_DONE, BAD_USAGE, PROGRAM, SANITIZED, SLOWNESS, environment
 
 TIME_LIMIT = 20 * SLOWNESS
 
@@ -290,7 +290,7 @@ class Place:
 
     def judge(self, run):
         """What every disturbed run must hold to."""
-        if run.status < 0 and self.is_a_librarys_fault(run):
+        if self.is_a_librarys_fault(run):
             self.assert_kept()
             self.assert_whole()
             return self.judge_following()
@@ -317,10 +317,13 @@ class Place:
 
     @staticmethod
     def is_a_librarys_fault(run):
-        """libsndfile and libsoxr do not always look whether they got memory. What their end leaves is judged as that
-        of a run that was killed."""
+        """libsndfile and libsoxr do not always look whether they got memory, and libgomp, which comes with libsoxr, ends
+        the program by itself. What such an end leaves is judged as that of a run that was killed."""
         asked = run.counts.failed.split(" ") if run.counts else []
-        return (run.status == -signal.SIGSEGV and asked[0] in ("malloc", "calloc", "realloc")
+        of_memory = asked and asked[0] in ("malloc", "calloc", "realloc")
+        if run.status == BAD_USAGE:
+            return of_memory and asked[1].startswith("libgomp") and "libgomp: Out of memory" in run.err
+        return (of_memory and run.status == -signal.SIGSEGV
                 and any(name.startswith(LIBRARIES) for name in asked[1:]))
 
     def assert_whole(self):

@@ -3,36 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "Model/ModelFixture.h"
+#include "Support/OwnNew.h"
 
 namespace {
 
 int allocationsLeft = -1;  ///< before one fails; below 0 none does
 
-void* Allocate(std::size_t size) {
-  if (allocationsLeft >= 0 && allocationsLeft-- == 0) throw std::bad_alloc();
-  void* const memory = std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
 }  // namespace
 
-// The compiler takes a free of what a new gave for an error where it sees both at once.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void* operator new(std::size_t size) {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+bool velmora::test::RefusesMemory(std::size_t) noexcept {
+  return allocationsLeft >= 0 && allocationsLeft-- == 0;
 }
 
 namespace velmora {

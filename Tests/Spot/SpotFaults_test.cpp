@@ -9,14 +9,13 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "Spot/SpotFixture.h"
+#include "Support/OwnNew.h"
 
 namespace {
 
@@ -45,13 +44,6 @@ Function* Original(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-void* Allocate(std::size_t size) {
-  if (memoryFault.Strikes()) throw std::bad_alloc();
-  void* const memory = std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
 }  // namespace
 
 // The program's own functions come before those of the C library.
@@ -78,16 +70,8 @@ FILE* fdopen(int descriptor, const char* mode) noexcept {
 }
 }
 
-// The compiler takes a free of what a new gave for an error where it sees both at once.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void* operator new(std::size_t size) {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+bool velmora::test::RefusesMemory(std::size_t) noexcept {
+  return memoryFault.Strikes();
 }
 
 namespace velmora {
