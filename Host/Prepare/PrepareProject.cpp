@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "Base/FileAccess.h"
@@ -205,26 +206,38 @@ class Preparation {
     return hides;
   }
 
-  /// A missing file may stand in a folder that could not be read. Only the first check has been
-  /// there.
-  void TakeWhatWasNotRead(Finding& missing) const {
-    const auto source =
-        std::find_if(plan_.sources.begin(), plan_.sources.end(),
-                     [&](const PlannedSource& planned) { return planned.index == missing.source; });
-    if (source == plan_.sources.end()) return;
-    if (checked_.media[source->origin].located.unread.empty()) return;
-    const std::int32_t index = checked_.project->sources[source->origin].index;
-    const auto first = std::find_if(
-        checked_.findings.begin(), checked_.findings.end(), [index](const Finding& finding) {
-          return finding.code == Code::MediaMissing && finding.source == index;
-        });
-    if (first == checked_.findings.end()) return;
-    missing.text = first->text;
-    missing.effect = first->effect;
-    missing.remedy = first->remedy;
+  static void TakeTexts(Finding& finding, const Finding& from) {
+    finding.text = from.text;
+    finding.effect = from.effect;
+    finding.remedy = from.remedy;
+  }
+
+  using FindingBySource = std::unordered_map<std::int32_t, const Finding*>;
+
+  /// What the first check says of missing files that may stand in a folder that could not be read,
+  /// by the number of the source in the prepared project. Only that check has been there.
+  [[nodiscard]] FindingBySource WhatWasNotRead() const {
+    std::vector<const PlannedSource*> doubtful;
+    for (const PlannedSource& planned : plan_.sources) {
+      if (!checked_.media[planned.origin].located.unread.empty()) doubtful.push_back(&planned);
+    }
+    if (doubtful.empty()) return {};
+    FindingBySource missing;  // by the number in the original
+    for (const Finding& finding : checked_.findings) {
+      if (finding.code == Code::MediaMissing && finding.source) {
+        missing.emplace(*finding.source, &finding);
+      }
+    }
+    FindingBySource unread;
+    for (const PlannedSource* const planned : doubtful) {
+      const auto first = missing.find(checked_.project->sources[planned->origin].index);
+      if (first != missing.end()) unread.emplace(planned->index, first->second);
+    }
+    return unread;
   }
 
   void TakeFindings(std::vector<Finding>& findings) {
+    const FindingBySource unread = WhatWasNotRead();
     bool moves = false;
     for (Finding& finding : findings) {
       // The folder is known by the name that it will have.
@@ -234,7 +247,10 @@ class Preparation {
         ReplaceAll(text, staging_.Path(), into_);
         *shared = std::move(text);
       }
-      if (finding.code == Code::MediaMissing) TakeWhatWasNotRead(finding);
+      if (finding.code == Code::MediaMissing && finding.source) {
+        const auto first = unread.find(*finding.source);
+        if (first != unread.end()) TakeTexts(finding, *first->second);
+      }
       if (finding.code == Code::RateCompensated) {
         moves = true;
         finding.remedy = "Spot it with velmora spot --true-position.";
