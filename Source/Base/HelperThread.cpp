@@ -59,7 +59,7 @@ void HelperThread::Start(std::unique_ptr<Task> task) {
   const int error = pthread_create(&thread_, &attributes, Run, beginning.get());
   pthread_attr_destroy(&attributes);
   if (error != 0) throw std::system_error(error, std::generic_category(), "pthread_create");
-  beginning.release();  // now the thread's
+  static_cast<void>(beginning.release());  // now the thread's
   isRunning_ = true;
 }
 
