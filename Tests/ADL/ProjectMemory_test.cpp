@@ -2,10 +2,8 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +11,7 @@
 
 #include "CountedFile.h"
 #include "LoadedProject.h"
+#include "Support/OwnNew.h"
 
 namespace {
 
@@ -21,50 +20,12 @@ constexpr std::size_t kLargestAllocation = std::size_t{256} * 1024 * 1024;
 std::atomic<int> refusals = 0;
 std::atomic<bool> refuseAll = false;
 
-void* Allocate(std::size_t size) {
-  if (size <= kLargestAllocation && !refuseAll) {
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  }
-  ++refusals;
-  return nullptr;
-}
-
-void* AllocateOrThrow(std::size_t size) {
-  if (void* const memory = Allocate(size)) return memory;
-  throw std::bad_alloc();
-}
-
 }  // namespace
 
-void* operator new(std::size_t size) {
-  return AllocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-  return AllocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
+bool velmora::test::RefusesMemory(std::size_t bytes) noexcept {
+  const bool refuses = bytes > kLargestAllocation || refuseAll;
+  if (refuses) ++refusals;
+  return refuses;
 }
 
 namespace velmora::test {
