@@ -11,17 +11,18 @@ namespace {
 
 constexpr char kEscape = 0x1B;  // before a quotation mark: it does not end the value (AES31-3)
 constexpr char kStandIn = '?';
+/// No name that a reader gives a meaning has it: "SOURCE INDEX" stays a stranger.
+constexpr char kNameStandIn = '-';
 
 bool IsPlain(char c) {
   return c > ' ' && c < 0x7F;
 }
 
-/// A name for a tag or a label: what would end it, and all that the scanner takes for blanks,
-/// becomes an underscore.
+/// A name for a tag or a label, without what would end it and all that the scanner takes for blanks.
 std::string SafeName(std::string_view name, std::string_view enders) {
   std::string safe(name);
   for (char& c : safe) {
-    if (!IsPlain(c) || enders.find(c) != std::string_view::npos) c = '_';
+    if (!IsPlain(c) || enders.find(c) != std::string_view::npos) c = kNameStandIn;
   }
   return safe;
 }
@@ -64,7 +65,7 @@ void AdlText::Add(std::string_view line) {
 }
 
 void AdlText::OpenSection(std::string_view name) {
-  section_ = SafeName(name, "<>");
+  section_ = SectionName(name);
   Add('<' + section_ + '>');
 }
 
@@ -115,6 +116,10 @@ std::string AdlText::Finish() {
                  "/* Shift-JIS " + ToShiftJis("\u65E5\u672C\u8A9E", kStandIn).bytes + " */\r\n");
   }
   return std::move(text_);
+}
+
+std::string AdlText::SectionName(std::string_view name) {
+  return SafeName(name, "<>");
 }
 
 bool AdlText::NeedsQuotes(std::string_view text) {

@@ -20,6 +20,8 @@ class AdlText {
   AdlText();
 
   void OpenSection(std::string_view name);
+  /// The name that OpenSection writes.
+  [[nodiscard]] static std::string SectionName(std::string_view name);
   void CloseSection();
   /// Opens or closes a tag that is no section of its own: "REF_LIST", "REF".
   void Tag(std::string_view tag);

@@ -166,17 +166,18 @@ class ProjectWriter {
       LeaveReferenceList();
       return;
     }
+    std::string name = AdlText::SectionName(section.name);
     if (!inReferences_) {
       text_.Tag("REF_LIST");
       text_.Tag("REF");
       inReferences_ = true;
-    } else if (referenceNames_.contains(section.name)) {
+    } else if (referenceNames_.contains(name)) {
       // One reference has one section of a name: this is the next one's.
       text_.Tag("/REF");
       text_.Tag("REF");
       referenceNames_.clear();
     }
-    referenceNames_.insert(section.name);
+    referenceNames_.insert(std::move(name));
   }
 
   void LeaveReferenceList() {
@@ -451,7 +452,7 @@ class ProjectWriter {
   AdlText text_;
   std::vector<Remark> remarks_;  ///< by rising offset
   bool inReferences_ = false;
-  std::set<std::string_view> referenceNames_;
+  std::set<std::string> referenceNames_;
 };
 
 }  // namespace

@@ -93,6 +93,21 @@ TEST(AdlText, namesLabelsAndValuesOfAnyBytesDoNotEndTheReading) {
   EXPECT_STREQ(system->GetConstant(0), "1234");
 }
 
+TEST(AdlText, aNameMadeSafeIsNoneThatIsRead) {
+  AdlText text;
+  text.OpenSection("SOURCE\xFFINDEX");
+  text.CloseSection();
+  text.OpenSection("SEQUENCE");
+  text.Line("SEQ SAMPLE_RATE", {"S44100"});
+  text.CountedLine("SEQ\xFF""FRAME_RATE", "30");
+  text.Line("(SEQ)DEST_START)", {"1"});
+  text.CloseSection();
+  EXPECT_EQ(text.Finish(),
+            "<ADL>\r\n<SOURCE-INDEX>\r\n</SOURCE-INDEX>\r\n<SEQUENCE>\r\n"
+            "(SEQ-SAMPLE_RATE) S44100\r\n(SEQ-FRAME_RATE)3 30\r\n(-SEQ-DEST_START-) 1\r\n"
+            "</SEQUENCE>\r\n</ADL>\r\n");
+}
+
 TEST(AdlText, aCommentHasOneBlankAtEachEnd) {
   const struct {
     const char* name;

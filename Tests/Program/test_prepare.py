@@ -101,6 +101,15 @@ TEXTS = [
     Case("name-of-two-words", m.project(sources=m.index().replace('"n" N', "n m N"))),
     Case("no-name-and-a-long-last", m.project(sources=m.index().replace('"n" N', "_\nlast"))),
     Case("comment-of-control-bytes", m.project(header=m.HEADER + "/* \x7f\x01 two \x02 words \x7f */\n")),
+    # Names that are made safe must not become ones that are read.
+    Case("strange-list-of-sources", m.project(header=m.HEADER + f"<SOURCE\xffINDEX>\n{m.index(name='other.wav')}"
+                                              "</SOURCE\xffINDEX>\n").encode("latin-1")),
+    Case("strange-list-of-events", m.project(header=m.HEADER + f"<EVENT\xffLIST>\n{m.cut(2, position=HOUR - 9)}"
+                                             "</EVENT\xffLIST>\n").encode("latin-1")),
+    Case("strange-rate", m.project(header=m.HEADER.replace(
+        "(SEQ_SAMPLE", "(SEQ\xffSAMPLE_RATE) S44100\n(SEQ_SAMPLE")).encode("latin-1")),
+    Case("references-with-names-made-alike", m.project(header=m.HEADER + "<REF_LIST>\n<REF>\n<A\xff>\n(B) 1\n</A\xff>\n"
+                                                       "<A->\n(B) 2\n</A->\n</REF>\n</REF_LIST>\n").encode("latin-1")),
 ]
 
 
