@@ -29,7 +29,7 @@ def head(bench, markdown):
         [
             f"{datetime.date.today()}, {_processor()}, {os.cpu_count()} processors, "
             f"{platform.system()} {platform.release()}; load {os.getloadavg()[0]:.1f}; "
-            f"median of {bench.rounds} rounds",
+            f"median of {bench.rounds} rounds or more",
             f"sources of {bench.megabytes} MB, {bench.count} pieces, {bench.events} events",
             "",
             _line(_TITLES, markdown),
