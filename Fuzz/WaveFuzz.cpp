@@ -50,9 +50,12 @@ struct Step {
 class Allowance {
  public:
   /// Frames of a piece or a run of so many channels of that file: as many as the step says, or
-  /// fewer.
-  std::int64_t Frames(const AES31BWF& file, std::uint32_t channels, const Step& step) {
-    const std::int64_t frameBytes = 1 + std::int64_t{channels} * std::max(file.bytesPerSample, 1);
+  /// fewer. A sample has the bytes of its frame's share or of its depth; headers may contradict
+  /// themselves.
+  std::int64_t Frames(AES31BWF& file, std::uint32_t channels, const Step& step) {
+    const auto depthBytes = static_cast<std::int32_t>((file.GetBitsPerSample() + 7) / 8);
+    const std::int64_t frameBytes =
+        1 + std::int64_t{channels} * std::max({file.bytesPerSample, depthBytes, 1});
     if (pieceBytes_ <= 0 || frameBytes > kMostBytesOfAFrame) return 0;
     const std::int64_t frames = step.length % (2 + kMostBytesOfAPiece / frameBytes);
     pieceBytes_ -= frames * frameBytes;
