@@ -18,7 +18,7 @@ bool IsPlain(char c) {
   return c > ' ' && c < 0x7F;
 }
 
-/// A name for a tag or a label, without what would end it and all that the scanner takes for blanks.
+/// A name for a tag or a label, without what would end it and what the scanner takes for blanks.
 std::string SafeName(std::string_view name, std::string_view enders) {
   std::string safe(name);
   for (char& c : safe) {

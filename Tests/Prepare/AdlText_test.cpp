@@ -99,12 +99,12 @@ TEST(AdlText, aNameMadeSafeIsNoneThatIsRead) {
   text.CloseSection();
   text.OpenSection("SEQUENCE");
   text.Line("SEQ SAMPLE_RATE", {"S44100"});
-  text.CountedLine("SEQ\xFF""FRAME_RATE", "30");
+  text.CountedLine("SEQ_FRAME\xFFRATE", "30");
   text.Line("(SEQ)DEST_START)", {"1"});
   text.CloseSection();
   EXPECT_EQ(text.Finish(),
             "<ADL>\r\n<SOURCE-INDEX>\r\n</SOURCE-INDEX>\r\n<SEQUENCE>\r\n"
-            "(SEQ-SAMPLE_RATE) S44100\r\n(SEQ-FRAME_RATE)3 30\r\n(-SEQ-DEST_START-) 1\r\n"
+            "(SEQ-SAMPLE_RATE) S44100\r\n(SEQ_FRAME-RATE)3 30\r\n(-SEQ-DEST_START-) 1\r\n"
             "</SEQUENCE>\r\n</ADL>\r\n");
 }
 
