@@ -112,8 +112,8 @@ class Preparations {
       Hold(before == after, "a preparation moves no cut", "before\n" + before + "after\n" + after);
     }
     const prepare::Prepared second = Prepare(checked, choice, "second");
-    Hold(IsMade(second), "what was prepared can be prepared", second.trouble);
     const std::string once = target_.Read("first/project.adl");
+    Hold(IsMade(second), "what was prepared can be prepared", second.trouble + "\n" + once);
     const std::string twice = target_.Read("second/project.adl");
     Hold(once == twice, "a second preparation changes nothing", once + "\nthen\n" + twice);
   }

@@ -57,6 +57,11 @@ bool SaysDropFrame(std::string_view text) {
   return !text.empty() && LowerCase(text[0]) == 'd';
 }
 
+/// The sections with times of the project as a whole.
+bool IsOfSystem(std::string_view name) {
+  return IsKeyword(name, "SYSTEM") || IsKeyword(name, "SEQUENCE");
+}
+
 bool IsHeaderSection(std::string_view name) {
   return !IsEventList(name) && !IsSourceIndex(name);
 }
@@ -162,20 +167,26 @@ void ReadTimeContext(Project& project) {
       IsNotZero(HeaderText(tree, project.header.sourceOffsetPlace), times);
 }
 
-void ReadProjectRates(Project& project) {
-  const Tree& tree = project.tree;
+std::optional<TimeRates> RatesOfCuts(const Project& project) {
   std::optional<TimeRates> rates;
-  ForEachEntryOf(tree, IsEventList, [&](const Entry& entry, EntryPlace, bool) {
+  ForEachEntryOf(project.tree, IsEventList, [&](const Entry& entry, EntryPlace, bool) {
     if (IsKeyword(entry.label, "Cut")) rates = RatesOfCut(project, entry);
     return !rates;
   });
-  if (!rates) rates = FirstFullStamp(tree);
-  if (rates) {
-    project.rates = *rates;
-    return;
-  }
-  if (project.times.headerFrames) project.rates = *project.times.headerFrames;
-  project.rates.sampleRate = project.times.rateWithoutMark;
+  return rates;
+}
+
+TimeRates RatesOfHeader(const Project& project) {
+  std::optional<Time> first;
+  ForEachEntryOf(project.tree, IsOfSystem, [&](const Entry& entry, EntryPlace, bool) {
+    first = ReadTime(ReadLineText(project.tree, entry, 0).text, project.times);
+    return !first;
+  });
+  if (first) return first->rates;
+  TimeRates rates;
+  if (project.times.headerFrames) rates = *project.times.headerFrames;
+  if (project.times.headerSampleRate) rates.sampleRate = *project.times.headerSampleRate;
+  return rates;
 }
 
 }  // namespace velmora::field

@@ -56,7 +56,8 @@ struct Gain {
 /// The status of a cut as a capital letter, `_` for a text that is none.
 [[nodiscard]] inline char ReadStatus(std::string_view text) {
   const char c = text.size() == 1 ? text[0] : '_';
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  if (c >= 'a' && c <= 'z') return static_cast<char>(c - 'a' + 'A');
+  return c >= 'A' && c <= 'Z' ? c : '_';
 }
 
 /// Disabled, muted, or an error: a cut of that status is not to be heard.

@@ -54,12 +54,28 @@ void MarkReplaced(std::vector<SourceLines>& sources) {
   }
 }
 
+/// Those of the first source that counts and has a time.
+std::optional<TimeRates> RatesOfSources(const Project& project,
+                                        const std::vector<SourceLines>& sources) {
+  for (const SourceLines& source : sources) {
+    if (source.replaced || !source.fPlace) continue;
+    const SourceTexts texts = ReadSourceTexts(project.tree, project.tree.entries[*source.fPlace]);
+    for (const Value& value : {texts.start, texts.length}) {
+      if (const std::optional<Time> time = ReadTime(value.text, project.times)) return time->rates;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 void ProjectReader::ReadSources() {
   const Tree& tree = project_.tree;
   std::vector<SourceLines> lines = FindSources(tree);
   MarkReplaced(lines);
+  std::optional<TimeRates> rates = RatesOfCuts(project_);
+  if (!rates) rates = RatesOfSources(project_, lines);
+  project_.rates = rates ? *rates : RatesOfHeader(project_);
   project_.sources.reserve(lines.size());
   for (const SourceLines& line : lines) {
     if (line.replaced) {

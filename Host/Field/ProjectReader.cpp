@@ -39,7 +39,6 @@ ProjectReader::ProjectReader(Project& project)
 
 void ProjectReader::ReadHeader() {
   ReadTimeContext(project_);
-  ReadProjectRates(project_);
   const std::optional<EntryPlace> start = project_.header.destStartPlace;
   if (start) {
     (void)ReadSamples(ValueAt(project_.tree, project_.tree.entries[*start], 0), TimeRole::Header);

@@ -104,6 +104,16 @@ void AddSpelling(Location& location, const std::string& path) {
   if (!onDrive && path.find('/') != std::string::npos) AddOnce(location.paths, path);
 }
 
+bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
+}
+
+/// Control characters as blanks: whoever writes a location anew can write no others.
+std::string WithoutControls(std::string text) {
+  std::replace_if(text.begin(), text.end(), IsControl, ' ');
+  return text;
+}
+
 }  // namespace
 
 Location DecodeLocation(std::string_view text) {
@@ -114,6 +124,9 @@ Location DecodeLocation(std::string_view text) {
   AddSpelling(location, WithSlashes(std::string(rest)));
   AddSpelling(location, decoded);
   AddSpelling(location, std::string(rest));
+  if (std::any_of(text.begin(), text.end(), IsControl)) {
+    AddSpellings(location, DecodeLocation(WithoutControls(std::string(text))));
+  }
   return location;
 }
 

@@ -126,7 +126,10 @@ bool AdlText::NeedsQuotes(std::string_view text) {
   if (text.empty()) return true;
   const char first = text.front();
   if (first == '"' || first == '(' || first == '<') return true;
-  if (text.find("/*") != std::string_view::npos) return true;
+  // The last is a closing tag to readers who know that a value may touch one.
+  for (const char* mark : {"/*", "</"}) {
+    if (text.find(mark) != std::string_view::npos) return true;
+  }
   return !std::all_of(text.begin(), text.end(), IsPlain);
 }
 

@@ -12,6 +12,7 @@
 
 #include "Base/Text.h"
 #include "Field/EntryTexts.h"
+#include "Field/FieldHeader.h"
 #include "Prepare/AdlText.h"
 #include "Timecode/AdlTime.h"
 
@@ -27,6 +28,8 @@ bool Is(std::string_view text, const char* word) {
 /// The sections whose labels the system or the plan gives a meaning.
 constexpr const char* kSourceIndex = "SOURCE_INDEX";
 constexpr const char* kEventList = "EVENT_LIST";
+constexpr const char* kSampleRate = "SEQ_SAMPLE_RATE";
+constexpr const char* kFrameRate = "SEQ_FRAME_RATE";
 
 bool IsHeader(const field::Section& section) {
   return Is(section.name, "SYSTEM") || Is(section.name, "SEQUENCE");
@@ -82,11 +85,15 @@ class ProjectWriter {
     for (std::size_t i = 0; i < tree_.sections.size(); ++i) {
       const field::Section& section = tree_.sections[i];
       if (section.name.empty()) continue;  // labels outside of every section: nothing reads them
+      const bool isSources = !section.inReferenceList && Is(section.name, kSourceIndex);
+      const bool isEvents = !section.inReferenceList && Is(section.name, kEventList);
+      if (isSources && std::exchange(sourcesWritten, true)) continue;
+      if (isEvents && std::exchange(eventsWritten, true)) continue;
       EnterOrLeaveReferenceList(section);
-      if (!section.inReferenceList && Is(section.name, kSourceIndex)) {
-        if (!std::exchange(sourcesWritten, true)) WriteSources(i);
-      } else if (!section.inReferenceList && Is(section.name, kEventList)) {
-        if (!std::exchange(eventsWritten, true)) WriteEvents(i);
+      if (isSources) {
+        WriteSources(i);
+      } else if (isEvents) {
+        WriteEvents(i);
       } else {
         WriteKept(i);
       }
@@ -192,7 +199,9 @@ class ProjectWriter {
     Open(index);
     for (const field::Entry& entry : tree_.EntriesOf(section)) {
       const std::span<const field::Value> values = tree_.ValuesOf(entry);
-      if (entry.counted && !values.empty()) {
+      if (const auto rate = section.inReferenceList ? std::nullopt : OtherRate(entry)) {
+        text_.Line(entry.label, {*rate});
+      } else if (entry.counted && !values.empty()) {
         text_.CountedLine(entry.label, project_.TextOf(values.front()));
       } else if (!section.inReferenceList && IsConstants(section)) {
         text_.Line(entry.label, ConstantValues(entry, IsHeader(section)));
@@ -234,35 +243,33 @@ class ProjectWriter {
   Values ConstantValues(const field::Entry& entry, bool hasTimes) const {
     const field::Value text = ReadLineText(tree_, entry, 0);
     if (!text.IsThere()) return {};
-    if (!hasTimes) return {Text(text)};
-    if (Is(entry.label, "SEQ_SAMPLE_RATE") && !HeaderHasSampleRate()) return {SampleRateText()};
-    if (Is(entry.label, "SEQ_FRAME_RATE") && !HeaderHasFrameRate()) return {FrameRateText()};
-    const bool isRate = Is(entry.label, "SEQ_SAMPLE_RATE") || Is(entry.label, "SEQ_FRAME_RATE");
+    const bool isRate = Is(entry.label, kSampleRate) || Is(entry.label, kFrameRate);
+    if (!hasTimes || isRate) return {Text(text)};
     const std::optional<std::int64_t> time = TimeOf(text);
-    if (isRate || !time || IsAtProjectRates(text)) return {Text(text)};
+    if (!time || IsAtProjectRates(text)) return {Text(text)};
     const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
     return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
   }
 
-  // The rates in the header stay as they are spelled if they are those of the timestamps.
-
-  bool HeaderHasSampleRate() const {
-    return project_.times.headerSampleRate == plan_.form.sampleRate;
-  }
-  std::string SampleRateText() const {
-    return 'S' + std::to_string(std::llround(plan_.form.sampleRate));
-  }
-  bool HeaderHasFrameRate() const {
-    const std::optional<field::TimeRates>& frames = project_.times.headerFrames;
-    const field::TimeRates rates = RatesOf(plan_.form);
-    return frames && frames->framesPerSecond == rates.framesPerSecond &&
-           frames->pulledDown == rates.pulledDown;
-  }
-  std::string FrameRateText() const {
-    const field::TimeRates rates = RatesOf(plan_.form);
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.5g", rates.FrameRate());
-    return text.data();
+  /// The rate of the timestamps, in place of another one that the header gives. It may stand in any
+  /// section.
+  std::optional<std::string> OtherRate(const field::Entry& entry) const {
+    const bool isSampleRate = Is(entry.label, kSampleRate);
+    const bool isFrameRate = Is(entry.label, kFrameRate);
+    if ((!isSampleRate && !isFrameRate) || entry.valueCount == 0) return std::nullopt;
+    const std::string_view text = ReadLineText(tree_, entry, 0).text;
+    const field::TimeRates form = RatesOf(plan_.form);
+    if (isSampleRate) {
+      if (field::ReadSampleRate(text) == form.sampleRate) return std::nullopt;
+      return 'S' + std::to_string(std::llround(form.sampleRate));
+    }
+    const std::optional<field::TimeRates> rates = field::ReadFrameRate(text);
+    const bool isForm = rates && rates->framesPerSecond == form.framesPerSecond &&
+                        rates->pulledDown == form.pulledDown;
+    if (isForm) return std::nullopt;
+    std::array<char, 32> number{};
+    std::snprintf(number.data(), number.size(), "%.5g", form.FrameRate());
+    return number.data();
   }
 
   // Times.
@@ -278,7 +285,7 @@ class ProjectWriter {
   /// Drop-frame is left aside: lengths of fades always count so.
   bool IsAtProjectRates(const field::Value& value) const {
     const std::optional<field::StampMarks> marks = ReadMarks(value.text, project_.times);
-    if (!marks || marks->sampleRateMark == 0 || value.quoted ||
+    if (!marks || marks->sampleRateMark == 0 || value.quoted || AdlText::NeedsQuotes(value.text) ||
         value.text.size() != kTimestampLength) {
       return false;
     }
@@ -300,14 +307,18 @@ class ProjectWriter {
     return std::span(tree_.entries).subspan(first, end > first ? end - first : 0);
   }
 
+  /// The section of an entry, or its piece where another stands inside it.
+  const field::Section& SectionAt(field::EntryPlace place) const {
+    const auto after = std::upper_bound(tree_.sections.begin(), tree_.sections.end(), place,
+                                        [](field::EntryPlace at, const field::Section& section) {
+                                          return at < section.firstEntry;
+                                        });
+    return *std::prev(after);
+  }
+
   /// The entries of a source: those up to the next (Index), within its section.
   std::span<const field::Entry> EntriesOf(const field::Source& source) const {
-    const auto after = std::upper_bound(tree_.sections.begin(), tree_.sections.end(), source.place,
-                                        [](field::EntryPlace place, const field::Section& section) {
-                                          return place < section.firstEntry;
-                                        });
-    if (after == tree_.sections.begin()) return {};
-    const field::Section& section = *std::prev(after);
+    const field::Section& section = SectionAt(source.place);
     const field::EntryPlace end = section.firstEntry + section.entryCount;
     field::EntryPlace next = source.place + 1;
     while (next < end && !Is(tree_.entries[next].label, "Index")) ++next;
@@ -364,12 +375,24 @@ class ProjectWriter {
       text_.Line("Entry", {Number(event.number)});
       const field::Event& origin = project_.events[event.origin];
       if (event.cut) WriteCut(*event.cut, origin);
-      for (const field::Entry& entry : Entries(origin.place, origin.endPlace)) {
-        if (Is(entry.label, "Entry")) continue;
-        WriteEventLine(entry, event.cut ? &*event.cut : nullptr);
-      }
+      WriteEventLines(origin, event.cut ? &*event.cut : nullptr);
     }
     text_.CloseSection();
+  }
+
+  /// An event goes on after a section that stands inside its list.
+  void WriteEventLines(const field::Event& origin, const PlannedCut* cut) {
+    for (field::EntryPlace at = origin.place; at < origin.endPlace;) {
+      const field::Section& section = SectionAt(at);
+      const field::EntryPlace end =
+          std::min(section.firstEntry + section.entryCount, origin.endPlace);
+      if (field::IsEventList(section.name)) {
+        for (const field::Entry& entry : Entries(at, end)) {
+          if (!Is(entry.label, "Entry")) WriteEventLine(entry, cut);
+        }
+      }
+      at = end;
+    }
   }
 
   void WriteCut(const PlannedCut& cut, const field::Event& origin) {
@@ -378,7 +401,7 @@ class ProjectWriter {
     text_.Line("Cut", {texts.sourceType.IsGiven() ? Text(texts.sourceType) : "I",
                        std::to_string(cut.sourceIndex), Run(cut.sourceChannels), Run(cut.tracks),
                        Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end),
-                       AdlText::Value(std::string_view(&origin.status, 1))});
+                       std::string(1, origin.status)});
     if (origin.fadeIn) WriteFade("Infade", *origin.fadeIn, cut.fadeIn);
     if (origin.fadeOut) WriteFade("Outfade", *origin.fadeOut, cut.fadeOut);
     if (cut.gainDb && !cut.keepsGainLines && std::isfinite(*cut.gainDb)) {

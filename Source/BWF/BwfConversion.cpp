@@ -145,9 +145,13 @@ std::int32_t AES31BWF::CopyBytes(OutputFile& file) {
 std::int32_t AES31BWF::CopyConverted(OutputFile& file, std::int32_t bitDepth) {
   const std::uint64_t frameBytes =
       std::uint64_t{format.channels} * std::max(static_cast<std::uint16_t>(bitDepth) / 8U, 1U);
-  if (frames > std::uint64_t{kMostAudioBytes} / std::max<std::uint64_t>(frameBytes, 1)) {
-    SystemLog(file.Path() + ": not made, for its audio would not fit into the 2 GiB that a wave " +
-              "file can have: " + path);
+  const bool tooLong =
+      frames > std::uint64_t{kMostAudioBytes} / std::max<std::uint64_t>(frameBytes, 1);
+  if (tooLong || frameBytes > kMostFrameBytes) {
+    const char* const why = tooLong
+                                ? "its audio would not fit into the 2 GiB that a wave file can have"
+                                : kFramesTooLarge;
+    SystemLog(file.Path() + ": not made, for " + why + ": " + path);
     return CopyFailed;
   }
   OpenAtData();

@@ -14,6 +14,11 @@ inline constexpr std::uint16_t kIntegerPcm = 1;
 /// chunk of 2 GiB is not found.
 inline constexpr std::int32_t kMostAudioBytes = std::numeric_limits<std::int32_t>::max();
 
+/// And so many bytes a frame: the fmt chunk has 16 bits for them (RIFF WAVE).
+inline constexpr std::int32_t kMostFrameBytes = std::numeric_limits<std::uint16_t>::max();
+inline constexpr const char* kFramesTooLarge =
+    "its frames would have more bytes than a wave file can say";
+
 /// The fields of a fmt chunk (RIFF WAVE).
 struct BwfFormat {
   std::uint16_t formatTag = 0;

@@ -61,9 +61,13 @@ std::int64_t FrameBytes(AES31BWF& file) {
          std::max(file.GetChannels(), 1U);
 }
 
-/// A new file in the format of `model`; null if it cannot be created, or if it would be too long
-/// for a wave file that can be read back.
+/// A new file in the format of `model`; null if it cannot be created, or if it would be no wave
+/// file that can be read back.
 std::unique_ptr<AES31BWF> CreateLike(AES31BWF& model, OutputFile& file, std::int64_t frames) {
+  if (FrameBytes(model) > kMostFrameBytes) {
+    SystemLog(file.Path() + ": not made, for " + kFramesTooLarge + ": " + model.GetPath());
+    return nullptr;
+  }
   if (frames > kMostAudioBytes / FrameBytes(model)) return nullptr;
   auto target = std::make_unique<AES31BWF>(file, model.GetSampleRate(), model.GetChannels(),
                                            static_cast<std::int32_t>(model.GetBitsPerSample()),

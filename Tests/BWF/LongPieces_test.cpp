@@ -110,6 +110,35 @@ TEST_F(LongPieces, depthChangeBeyond2GiBIsNotBegun) {
   EXPECT_EQ(log.lines.size(), 2U);
 }
 
+/// A frame has at most 65,535 bytes: more would be written, and no reader would find them again.
+TEST_F(LongPieces, framesThatNoHeaderCanSayAreNotBegun) {
+  const struct {
+    std::uint16_t channels;
+    std::int32_t depth;  ///< of the copy
+    bool isMade;
+  } kRows[] = {{21845, 24, true}, {21846, 24, false}};
+  for (const auto& row : kRows) {
+    AES31BWF source(Source(row.channels, {.channels = row.channels}).c_str());
+    ASSERT_TRUE(source.IsValid());
+    EXPECT_EQ(source.CopyTo(target.c_str(), row.depth) == CopyDone, row.isMade) << row.channels;
+    EXPECT_EQ(std::filesystem::exists(target), row.isMade) << row.channels;
+    EXPECT_EQ(log.lines.empty(), row.isMade) << row.channels;
+    std::filesystem::remove(target);
+    log.lines.clear();
+  }
+  // The frames of such a source overlap by its own header.
+  AES31BWF source(Source(32768, {.channels = 32768, .blockAlign = 2}).c_str());
+  ASSERT_TRUE(source.IsValid());
+  EXPECT_FALSE(Fades(source, 1));
+  EXPECT_EQ(RenderCrossfadeFile(target.c_str(), &source, &source, 0, 0, 1), nullptr);
+  EXPECT_EQ(RenderScaledFile(target.c_str(), &source, 0.5), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(target));
+  ASSERT_EQ(log.lines.size(), 3U);
+  for (const std::string& line : log.lines) {
+    EXPECT_NE(line.find(target + ": not made, for its frames"), std::string::npos) << line;
+  }
+}
+
 TEST_F(LongPieces, stopIsAskedForInTheMiddleAndDiscardsTheFile) {
   AES31BWF source(SparseSource(64 * kMiB).c_str());
   OutputNames names;

@@ -94,6 +94,11 @@ CASES = [
 ]
 
 
+# The first is a stamp no more when the text around it is one value.
+OTHER_STAMPS = ("<PROJECT>\n(PROJ_NOTES) at 01.00.00:00/0000\n</PROJECT>\n"
+                "<OTHER>\n(X) 01:00:00:00-0001\n</OTHER>\n")
+REFERENCE = "<REF_LIST>\n<REF>\n<A>\n(B) 1\n</A>\n</REF>\n</REF_LIST>\n"
+
 # Texts that one preparation must write so that the next one reads the same.
 TEXTS = [
     Case("name-and-last-on-two-lines", m.project(sources=m.index().replace('"n" N', "n\n00.00.00)"))),
@@ -108,6 +113,21 @@ TEXTS = [
                                              "</EVENT\xffLIST>\n").encode("latin-1")),
     Case("strange-rate", m.project(header=m.HEADER.replace(
         "(SEQ_SAMPLE", "(SEQ\xffSAMPLE_RATE) S44100\n(SEQ_SAMPLE")).encode("latin-1")),
+    # The rates are those of the timestamps, wherever another one stands; without a cut those of the sources.
+    Case("rates-in-another-section", m.project(header="<VERSION>\n(SEQ_SAMPLE_RATE) S44307\n(SEQ_FRAME_RATE) 24\n</VERSION>\n")),
+    Case("rate-outside-sections", m.project(header=m.HEADER.replace("S48000", "S4800") + "(SEQ_SAMPLE_RATE) S48000\n")),
+    Case("rates-of-others", m.project(header=OTHER_STAMPS, sources=m.index(start="_"), events="")),
+    Case("rates-of-nothing", m.project(header=OTHER_STAMPS + "<SEQUENCE>\n(SEQ_SAMPLE_RATE) S44100\n</SEQUENCE>\n", sources="",
+                                       events="")),
+    Case("offset-with-a-strange-separator", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00\xb100/0000\n"
+                                                      "</SYSTEM>\n").encode("latin-1")),
+    Case("strange-status", m.project(events=m.cut(status="\xd2")).encode("latin-1")),
+    Case("event-that-goes-on-after-a-section", m.project(events=m.cut() + "(Entry) 0002\n<SOURCE_INDEX>\n(Index) 0002\n(Entry) 3\n"
+                                                         "(Cut) I\n</SOURCE_INDEX>\n(Gain) _ -3.00\n")),
+    Case("location-after-a-control-byte", m.project(sources=m.index(location="\x00URL:file://localhost/V/take.wav"))),
+    Case("value-that-touches-a-tag", m.project(sources=m.index().replace('"n" N', '"n" x</SOURCE_INDEX> y'))),
+    Case("references-around-a-second-list", m.project().replace(
+        "</ADL>", f"{REFERENCE}<EVENT_LIST>\n{m.cut(2, position=HOUR - 9)}</EVENT_LIST>\n{REFERENCE}</ADL>")),
     Case("references-with-names-made-alike", m.project(header=m.HEADER + "<REF_LIST>\n<REF>\n<A\xff>\n(B) 1\n</A\xff>\n"
                                                        "<A->\n(B) 2\n</A->\n</REF>\n</REF_LIST>\n").encode("latin-1")),
 ]
