@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Base/Utf8.h"
+#include "Field/FieldTime.h"
 #include "Prepare/ShiftJisWriter.h"
 
 namespace velmora::prepare {
@@ -134,8 +135,12 @@ bool AdlText::NeedsQuotes(std::string_view text) {
 }
 
 std::string AdlText::Quoted(std::string_view text) {
+  std::string bytes = ToShiftJis(text, kStandIn).bytes;
+  // "?" is a mark of timestamps, and any byte may stand before the frames: what was no time must
+  // not become one.
+  if (field::LooksLikeTime(bytes) && !field::LooksLikeTime(text)) bytes += '_';
   std::string value = "\"";
-  for (const char c : ToShiftJis(text, kStandIn).bytes) {
+  for (const char c : bytes) {
     if (c == '"') value += kEscape;
     value += c;
   }

@@ -121,6 +121,9 @@ TEXTS = [
                                        events="")),
     Case("offset-with-a-strange-separator", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00\xb100/0000\n"
                                                       "</SYSTEM>\n").encode("latin-1")),
+    Case("strange-mark", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00:00\x830000\n</SYSTEM>\n")
+         .encode("latin-1")),
+    Case("separator-of-three-bytes", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00\uff7100/0000\n</SYSTEM>\n")),
     Case("strange-status", m.project(events=m.cut(status="\xd2")).encode("latin-1")),
     Case("event-that-goes-on-after-a-section", m.project(events=m.cut() + "(Entry) 0002\n<SOURCE_INDEX>\n(Index) 0002\n(Entry) 3\n"
                                                          "(Cut) I\n</SOURCE_INDEX>\n(Gain) _ -3.00\n")),
