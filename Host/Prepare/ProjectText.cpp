@@ -14,6 +14,7 @@
 #include "Field/EntryTexts.h"
 #include "Field/FieldHeader.h"
 #include "Prepare/AdlText.h"
+#include "Prepare/Remarks.h"
 #include "Timecode/AdlTime.h"
 
 namespace velmora::prepare {
@@ -25,19 +26,8 @@ bool Is(std::string_view text, const char* word) {
   return EqualsIgnoringCase(std::string(text).c_str(), word);
 }
 
-/// The sections whose labels the system or the plan gives a meaning.
-constexpr const char* kSourceIndex = "SOURCE_INDEX";
-constexpr const char* kEventList = "EVENT_LIST";
 constexpr const char* kSampleRate = "SEQ_SAMPLE_RATE";
 constexpr const char* kFrameRate = "SEQ_FRAME_RATE";
-
-bool IsHeader(const field::Section& section) {
-  return Is(section.name, "SYSTEM") || Is(section.name, "SEQUENCE");
-}
-
-bool IsConstants(const field::Section& section) {
-  return IsHeader(section) || Is(section.name, "VERSION") || Is(section.name, "PROJECT");
-}
 
 /// Labels of an event with the number of values that the system asks for.
 struct EventLabel {
@@ -74,96 +64,60 @@ std::string Run(const field::ChannelRun& run) {
 class ProjectWriter {
  public:
   ProjectWriter(const check::CheckedProject& checked, const Plan& plan)
-      : project_(*checked.project), tree_(project_.tree), plan_(plan) {
-    CollectPassedOver();
-  }
+      : project_(*checked.project), tree_(project_.tree), plan_(plan), remarks_(tree_) {}
 
   std::string Write() {
-    WriteComments(0, FirstSectionOffset());
-    bool eventsWritten = false;
-    bool sourcesWritten = false;
-    for (std::size_t i = 0; i < tree_.sections.size(); ++i) {
-      const field::Section& section = tree_.sections[i];
-      if (section.name.empty()) continue;  // labels outside of every section: nothing reads them
-      const bool isSources = !section.inReferenceList && Is(section.name, kSourceIndex);
-      const bool isEvents = !section.inReferenceList && Is(section.name, kEventList);
-      if (isSources && std::exchange(sourcesWritten, true)) continue;
-      if (isEvents && std::exchange(eventsWritten, true)) continue;
-      EnterOrLeaveReferenceList(section);
-      if (isSources) {
-        WriteSources(i);
-      } else if (isEvents) {
-        WriteEvents(i);
-      } else {
-        WriteKept(i);
-      }
+    const std::vector<std::size_t> written = WrittenSections();
+    const std::size_t end = tree_.sections.size();
+    WriteRemarks(remarks_.Before(written.empty() ? end : written.front()));
+    for (std::size_t i = 0; i < written.size(); ++i) {
+      WriteSection(written[i], i + 1 < written.size() ? written[i + 1] : end);
     }
     LeaveReferenceList();
     return text_.Finish();
   }
 
  private:
-  // Comments and lines without a label.
-
-  /// A piece of text that no label takes, to be kept as a comment.
-  struct Remark {
-    std::size_t offset;
-    std::string_view text;
-  };
-
-  void CollectPassedOver() {
-    std::set<const char*> strayComments;
-    for (const field::Stray& stray : tree_.strays) {
-      if (stray.kind == field::StrayKind::Comment) {
-        strayComments.insert(stray.text.data());
-        strayComments.insert(stray.text.data() + 2);  // past its mark
-      }
-      // Lists of other programs may do without labels. In sections that the system reads such a
-      // line is a slip.
-      if (stray.kind == field::StrayKind::Word && IsInForeignSection(stray.text)) {
-        remarks_.push_back({tree_.OffsetOf(stray.text), stray.text});
-      }
+  /// All but labels outside of every section, which nothing reads, and further lists of sources and
+  /// events: those go into the first.
+  std::vector<std::size_t> WrittenSections() const {
+    std::vector<std::size_t> written;
+    bool hasSources = false;
+    bool hasEvents = false;
+    for (std::size_t i = 0; i < tree_.sections.size(); ++i) {
+      const field::Section& section = tree_.sections[i];
+      if (section.name.empty()) continue;
+      if (IsSources(section) && std::exchange(hasSources, true)) continue;
+      if (IsEvents(section) && std::exchange(hasEvents, true)) continue;
+      written.push_back(i);
     }
-    for (const std::string_view comment : tree_.comments) {
-      if (!strayComments.contains(comment.data())) {
-        remarks_.push_back({tree_.OffsetOf(comment), comment});
-      }
+    return written;
+  }
+
+  static bool IsSources(const field::Section& section) {
+    return !section.inReferenceList && field::IsSourceIndex(section.name);
+  }
+  static bool IsEvents(const field::Section& section) {
+    return !section.inReferenceList && field::IsEventList(section.name);
+  }
+
+  void WriteSection(std::size_t place, std::size_t next) {
+    const field::Section& section = tree_.sections[place];
+    EnterOrLeaveReferenceList(section);
+    text_.OpenSection(section.name);
+    WriteRemarks(remarks_.Between(place, next));
+    if (IsSources(section)) {
+      WriteSources();
+    } else if (IsEvents(section)) {
+      WriteEvents();
+    } else {
+      WriteKept(section);
     }
-    std::stable_sort(remarks_.begin(), remarks_.end(),
-                     [](const Remark& a, const Remark& b) { return a.offset < b.offset; });
+    text_.CloseSection();
   }
 
-  bool IsInForeignSection(std::string_view text) const {
-    const auto after = std::upper_bound(
-        tree_.sections.begin(), tree_.sections.end(), text.data(),
-        [](const char* at, const field::Section& section) { return at < section.name.data(); });
-    if (after == tree_.sections.begin()) return false;
-    const field::Section& section = *std::prev(after);
-    return !IsConstants(section) && !Is(section.name, kSourceIndex) &&
-           !Is(section.name, kEventList);
-  }
-
-  std::size_t OffsetOf(std::size_t section) const {
-    return section < tree_.sections.size() ? tree_.OffsetOf(tree_.sections[section].name)
-                                           : tree_.file.size();
-  }
-  std::size_t FirstSectionOffset() const { return OffsetOf(0); }
-
-  /// The comments that stand in a part of the file.
-  void WriteComments(std::size_t from, std::size_t to) {
-    const auto isBefore = [](const Remark& remark, std::size_t offset) {
-      return remark.offset < offset;
-    };
-    auto remark = std::lower_bound(remarks_.begin(), remarks_.end(), from, isBefore);
-    for (; remark != remarks_.end() && remark->offset < to; ++remark) {
-      text_.Comment(project_.TextOf({remark->text, false}));
-    }
-  }
-
-  /// Opens a section with the comments that stand in it or after it.
-  void Open(std::size_t section) {
-    text_.OpenSection(tree_.sections[section].name);
-    WriteComments(OffsetOf(section), OffsetOf(section + 1));
+  void WriteRemarks(std::span<const std::string_view> remarks) {
+    for (const std::string_view remark : remarks) text_.Comment(project_.TextOf({remark, false}));
   }
 
   // Sections that are carried over.
@@ -194,9 +148,7 @@ class ProjectWriter {
     referenceNames_.clear();
   }
 
-  void WriteKept(std::size_t index) {
-    const field::Section& section = tree_.sections[index];
-    Open(index);
+  void WriteKept(const field::Section& section) {
     for (const field::Entry& entry : tree_.EntriesOf(section)) {
       const std::span<const field::Value> values = tree_.ValuesOf(entry);
       if (const auto rate = section.inReferenceList ? std::nullopt : OtherRate(entry)) {
@@ -209,7 +161,6 @@ class ProjectWriter {
         text_.Line(entry.label, ValuesOf(entry));
       }
     }
-    text_.CloseSection();
   }
 
   std::string Text(const field::Value& value) const {
@@ -325,8 +276,7 @@ class ProjectWriter {
     return Entries(source.place, next);
   }
 
-  void WriteSources(std::size_t section) {
-    Open(section);
+  void WriteSources() {
     for (const PlannedSource& source : plan_.sources) {
       text_.Line("Index", {Number(source.index)});
       WriteFileLine(source);
@@ -337,7 +287,6 @@ class ProjectWriter {
                    timecode ? StampedValuesOf(entry, kFewestTimecodeValues) : ValuesOf(entry));
       }
     }
-    text_.CloseSection();
   }
 
   void WriteFileLine(const PlannedSource& source) {
@@ -369,15 +318,13 @@ class ProjectWriter {
 
   // Events.
 
-  void WriteEvents(std::size_t section) {
-    Open(section);
+  void WriteEvents() {
     for (const PlannedEvent& event : plan_.events) {
       text_.Line("Entry", {Number(event.number)});
       const field::Event& origin = project_.events[event.origin];
       if (event.cut) WriteCut(*event.cut, origin);
       WriteEventLines(origin, event.cut ? &*event.cut : nullptr);
     }
-    text_.CloseSection();
   }
 
   /// An event goes on after a section that stands inside its list.
@@ -472,8 +419,8 @@ class ProjectWriter {
   const field::Project& project_;
   const field::Tree& tree_;
   const Plan& plan_;
+  Remarks remarks_;
   AdlText text_;
-  std::vector<Remark> remarks_;  ///< by rising offset
   bool inReferences_ = false;
   std::set<std::string> referenceNames_;
 };

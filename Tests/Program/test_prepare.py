@@ -1,6 +1,7 @@
 """velmora prepare: what becomes of each thing that stands in a project's way."""
 
 import json
+import re
 import subprocess
 import unittest
 
@@ -338,6 +339,17 @@ class Leftovers(ProgramTest):
         for piece in ('(Track) 1 "Dialogue"', "(Level) 1 0.5 00.00", "1 2 3", "/* a comment */", "(Rem) NAME \"take (one)\"",
                       '(Rem) "by hand"', "CURVE -12.04 -6.02 -2.50 I 1 " + m.stamp(9), "(Silence) 1 1 "):
             self.assertIn(piece, kept)
+
+    def test_comments_stay_where_they_are(self):
+        """Once, also where a section stands inside another, and those of a list that goes into the first."""
+        text = m.project(header=m.HEADER + "<A>\n/* one */\n(X) 1\n<B>\n/* two */\n(Y) 2\n</B>\n/* three */\n(Z) 3\n</A>\n"
+                                           "/* four */\n").replace(
+            "</ADL>", f"<EVENT_LIST>\n/* five */\n{m.cut(2, position=HOUR + m.SECOND)}</EVENT_LIST>\n</ADL>")
+        self.assert_status(self.prepare(text), ALL_DONE)
+        kept = (self.folder / "out/Show.adl").read_text()
+        self.assertEqual(re.findall(r"/\* (\w+) \*/|<([AB]|EVENT_LIST)>", kept),
+                         [("", "A"), ("one", ""), ("", "B"), ("two", ""), ("three", ""), ("", "A"), ("four", ""),
+                          ("", "EVENT_LIST"), ("five", "")])
 
     def test_second_prepare_changes_nothing(self):
         for number, case in enumerate(CASES + TEXTS):
