@@ -15,19 +15,16 @@
 #include "Field/FieldHeader.h"
 #include "Prepare/AdlText.h"
 #include "Prepare/Remarks.h"
-#include "Timecode/AdlTime.h"
+#include "Prepare/ValueTexts.h"
 
 namespace velmora::prepare {
 namespace {
 
-using Values = std::vector<std::string>;
+using Values = ValueTexts::Values;
 
 bool Is(std::string_view text, const char* word) {
   return EqualsIgnoringCase(std::string(text).c_str(), word);
 }
-
-constexpr const char* kSampleRate = "SEQ_SAMPLE_RATE";
-constexpr const char* kFrameRate = "SEQ_FRAME_RATE";
 
 /// Labels of an event with the number of values that the system asks for.
 struct EventLabel {
@@ -64,7 +61,11 @@ std::string Run(const field::ChannelRun& run) {
 class ProjectWriter {
  public:
   ProjectWriter(const check::CheckedProject& checked, const Plan& plan)
-      : project_(*checked.project), tree_(project_.tree), plan_(plan), remarks_(tree_) {}
+      : project_(*checked.project),
+        tree_(project_.tree),
+        plan_(plan),
+        texts_(project_, plan.form),
+        remarks_(tree_) {}
 
   std::string Write() {
     const std::vector<std::size_t> written = WrittenSections();
@@ -151,105 +152,16 @@ class ProjectWriter {
   void WriteKept(const field::Section& section) {
     for (const field::Entry& entry : tree_.EntriesOf(section)) {
       const std::span<const field::Value> values = tree_.ValuesOf(entry);
-      if (const auto rate = section.inReferenceList ? std::nullopt : OtherRate(entry)) {
+      if (const auto rate = section.inReferenceList ? std::nullopt : texts_.OtherRate(entry)) {
         text_.Line(entry.label, {*rate});
       } else if (entry.counted && !values.empty()) {
         text_.CountedLine(entry.label, project_.TextOf(values.front()));
       } else if (!section.inReferenceList && IsConstants(section)) {
-        text_.Line(entry.label, ConstantValues(entry, IsHeader(section)));
+        text_.Line(entry.label, texts_.ConstantValues(entry, IsHeader(section)));
       } else {
-        text_.Line(entry.label, ValuesOf(entry));
+        text_.Line(entry.label, texts_.ValuesOf(entry));
       }
     }
-  }
-
-  std::string Text(const field::Value& value) const {
-    return AdlText::Value(project_.TextOf(value), value.quoted);
-  }
-
-  /// The same, or the sign for "not given".
-  std::string TextOr(const field::Value& value) const {
-    return value.IsThere() ? Text(value) : "_";
-  }
-
-  Values ValuesOf(const field::Entry& entry) const {
-    Values values;
-    for (const field::Value& value : tree_.ValuesOf(entry)) values.push_back(Text(value));
-    return values;
-  }
-
-  /// The same with each time at the project's rates.
-  Values StampedValuesOf(const field::Entry& entry, std::size_t fewest) const {
-    Values values;
-    for (const field::Value& value : tree_.ValuesOf(entry)) {
-      const std::optional<std::int64_t> time = TimeOf(value);
-      values.push_back(time ? Stamp(*time) : Text(value));
-    }
-    while (values.size() < fewest) values.emplace_back("_");
-    return values;
-  }
-
-  /// The value of a constant. A text of several words without quotation marks gets them: the system
-  /// takes the first value alone.
-  Values ConstantValues(const field::Entry& entry, bool hasTimes) const {
-    const field::Value text = ReadLineText(tree_, entry, 0);
-    if (!text.IsThere()) return {};
-    const bool isRate = Is(entry.label, kSampleRate) || Is(entry.label, kFrameRate);
-    if (!hasTimes || isRate) return {Text(text)};
-    const std::optional<std::int64_t> time = TimeOf(text);
-    if (!time || IsAtProjectRates(text)) return {Text(text)};
-    const bool isFade = Is(entry.label, "SYS_XFADE_LEN");  // in the form that fade lengths have
-    return {isFade ? FadeLength(*time).value_or("_") : Stamp(*time)};
-  }
-
-  /// The rate of the timestamps, in place of another one that the header gives. It may stand in any
-  /// section.
-  std::optional<std::string> OtherRate(const field::Entry& entry) const {
-    const bool isSampleRate = Is(entry.label, kSampleRate);
-    const bool isFrameRate = Is(entry.label, kFrameRate);
-    if ((!isSampleRate && !isFrameRate) || entry.valueCount == 0) return std::nullopt;
-    const std::string_view text = ReadLineText(tree_, entry, 0).text;
-    const field::TimeRates form = RatesOf(plan_.form);
-    if (isSampleRate) {
-      if (field::ReadSampleRate(text) == form.sampleRate) return std::nullopt;
-      return 'S' + std::to_string(std::llround(form.sampleRate));
-    }
-    const std::optional<field::TimeRates> rates = field::ReadFrameRate(text);
-    const bool isForm = rates && rates->framesPerSecond == form.framesPerSecond &&
-                        rates->pulledDown == form.pulledDown;
-    if (isForm) return std::nullopt;
-    std::array<char, 32> number{};
-    std::snprintf(number.data(), number.size(), "%.5g", form.FrameRate());
-    return number.data();
-  }
-
-  // Times.
-
-  /// A value as a time at the project's rate; none if it is no time.
-  std::optional<std::int64_t> TimeOf(const field::Value& value) const {
-    const std::optional<field::Time> time = field::ReadTime(value.text, project_.times);
-    if (!time) return std::nullopt;
-    if (time->rates.sampleRate == plan_.form.sampleRate) return time->samples;
-    return field::AtRate(time->samples, time->rates.sampleRate, plan_.form.sampleRate);
-  }
-  /// True for a whole timestamp whose marks say what the prepared ones say: it may stay as it is.
-  /// Drop-frame is left aside: lengths of fades always count so.
-  bool IsAtProjectRates(const field::Value& value) const {
-    const std::optional<field::StampMarks> marks = ReadMarks(value.text, project_.times);
-    if (!marks || marks->sampleRateMark == 0 || value.quoted || AdlText::NeedsQuotes(value.text) ||
-        value.text.size() != kTimestampLength) {
-      return false;
-    }
-    field::TimeRates rates = marks->rates;
-    const field::TimeRates form = RatesOf(plan_.form);
-    rates.dropFrame = form.dropFrame;
-    return rates == form;
-  }
-  std::string Stamp(std::int64_t samples) const {
-    return WriteStamp(samples, plan_.form).value_or("_");
-  }
-  std::optional<std::string> FadeLength(std::int64_t samples) const {
-    return WriteFadeLength(samples, plan_.form);
   }
 
   // Sources.
@@ -283,8 +195,8 @@ class ProjectWriter {
       for (const field::Entry& entry : EntriesOf(project_.sources[source.origin])) {
         if (Is(entry.label, "F") || Is(entry.label, "Index")) continue;
         const bool timecode = Is(entry.label, "T");
-        text_.Line(entry.label,
-                   timecode ? StampedValuesOf(entry, kFewestTimecodeValues) : ValuesOf(entry));
+        text_.Line(entry.label, timecode ? texts_.StampedValuesOf(entry, kFewestTimecodeValues)
+                                         : texts_.ValuesOf(entry));
       }
     }
   }
@@ -294,13 +206,13 @@ class ProjectWriter {
     field::SourceTexts texts;
     if (origin.fPlace) texts = ReadSourceTexts(tree_, tree_.entries[*origin.fPlace]);
     Values values = {AdlText::Quoted(LocationOf(source)),
-                     source.hidesFacts ? "_" : TextOr(texts.reference), Stamp(source.fileStart),
-                     LengthOf(source)};
+                     source.hidesFacts ? "_" : texts_.TextOr(texts.reference),
+                     texts_.Stamp(source.fileStart), LengthOf(source)};
     // In the file they may stand on two lines.
     const bool wouldJoin = texts.last.IsThere() && !field::IsMark(texts.last);
     if (wouldJoin && texts.name.IsGiven()) texts.name.quoted = true;
-    if (texts.name.IsThere()) values.push_back(Text(texts.name));
-    if (texts.last.IsThere()) values.push_back(Text(texts.last));
+    if (texts.name.IsThere()) values.push_back(texts_.Text(texts.name));
+    if (texts.last.IsThere()) values.push_back(texts_.Text(texts.last));
     text_.Line("F", values);
   }
 
@@ -313,7 +225,7 @@ class ProjectWriter {
   std::string LengthOf(const PlannedSource& source) const {
     std::optional<std::int64_t> length = project_.sources[source.origin].length;
     if (source.file && (source.ownLength || !length)) length = plan_.files[*source.file].frames;
-    return length && !source.hidesFacts ? Stamp(*length) : "_";
+    return length && !source.hidesFacts ? texts_.Stamp(*length) : "_";
   }
 
   // Events.
@@ -345,10 +257,10 @@ class ProjectWriter {
   void WriteCut(const PlannedCut& cut, const field::Event& origin) {
     field::CutTexts texts;
     if (origin.edit) texts = ReadCutTexts(tree_, tree_.entries[*origin.edit]);
-    text_.Line("Cut", {texts.sourceType.IsGiven() ? Text(texts.sourceType) : "I",
+    text_.Line("Cut", {texts.sourceType.IsGiven() ? texts_.Text(texts.sourceType) : "I",
                        std::to_string(cut.sourceIndex), Run(cut.sourceChannels), Run(cut.tracks),
-                       Stamp(cut.sourceIn), Stamp(cut.position), Stamp(cut.end),
-                       std::string(1, origin.status)});
+                       texts_.Stamp(cut.sourceIn), texts_.Stamp(cut.position),
+                       texts_.Stamp(cut.end), std::string(1, origin.status)});
     if (origin.fadeIn) WriteFade("Infade", *origin.fadeIn, cut.fadeIn);
     if (origin.fadeOut) WriteFade("Outfade", *origin.fadeOut, cut.fadeOut);
     if (cut.gainDb && !cut.keepsGainLines && std::isfinite(*cut.gainDb)) {
@@ -357,17 +269,17 @@ class ProjectWriter {
   }
 
   void WriteFade(const char* label, const field::Fade& fade, std::optional<std::int64_t> length) {
-    const std::optional<std::string> stamp = length ? FadeLength(*length) : std::nullopt;
+    const std::optional<std::string> stamp = length ? texts_.FadeLength(*length) : std::nullopt;
     if (!stamp) return;
     const field::FadeTexts texts = ReadFadeTexts(tree_, tree_.entries[fade.place]);
-    Values values = {*stamp, TextOr(texts.shape)};
-    for (const field::Value& level : texts.levels) values.push_back(TextOr(level));
+    Values values = {*stamp, texts_.TextOr(texts.shape)};
+    for (const field::Value& level : texts.levels) values.push_back(texts_.TextOr(level));
     if (texts.renderedType.IsThere()) {
-      values.push_back(Text(texts.renderedType));
-      values.push_back(TextOr(texts.renderedIndex));
+      values.push_back(texts_.Text(texts.renderedType));
+      values.push_back(texts_.TextOr(texts.renderedIndex));
       const std::optional<std::int64_t> in =
-          texts.renderedIn.IsThere() ? TimeOf(texts.renderedIn) : std::nullopt;
-      values.push_back(in ? Stamp(*in) : TextOr(texts.renderedIn));
+          texts.renderedIn.IsThere() ? texts_.TimeOf(texts.renderedIn) : std::nullopt;
+      values.push_back(in ? texts_.Stamp(*in) : texts_.TextOr(texts.renderedIn));
     }
     text_.Line(label, values);
   }
@@ -391,10 +303,10 @@ class ProjectWriter {
     if (Is(entry.label, "Rem")) {
       const field::Value name = ReadNameText(tree_, entry);
       const Values named = {"NAME", name.IsGiven() ? AdlText::Quoted(project_.TextOf(name)) : ""};
-      text_.Line(entry.label, name.IsGiven() ? named : ValuesOf(entry));
+      text_.Line(entry.label, name.IsGiven() ? named : texts_.ValuesOf(entry));
       return;
     }
-    text_.Line(entry.label, StampedValuesOf(entry, FewestValues(entry)));
+    text_.Line(entry.label, texts_.StampedValuesOf(entry, FewestValues(entry)));
   }
 
   static std::size_t FewestValues(const field::Entry& entry) {
@@ -408,10 +320,11 @@ class ProjectWriter {
   /// A fade of an event that is no cut. Without a length it would fail the load.
   void WriteFadeOfOther(const field::Entry& entry) {
     const std::span<const field::Value> given = tree_.ValuesOf(entry);
-    const std::optional<std::int64_t> length = given.empty() ? std::nullopt : TimeOf(given.front());
-    const std::optional<std::string> stamp = length ? FadeLength(*length) : std::nullopt;
+    const std::optional<std::int64_t> length =
+        given.empty() ? std::nullopt : texts_.TimeOf(given.front());
+    const std::optional<std::string> stamp = length ? texts_.FadeLength(*length) : std::nullopt;
     if (!stamp) return;
-    Values values = StampedValuesOf(entry, kFewestFadeValues);
+    Values values = texts_.StampedValuesOf(entry, kFewestFadeValues);
     values[0] = *stamp;
     text_.Line(entry.label, values);
   }
@@ -419,6 +332,7 @@ class ProjectWriter {
   const field::Project& project_;
   const field::Tree& tree_;
   const Plan& plan_;
+  ValueTexts texts_;
   Remarks remarks_;
   AdlText text_;
   bool inReferences_ = false;
