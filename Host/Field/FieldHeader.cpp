@@ -176,6 +176,18 @@ std::optional<TimeRates> RatesOfCuts(const Project& project) {
   return rates;
 }
 
+std::optional<TimeRates> RatesOfEvents(const Project& project) {
+  std::optional<Time> first;
+  ForEachEntryOf(project.tree, IsEventList, [&](const Entry& entry, EntryPlace, bool) {
+    if (IsKeyword(entry.label, "Rem")) return true;
+    for (const Value& value : project.tree.ValuesOf(entry)) {
+      if (!first) first = ReadTime(value.text, project.times);
+    }
+    return !first;
+  });
+  return first ? std::optional(first->rates) : std::nullopt;
+}
+
 TimeRates RatesOfHeader(const Project& project) {
   std::optional<Time> first;
   ForEachEntryOf(project.tree, IsOfSystem, [&](const Entry& entry, EntryPlace, bool) {

@@ -17,11 +17,15 @@ namespace velmora::field {
 /// Reads what the header says of time, and how timestamps without a sample-rate mark are read.
 void ReadTimeContext(Project& project);
 
-// The project's rates are those of its first cut; without one those of the first source, and
-// without any those of the header. What stands in other sections are other programs' matters.
+// The project's rates are those of its first cut; without one those of the first source, without
+// any those of another event, and then those of the header. What stands in other sections are other
+// programs' matters.
 
 /// Those of the first cut that has a time.
 [[nodiscard]] std::optional<TimeRates> RatesOfCuts(const Project& project);
+
+/// Those of the first time in the list of events, remarks apart.
+[[nodiscard]] std::optional<TimeRates> RatesOfEvents(const Project& project);
 
 /// Those of the first time in SYSTEM and SEQUENCE, else what SEQ_SAMPLE_RATE and SEQ_FRAME_RATE
 /// say.

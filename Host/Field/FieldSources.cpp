@@ -75,6 +75,7 @@ void ProjectReader::ReadSources() {
   MarkReplaced(lines);
   std::optional<TimeRates> rates = RatesOfCuts(project_);
   if (!rates) rates = RatesOfSources(project_, lines);
+  if (!rates) rates = RatesOfEvents(project_);
   project_.rates = rates ? *rates : RatesOfHeader(project_);
   project_.sources.reserve(lines.size());
   for (const SourceLines& line : lines) {

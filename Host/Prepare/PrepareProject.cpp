@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -136,16 +137,14 @@ class Preparation {
     std::snprintf(text, sizeof text,
                   " Its peak is %+.2f dBFS, above full scale: %lld samples were clipped.",
                   20 * std::log10(outcome.peak), static_cast<long long>(outcome.clipped));
+    std::set<std::int32_t> indices;  // of the sources that play the file
+    for (const PlannedSource& source : plan_.sources) {
+      if (source.file == file) indices.insert(checked_.project->sources[source.origin].index);
+    }
     for (Change& change : plan_.changes) {
-      if (change.code != Code::MediaKind || !change.source) continue;
-      for (const PlannedSource& source : plan_.sources) {
-        const bool same =
-            source.file == file && checked_.project->sources[source.origin].index == *change.source;
-        if (same) {
-          change.text += " Audio/" + plan_.files[file].name + ':' + text;
-          break;
-        }
-      }
+      const bool same =
+          change.code == Code::MediaKind && change.source && indices.contains(*change.source);
+      if (same) change.text += " Audio/" + plan_.files[file].name + ':' + text;
     }
   }
 

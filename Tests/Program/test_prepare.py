@@ -120,6 +120,8 @@ TEXTS = [
     Case("rates-of-others", m.project(header=OTHER_STAMPS, sources=m.index(start="_"), events="")),
     Case("rates-of-nothing", m.project(header=OTHER_STAMPS + "<SEQUENCE>\n(SEQ_SAMPLE_RATE) S44100\n</SEQUENCE>\n", sources="",
                                        events="")),
+    Case("rates-of-a-cut-that-is-left-out", m.project(header="", sources="", events=m.cut(length=0).replace("/", "=") +
+         f"(Entry) 0002 (Silence) 1 1 {m.stamp(HOUR)} {m.stamp(HOUR + 1920)}\n")),
     Case("offset-with-a-strange-separator", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00\xb100/0000\n"
                                                       "</SYSTEM>\n").encode("latin-1")),
     Case("strange-mark", m.project(header=m.HEADER + "<SYSTEM>\n(SYS_SRC_OFFSET) 00.00:00:00\x830000\n</SYSTEM>\n")
