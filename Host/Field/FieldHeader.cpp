@@ -57,11 +57,6 @@ bool SaysDropFrame(std::string_view text) {
   return !text.empty() && LowerCase(text[0]) == 'd';
 }
 
-/// The sections with times of the project as a whole.
-bool IsOfSystem(std::string_view name) {
-  return IsKeyword(name, "SYSTEM") || IsKeyword(name, "SEQUENCE");
-}
-
 bool IsHeaderSection(std::string_view name) {
   return !IsEventList(name) && !IsSourceIndex(name);
 }
@@ -106,6 +101,10 @@ std::optional<TimeRates> RatesOfCut(const Project& project, const Entry& entry) 
 }
 
 }  // namespace
+
+bool IsProjectHeader(std::string_view sectionName) {
+  return IsKeyword(sectionName, "SYSTEM") || IsKeyword(sectionName, "SEQUENCE");
+}
 
 bool IsEventList(std::string_view sectionName) {
   return IsKeyword(sectionName, "EVENT_LIST");
@@ -190,7 +189,7 @@ std::optional<TimeRates> RatesOfEvents(const Project& project) {
 
 TimeRates RatesOfHeader(const Project& project) {
   std::optional<Time> first;
-  ForEachEntryOf(project.tree, IsOfSystem, [&](const Entry& entry, EntryPlace, bool) {
+  ForEachEntryOf(project.tree, IsProjectHeader, [&](const Entry& entry, EntryPlace, bool) {
     first = ReadTime(ReadLineText(project.tree, entry, 0).text, project.times);
     return !first;
   });

@@ -43,6 +43,8 @@ void ForEachEntryOf(const Tree& tree, bool (*wanted)(std::string_view sectionNam
   }
 }
 
+/// SYSTEM and SEQUENCE, whose constants may be times.
+[[nodiscard]] bool IsProjectHeader(std::string_view sectionName);
 [[nodiscard]] bool IsEventList(std::string_view sectionName);
 [[nodiscard]] bool IsSourceIndex(std::string_view sectionName);
 

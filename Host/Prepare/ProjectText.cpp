@@ -157,7 +157,7 @@ class ProjectWriter {
       } else if (entry.counted && !values.empty()) {
         text_.CountedLine(entry.label, project_.TextOf(values.front()));
       } else if (!section.inReferenceList && IsConstants(section)) {
-        text_.Line(entry.label, texts_.ConstantValues(entry, IsHeader(section)));
+        text_.Line(entry.label, texts_.ConstantValues(entry, field::IsProjectHeader(section.name)));
       } else {
         text_.Line(entry.label, texts_.ValuesOf(entry));
       }

@@ -9,12 +9,8 @@
 
 namespace velmora::prepare {
 
-bool IsHeader(const field::Section& section) {
-  return field::IsKeyword(section.name, "SYSTEM") || field::IsKeyword(section.name, "SEQUENCE");
-}
-
 bool IsConstants(const field::Section& section) {
-  return IsHeader(section) || field::IsKeyword(section.name, "VERSION") ||
+  return field::IsProjectHeader(section.name) || field::IsKeyword(section.name, "VERSION") ||
          field::IsKeyword(section.name, "PROJECT");
 }
 

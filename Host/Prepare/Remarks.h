@@ -9,8 +9,6 @@
 
 namespace velmora::prepare {
 
-/// SYSTEM and SEQUENCE, whose constants may be times.
-[[nodiscard]] bool IsHeader(const field::Section& section);
 /// A section of constants that the system reads.
 [[nodiscard]] bool IsConstants(const field::Section& section);
 
