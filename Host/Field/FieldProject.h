@@ -140,7 +140,8 @@ struct Project {
   HeaderFacts header;
   TimeContext times;  ///< how timestamps were read
   /// The project's: those of the first cut in the text that has a time. Without one, those of the
-  /// first full timestamp, else the header's, else 48000 Hz and 30 frames.
+  /// first source or else the first other event that has one, else the header's, else 48000 Hz and
+  /// 30 frames.
   TimeRates rates;
   std::vector<MarksUse> marks;              ///< the different marks of its timestamps, by first use
   std::vector<Source> sources;              ///< in file order, the later of two with one number
