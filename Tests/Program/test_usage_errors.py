@@ -39,6 +39,8 @@ ROWS = [
     (["spot", "p.adl", "--session-rate", "fast"], ["--session-rate", "fast"]),
     (["spot", "p.adl", "--session-rate", "nan"], ["--session-rate", "nan"]),
     (["spot", "p.adl", "--session-frame-rate", "26"], ["--session-frame-rate", "26"]),
+    (["check", "p.adl", "--encoding", "Klingon"], ["--encoding", "Klingon"]),
+    (["check", "p.adl", "--encoding", ""], ["--encoding"]),
     (["spot", "p.adl", "--skip-tracks", "3-1"], ["--skip-tracks", "3-1"]),
     (["spot", "p.adl", "--only-events", "x"], ["--only-events", "x"]),
     (["spot", "p.adl", "--skip-events", "1", "--only-events", "2"], ["--skip-events", "--only-events"]),
